@@ -1,0 +1,83 @@
+# Compiler settings and the two kinds of target that every folder declares.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+
+set(KELPROBE_SANITIZER "" CACHE STRING "Value for -fsanitize=, or empty")
+set(KELPROBE_CONFIGURATION "dev" CACHE STRING "Prefix of test names in joint runs")
+option(KELPROBE_FUZZERS "Build the libFuzzer targets (clang only)" OFF)
+option(KELPROBE_BENCHMARKS "Build the benchmarks and their peers" OFF)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER "${CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+endif()
+
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+
+if(KELPROBE_SANITIZER)
+  add_compile_options(-fsanitize=${KELPROBE_SANITIZER} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KELPROBE_SANITIZER})
+  if(NOT KELPROBE_SANITIZER STREQUAL "thread")
+    add_compile_options(-fno-sanitize-recover=all)
+  endif()
+endif()
+
+add_library(kelprobe_warnings INTERFACE)
+add_library(Kelprobe::warnings ALIAS kelprobe_warnings)
+target_compile_options(kelprobe_warnings INTERFACE
+  -Werror -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+  -Wformat=2 -Wcast-qual -Wundef
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
+
+# kelprobe_library(NAME SOURCES file... [INCLUDE dir] [LINK target...] [PRIVATE target...])
+#
+# A static library kelprobe_NAME, alias Kelprobe::NAME. Its headers are found
+# only by targets that link it, which is what keeps the layers apart.
+function(kelprobe_library name)
+  cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;LINK;PRIVATE" ${ARGN})
+  if(NOT ARG_INCLUDE)
+    set(ARG_INCLUDE "${CMAKE_CURRENT_SOURCE_DIR}")
+  endif()
+  add_library(kelprobe_${name} STATIC ${ARG_SOURCES})
+  add_library(Kelprobe::${name} ALIAS kelprobe_${name})
+  target_include_directories(kelprobe_${name} PUBLIC "${ARG_INCLUDE}")
+  target_link_libraries(kelprobe_${name}
+    PUBLIC ${ARG_LINK}
+    PRIVATE ${ARG_PRIVATE} Kelprobe::warnings)
+endfunction()
+
+# kelprobe_test(NAME SOURCES file... LINK target... [ENVIRONMENT var=value...]
+#               [LABELS label...] [TIMEOUT seconds] [SERIAL])
+#
+# A GoogleTest program test-NAME; every test in it becomes a ctest test
+# "CONFIGURATION.Suite.Case". SERIAL keeps its tests from running beside others.
+function(kelprobe_test name)
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT;LABELS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  add_executable(test-${name} ${ARG_SOURCES})
+  target_link_libraries(test-${name} PRIVATE ${ARG_LINK} GTest::gtest_main Kelprobe::warnings)
+  set(properties TIMEOUT ${ARG_TIMEOUT})
+  if(ARG_ENVIRONMENT OR KELPROBE_TEST_ENVIRONMENT)
+    list(APPEND properties ENVIRONMENT "${KELPROBE_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+  endif()
+  if(ARG_LABELS)
+    list(APPEND properties LABELS "${ARG_LABELS}")
+  endif()
+  if(ARG_SERIAL)
+    list(APPEND properties RUN_SERIAL TRUE)
+  endif()
+  gtest_discover_tests(test-${name}
+    TEST_PREFIX "${KELPROBE_CONFIGURATION}."
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES ${properties})
+endfunction()
