@@ -1,0 +1,45 @@
+// Names by which devices are known, each in a slot of 256 bytes; matched as case-sensitive
+// substrings of a device's own name.
+#pragma once
+
+namespace KX {
+
+inline constexpr int kDeviceNameSize = 256;
+
+inline constexpr char kCaptureBoxName[kDeviceNameSize] = "XI100DUSB-HDMI";
+
+inline constexpr char kSpeakerphoneNames[][kDeviceNameSize] = {
+    "Revolabs",
+    "Logi Group Speakerphone",
+    "Jabra SPEAK 810",
+    "Jabra SPEAK 510",
+};
+
+// In the order in which they are tried. The speakerphones stand here once more, and two names in
+// both spellings, since devices in the field report either.
+inline constexpr char kConferenceDeviceNames[][kDeviceNameSize] = {
+    "ConferenceCam Connect",
+    "Revolabs",
+    "ConferenceCam CC3000e Speaker",
+    "Logi Group Speakerphone",
+    "Jabra SPEAK 810",
+    "Jabra SPEAK 510",
+    "Crestron Mercury",
+    "Logitech MeetUp",
+    "HDL300",
+    "VB342",
+    "Trio 8500",
+    "Trio 8800",
+    "Trio8500",
+    "Trio8800",
+    "Logitech Rally",
+    "Logi Rally Audio",
+    "ClearOne Converge PRO 2 48V USB Audio",
+    "Poly V-USB Speakerphone",
+    "Yealink CP960 Speakerphone",
+    "Yamaha YVC-1000",
+    "Yamaha CS-700",
+    "Yamaha AudioVideo Device",
+};
+
+} // namespace KX
