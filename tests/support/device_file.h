@@ -23,17 +23,23 @@ inline std::vector<uint8_t> bytesFromHex(const std::string& text)
     return bytes;
 }
 
-// `name`: the file's name without its ending. Lines that begin with # are its header.
-inline std::vector<uint8_t> deviceDescriptor(const std::string& name)
+// The bytes of a file of hexadecimal digits. Lines that begin with # are its header.
+inline std::vector<uint8_t> bytesFromHexFile(const std::filesystem::path& path)
 {
-    std::ifstream file(std::string(KELPROBE_TEST_DATA) + "/devices/" + name + ".hex");
+    std::ifstream file(path);
     if (!file)
-        throw std::runtime_error("no device file " + name);
+        throw std::runtime_error("cannot read " + path.string());
     std::string digits;
     for (std::string line; std::getline(file, line);)
         if (!line.starts_with('#'))
             digits += line;
     return bytesFromHex(digits);
+}
+
+// `name`: the file's name without its ending.
+inline std::vector<uint8_t> deviceDescriptor(const std::string& name)
+{
+    return bytesFromHexFile(std::string(KELPROBE_TEST_DATA) + "/devices/" + name + ".hex");
 }
 
 inline std::vector<std::string> deviceNames()
