@@ -1,0 +1,18 @@
+// Messages about devices that come and go, as the kernel sends them.
+#pragma once
+
+#include <string>
+
+namespace sim {
+
+struct Uevent {
+    std::string action;     // "add" or "remove"
+    std::string devicePath; // below /sys
+    std::string node;       // "/dev/bus/usb/..."
+};
+
+// Sends to every process that listens in the testbed at `root`. No listener is
+// no error. Works with and without umockdev's library preloaded.
+void broadcast(const std::string& root, const Uevent& event);
+
+} // namespace sim
