@@ -1,0 +1,52 @@
+#include "bus_test.h"
+
+#include <hidapi/hidapi.h>
+#include <umockdev.h>
+
+#include <thread>
+
+bool eventually(const std::function<bool()>& condition, std::chrono::milliseconds limit)
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void BusTest::SetUp()
+{
+    bus_ = std::make_unique<sim::UsbBus>();
+    // umockdev knows only once there is a testbed.
+    ASSERT_TRUE(umockdev_in_mock_environment()) << "start it with LD_PRELOAD: see bus_test.h";
+}
+
+void BusTest::TearDown()
+{
+    hid_exit(); // libusb knows the devices of the bus it was started on
+    devices_.clear();
+    bus_.reset();
+}
+
+sim::UsbDevice& BusTest::plug(const sim::UsbDeviceInfo& info)
+{
+    sim::UsbDevice& device = devices_.emplace_back(*bus_, info);
+    device.plug();
+    return device;
+}
+
+sim::UsbDevice& BusTest::plug(std::string_view profile)
+{
+    const sim::Profile* const found = sim::findProfile(profile);
+    if (!found)
+        throw std::invalid_argument("no such profile: " + std::string(profile));
+    return plug(found->info);
+}
+
+BusTest::Reports BusTest::outputs(sim::UsbDevice& device, size_t count)
+{
+    EXPECT_TRUE(device.waitForOutputs(count)) << "fewer than " << count << " output reports";
+    return device.takeOutputs();
+}
