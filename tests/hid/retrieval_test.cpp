@@ -34,7 +34,7 @@ TEST_F(Retrieval, FindsTheInterfaceByEitherFormOfItsPath)
     EXPECT_EQ(retrieve("1-2:1.0"), second.info().reportDescriptor);
     EXPECT_EQ(retrieve("0001:0003:00"), second.info().reportDescriptor);
     for (const char* other : {"1-3:1.0", "1-1:1.1", "1-1:2.0", "0001:0009:00", "", "1-1"})
-        EXPECT_EQ(retrieve(other), Bytes {}) << other;
+        EXPECT_EQ(retrieve(other), Bytes{}) << other;
     EXPECT_EQ(printed_, "");
     EXPECT_TRUE(first.driverBound());
     EXPECT_FALSE(first.claimed());
@@ -50,11 +50,11 @@ TEST_F(Retrieval, GoesByTheFirstReportEntryOfTheHidDescriptor)
         size_t expected;
     };
     for (const Row& row : {
-             Row {{{Class::kPhysical, 7}, {Class::kReport, size}}, size},
-             Row {{{Class::kReport, 10}, {Class::kReport, size}}, 10},
-             Row {{{Class::kPhysical, 7}}, 0},
-             Row {{}, 0},
-             Row {{{Class::kReport, 0}}, 0},
+             Row{{{Class::kPhysical, 7}, {Class::kReport, size}}, size},
+             Row{{{Class::kReport, 10}, {Class::kReport, size}}, 10},
+             Row{{{Class::kPhysical, 7}}, 0},
+             Row{{}, 0},
+             Row{{{Class::kReport, 0}}, 0},
          }) {
         info.classDescriptors = row.listed;
         auto& device = plug(info);
@@ -95,8 +95,8 @@ TEST_F(Retrieval, AnInterfaceThatCannotBeClaimedLeavesZeros)
     auto& device = plug("lamp-per-report");
     device.faults().refuseClaim.arm(1); // ours; hidapi's own claim then works
     testing::internal::CaptureStdout();
-    const auto opened = KX::hid_open(device.info().vendorId, device.info().productId, nullptr,
-        KX::DescriptorFetch::On);
+    const auto opened = KX::hid_open(
+        device.info().vendorId, device.info().productId, nullptr, KX::DescriptorFetch::On);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), kUnavailable);
     ASSERT_NE(opened, nullptr);
     Bytes descriptor;
@@ -108,9 +108,9 @@ TEST_F(Retrieval, WithoutPermissionOrWithADriverThatStaysThereIsNothing)
 {
     auto& device = plug("speakerphone");
     device.faults().refuseDetach.arm(1);
-    EXPECT_EQ(retrieve("1-1:1.0"), Bytes {});
+    EXPECT_EQ(retrieve("1-1:1.0"), Bytes{});
     device.setOpenable(false);
-    EXPECT_EQ(retrieve("1-1:1.0"), Bytes {});
+    EXPECT_EQ(retrieve("1-1:1.0"), Bytes{});
     EXPECT_EQ(printed_, "");
 }
 
@@ -127,13 +127,16 @@ TEST_F(Retrieval, OpensByIdsAndSerialNumber)
             (void)hid_get_serial_number_string(opened->handle, serial, std::size(serial));
         return std::wstring(serial);
     };
-    EXPECT_EQ(serialOf(nullptr), L"S0001");
+    hid_device_info* list = hid_enumerate(0x0B0E, 0x0410);
+    EXPECT_EQ(serialOf(nullptr), list->serial_number);
+    hid_free_enumeration(list);
+    EXPECT_EQ(serialOf(L"S0001"), L"S0001");
     EXPECT_EQ(serialOf(L"other"), L"other");
     EXPECT_EQ(serialOf(L"none"), L"-");
     EXPECT_EQ(KX::hid_open(0, 0, nullptr, KX::DescriptorFetch::Off), nullptr);
-    Bytes untouched {1};
+    Bytes untouched{1};
     EXPECT_FALSE(KX::hid_get_report_descriptor_copy(nullptr, untouched));
-    EXPECT_EQ(untouched, Bytes {1});
+    EXPECT_EQ(untouched, Bytes{1});
 }
 
 TEST(AnnouncedLength, StaysWithinTheBytesThereAre)
@@ -143,16 +146,16 @@ TEST(AnnouncedLength, StaysWithinTheBytesThereAre)
         int length; // -1: none
     };
     for (const Row& row : {
-             Row {"09 21 11 01 00 01 22 11 01", 0x0111},
-             Row {"0c 21 11 01 00 02 23 05 00 22 40 00", 0x40},
-             Row {"09 21 11 01 00 00 22 11 01", -1},
-             Row {"09 21 11 01 00 ff 23 11 01", -1},
-             Row {"09 21 11 01 00 01 22 11", -1},
-             Row {"09 21 11", -1},
-             Row {"", -1},
+             Row{"09 21 11 01 00 01 22 11 01", 0x0111},
+             Row{"0c 21 11 01 00 02 23 05 00 22 40 00", 0x40},
+             Row{"09 21 11 01 00 00 22 11 01", -1},
+             Row{"09 21 11 01 00 ff 23 11 01", -1},
+             Row{"09 21 11 01 00 01 22 11", -1},
+             Row{"09 21 11", -1},
+             Row{"", -1},
          }) {
         const auto length = KX::AnnouncedDescriptorLength(bytesFromHex(row.extra));
-        EXPECT_EQ(length ? int {*length} : -1, row.length) << row.extra;
+        EXPECT_EQ(length ? int{*length} : -1, row.length) << row.extra;
     }
 }
 

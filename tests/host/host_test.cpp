@@ -84,25 +84,25 @@ TEST_F(Host, MapsStatesBothWays)
         int call, mute;
     };
     for (const Row& row : {
-             Row {KXState::Call, 0, "03 08 00", 0, -1},
-             Row {KXState::Call, 1, "03 01 00", 1, -1},
-             Row {KXState::Mute, 7, "03 05 00", 1, 1},
-             Row {KXState::Mute, 0, "03 01 00", 1, 0},
-             Row {KXState::Call, 3, "", 1, 0},
-             Row {KXState::Call, 255, "", 1, 0},
-             Row {static_cast<KXState>(2), 1, "", 1, 0},
-             Row {KXState::Call, 2, "03 00 00", 2, 0},
+             Row{KXState::Call, 0, "03 08 00", 0, -1},
+             Row{KXState::Call, 1, "03 01 00", 1, -1},
+             Row{KXState::Mute, 7, "03 05 00", 1, 1},
+             Row{KXState::Mute, 0, "03 01 00", 1, 0},
+             Row{KXState::Call, 3, "", 1, 0},
+             Row{KXState::Call, 255, "", 1, 0},
+             Row{static_cast<KXState>(2), 1, "", 1, 0},
+             Row{KXState::Call, 2, "03 00 00", 2, 0},
          }) {
         set(row.state, row.value);
         const auto reports = device.takeOutputs();
-        EXPECT_EQ(reports.empty() ? Bytes {} : reports.back(), bytesFromHex(row.last));
+        EXPECT_EQ(reports.empty() ? Bytes{} : reports.back(), bytesFromHex(row.last));
         EXPECT_EQ(get(KXState::Call), row.call);
         EXPECT_EQ(get(KXState::Mute), row.mute);
     }
     host_->SetState(KXState::Call, nullptr);
     EXPECT_FALSE(host_->GetState(KXState::Call, nullptr));
     EXPECT_EQ(get(static_cast<KXState>(2)), -1);
-    EXPECT_EQ(device.takeOutputs(), Reports {});
+    EXPECT_EQ(device.takeOutputs(), Reports{});
 }
 
 TEST_F(Host, PassesTheDevicesEventsOn)
@@ -117,12 +117,12 @@ TEST_F(Host, PassesTheDevicesEventsOn)
         return events;
     };
     using Events = std::vector<std::string>;
-    EXPECT_EQ(after(KXCallActive, "030800"), Events {"state 0 1"});
-    EXPECT_EQ(after(KXCallActive, "030800"), Events {"state 0 0"});
+    EXPECT_EQ(after(KXCallActive, "030800"), Events{"state 0 1"});
+    EXPECT_EQ(after(KXCallActive, "030800"), Events{"state 0 0"});
     set(KXState::Call, KXCallIdle);
-    EXPECT_EQ(after(KXCallRinging, "030100"), Events {"command 0"});
+    EXPECT_EQ(after(KXCallRinging, "030100"), Events{"command 0"});
     set(KXState::Call, KXCallIdle);
-    EXPECT_EQ(after(KXCallRinging, "030000"), Events {"command 1"});
+    EXPECT_EQ(after(KXCallRinging, "030000"), Events{"command 1"});
 }
 
 TEST_F(Host, OneKeyOneStack)
@@ -133,7 +133,7 @@ TEST_F(Host, OneKeyOneStack)
     EXPECT_EQ(outputs(device, 3).size(), 3u);
     host_->SelectDevice(kSpeakerphone);
     host_->SelectDevice(nullptr);
-    EXPECT_EQ(device.takeOutputs(), Reports {}) << "the open stack stays";
+    EXPECT_EQ(device.takeOutputs(), Reports{}) << "the open stack stays";
     EXPECT_TRUE(device.claimed());
 
     host_->SelectDevice("0x047F-HID-0xC056#a name");
