@@ -26,7 +26,8 @@ public:
 
     KX::Bytes String()
     {
-        const size_t length = std::min<size_t>(Byte() % 9, bytes_.size());
+        const size_t wanted = Byte() % 9;
+        const size_t length = std::min(wanted, bytes_.size());
         const auto taken = bytes_.first(length);
         bytes_ = bytes_.subspan(length);
         return {taken.begin(), taken.end()};
