@@ -206,12 +206,18 @@ TEST_F(Stack, PressesThatMeanNothingAreIgnored)
 {
     auto& device = plug("speakerphone");
     ASSERT_EQ(open(device), 1);
-    perform(stack_, device, "030800 030100"); // idle
     perform(stack_, device, "offhook 030100 030000 0308 08 03080000");
     (void)device.takeOutputs();
     perform(stack_, device, "030800"); // heard last, so the others have been
     EXPECT_EQ(outputs(device, 1), reportsFromText("03 05 00"));
     EXPECT_EQ(sink_.Take(), Events{"mute"});
+
+    perform(stack_, device, "hangup");
+    (void)device.takeOutputs();
+    perform(stack_, device, "030800 030100");
+    stack_.Close();
+    EXPECT_EQ(device.takeOutputs(), Reports{});
+    EXPECT_EQ(sink_.Take(), Events{});
 }
 
 TEST_F(Stack, HearsADeviceWithoutReportIdsAndOneWithLampsApart)
