@@ -1,0 +1,36 @@
+#include "devicemanager.h"
+
+#include "devicetext.h"
+#include "hidcontroller.h"
+
+DeviceManager::DeviceManager()
+    : m_enumeration(hid_enumerate(0, 0)) // of every vendor, every product
+{
+    for (const hid_device_info* entry = m_enumeration.get(); entry; entry = entry->next) {
+        m_deviceTexts.append(deviceLine(*entry));
+        m_entries.push_back(entry);
+    }
+    m_listModel.setStringList(m_deviceTexts);
+}
+
+DeviceManager& DeviceManager::instance()
+{
+    static DeviceManager manager;
+    return manager;
+}
+
+void DeviceManager::setDeviceSelectedIndex(int index)
+{
+    if (m_deviceSelectedIndex == index)
+        return;
+    m_deviceSelectedIndex = index;
+    emit sig_deviceSelectedIndexChanged();
+}
+
+void DeviceManager::slt_onSelectDevice(int index)
+{
+    // The combo box reports -1 while it has no row.
+    if (index < 0 || static_cast<size_t>(index) >= m_entries.size())
+        return;
+    HidController::instance().selectDevice(deviceId(*m_entries[static_cast<size_t>(index)]));
+}

@@ -1,0 +1,36 @@
+#include "devicemanager.h"
+#include "hidcontroller.h"
+#include "logrecorder.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+
+namespace {
+
+constexpr int kFailed = -1;
+
+int runWindow()
+{
+    QQmlApplicationEngine engine;
+    QQmlContext* context = engine.rootContext();
+    if (!context)
+        return kFailed;
+    // In this order: the devices are enumerated before there is a controller.
+    context->setContextProperty("cls_DeviceManager", &DeviceManager::instance());
+    context->setContextProperty("cls_HidController", &HidController::instance());
+    context->setContextProperty("cls_LogRecorder", &LogRecorder::instance());
+    engine.load(QUrl("qrc:/main.qml"));
+    return engine.rootObjects().isEmpty() ? kFailed : QGuiApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Fixed on purpose: the tool always uses this home, whatever the user's environment says.
+    qputenv("RKB_HOME", "/home/tarnu/.mivo");
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    const QGuiApplication application(argc, argv);
+    return runWindow();
+}
