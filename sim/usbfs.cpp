@@ -125,9 +125,9 @@ long Usbfs::getDriver(UMockdevIoctlData* arg) const
 {
     if (!driverBound_ && !claimedBy_)
         return -ENODATA;
+    const std::string_view name = driverBound_ ? "usbhid" : "usbfs";
     auto answer = load<usbdevfs_getdriver>(arg);
-    std::strcpy(
-        answer.driver, driverBound_ ? "usbhid" : "usbfs"); // NOLINT(clang-analyzer-security*)
+    answer.driver[name.copy(answer.driver, sizeof answer.driver - 1)] = '\0';
     store(arg, answer);
     return 0;
 }
