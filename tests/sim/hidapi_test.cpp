@@ -1,53 +1,223 @@
 #include "bus_test.h"
+#include "hid_handle.h"
 
-#include <hidapi/hidapi.h>
-
+#include <algorithm>
+#include <string>
 #include <thread>
 
 namespace {
 
 using sim::Bytes;
+using Reports = std::vector<Bytes>;
 
-struct HidClose {
-    void operator()(hid_device* device) const { hid_close(device); }
+class HidapiOnBus : public BusTest {
+protected:
+    // "PATH VVVV:PPPP PRODUCT, SERIAL" in order of the paths, with ? for a
+    // string that is not there.
+    static std::vector<std::wstring> listed()
+    {
+        std::vector<std::wstring> lines;
+        hid_device_info* const all = hid_enumerate(0, 0);
+        for (const hid_device_info* i = all; i; i = i->next) {
+            const auto text = [](const wchar_t* string) {
+                return string && *string ? std::wstring(string) : std::wstring(L"?");
+            };
+            wchar_t line[200];
+            swprintf(line, std::size(line), L"%s %04x:%04x %ls, %ls", i->path, i->vendor_id,
+                i->product_id, text(i->product_string).c_str(), text(i->serial_number).c_str());
+            lines.emplace_back(line);
+        }
+        hid_free_enumeration(all);
+        std::sort(lines.begin(), lines.end()); // libusb lists what was plugged in last first
+        return lines;
+    }
+    using Lines = std::vector<std::wstring>;
 };
-using Hid = std::unique_ptr<hid_device, HidClose>;
 
-Hid openPath(const sim::UsbDevice& device)
+TEST_F(HidapiOnBus, ListsWhatIsPluggedIn)
 {
-    return Hid(hid_open_path(device.hidPath().c_str()));
-}
+    EXPECT_EQ(listed(), Lines{});
+    sim::UsbDevice& first = plug("speakerphone");
+    const std::wstring firstLine = L"1-1:1.0 0b0e:0410 Simulated speakerphone, S0001";
+    EXPECT_EQ(listed(), Lines{firstLine});
 
-// The report read, or nothing if none came or the device is gone.
-Bytes read(const Hid& hid, int limitMs = 10'000)
-{
-    Bytes report(64);
-    const int size = hid_read_timeout(hid.get(), report.data(), report.size(), limitMs);
-    report.resize(size < 0 ? 0 : static_cast<size_t>(size));
-    return report;
-}
+    sim::UsbDeviceInfo info = sim::findProfile("no-telephony")->info;
+    info.product = u"Téléphone";
+    info.interfaceNumber = 3;
+    plug(info);
+    const std::wstring secondLine = L"1-2:1.3 046d:0ac4 Téléphone, ?";
+    EXPECT_EQ(listed(), (Lines{firstLine, secondLine}));
 
-bool write(const Hid& hid, const Bytes& report)
-{
-    return hid_write(hid.get(), report.data(), report.size()) == static_cast<int>(report.size());
-}
+    first.unplug();
+    EXPECT_EQ(listed(), Lines{secondLine});
+    first.plug();
+    EXPECT_EQ(listed(), (Lines{firstLine, secondLine}));
 
-class HidapiOnBus : public BusTest { };
+    info.interfaceClass = 0xff;
+    plug(info);
+    EXPECT_EQ(listed().size(), 2U) << "not a HID interface";
+}
 
 TEST_F(HidapiOnBus, ReadsAndWritesWithEveryProfile)
 {
     for (const sim::Profile& profile : sim::profiles()) {
         SCOPED_TRACE(profile.name);
         sim::UsbDevice& device = plug(profile.name);
-        const Hid hid = openPath(device);
+        EXPECT_FALSE(device.inject({3, 1, 0})) << "the kernel's driver has it";
+        const Hid hid = openHid(device);
         ASSERT_TRUE(hid);
+        EXPECT_FALSE(device.driverBound());
+
         const bool numbered = profile.name != "no-report-ids";
         const Bytes input = numbered ? Bytes{3, 1, 0} : Bytes{1, 0};
         ASSERT_TRUE(device.inject(input));
-        EXPECT_EQ(read(hid), input);
+        EXPECT_EQ(readReport(hid), input);
         const Bytes output = {uint8_t(numbered ? 3 : 0), 8, 0};
-        EXPECT_TRUE(write(hid, output));
-        EXPECT_EQ(device.takeOutputs(), Reports{output}); // already there
+        EXPECT_TRUE(writeReport(hid, output));
+        EXPECT_EQ(device.takeOutputs(), Reports{output}) << "there before hid_write() returned";
+        EXPECT_EQ(hid_get_input_report(hid.get(), Bytes(3).data(), 3), -1) << "stalls";
+    }
+}
+
+TEST_F(HidapiOnBus, ClosingGivesTheDeviceBack)
+{
+    sim::UsbDevice& device = plug();
+    for (int i = 1; i <= 3; ++i) {
+        const Hid hid = openHid(device);
+        ASSERT_TRUE(hid);
+        EXPECT_FALSE(openHid(device)) << "a second client is refused";
+        EXPECT_EQ(device.counters().claims, i);
+    }
+    EXPECT_TRUE(device.driverBound());
+    EXPECT_FALSE(device.claimed());
+    EXPECT_EQ(device.counters().releases, 3);
+}
+
+TEST_F(HidapiOnBus, KeepsTwoDevicesApart)
+{
+    sim::UsbDevice& one = plug("speakerphone");
+    sim::UsbDevice& two = plug("speakerphone");
+    const Hid hidOne = openHid(one);
+    const Hid hidTwo = openHid(two);
+    ASSERT_TRUE(hidOne && hidTwo);
+    ASSERT_TRUE(one.inject({3, 1, 0}) && two.inject({3, 2, 0}));
+    EXPECT_EQ(readReport(hidTwo), (Bytes{3, 2, 0}));
+    EXPECT_EQ(readReport(hidOne), (Bytes{3, 1, 0}));
+    EXPECT_TRUE(writeReport(hidTwo, {3, 8, 0}));
+    EXPECT_EQ(one.takeOutputs(), Reports{});
+    EXPECT_EQ(two.takeOutputs(), (Reports{{3, 8, 0}}));
+}
+
+TEST_F(HidapiOnBus, FloodsArriveInOrder)
+{
+    constexpr int kReports = 2000;
+    constexpr int kUnread = 20; // hidapi drops what is more than 30 behind
+    sim::UsbDevice& device = plug();
+    const Hid hid = openHid(device);
+    ASSERT_TRUE(hid);
+    for (int begin = 0; begin < kReports; begin += kUnread) {
+        for (int i = begin; i < begin + kUnread; ++i)
+            ASSERT_TRUE(device.inject({3, sim::highByte(size_t(i)), sim::lowByte(size_t(i))}));
+        ASSERT_TRUE(device.waitUntilRead());
+        for (int i = begin; i < begin + kUnread; ++i)
+            ASSERT_EQ(
+                readReport(hid), (Bytes{3, sim::highByte(size_t(i)), sim::lowByte(size_t(i))}));
+    }
+}
+
+TEST_F(HidapiOnBus, AFloodThatOverrunsHidapiLeavesTheNewest)
+{
+    sim::UsbDevice& device = plug();
+    const Hid hid = openHid(device);
+    ASSERT_TRUE(hid);
+    const Bytes last = {3, 0xff, 0xff};
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_TRUE(device.inject({3, 0, 0}));
+    ASSERT_TRUE(device.inject(last));
+    ASSERT_TRUE(device.waitUntilRead());
+    int reports = 1;
+    while (readReport(hid) != last)
+        ASSERT_LE(++reports, 40);
+}
+
+TEST_F(HidapiOnBus, UnplugEndsABlockedReadAndAllLaterCalls)
+{
+    sim::UsbDevice& device = plug();
+    Hid hid = openHid(device);
+    ASSERT_TRUE(hid);
+    std::atomic<bool> ended = false;
+    std::thread reader([&] {
+        EXPECT_EQ(readReport(hid), Bytes{});
+        ended = true;
+    });
+    device.unplug();
+    reader.join();
+    EXPECT_TRUE(ended);
+    EXPECT_EQ(hid_read_timeout(hid.get(), Bytes(64).data(), 64, 0), -1);
+    EXPECT_FALSE(writeReport(hid, {3, 8, 0}));
+    EXPECT_FALSE(device.inject({3, 1, 0}));
+    EXPECT_FALSE(device.waitUntilRead());
+    hid.reset();
+
+    device.plug();
+    ASSERT_TRUE(eventually([&] { return (hid = openHid(device)) != nullptr; }));
+    ASSERT_TRUE(device.inject({3, 1, 0}));
+    EXPECT_EQ(readReport(hid), (Bytes{3, 1, 0}));
+}
+
+TEST_F(HidapiOnBus, AnOutputCallbackMayInjectAndUnplug)
+{
+    sim::UsbDevice& device = plug();
+    const Hid hid = openHid(device);
+    ASSERT_TRUE(hid);
+    device.setOutputCallback([&](const Bytes& report) {
+        if (report[1] == 1)
+            device.inject(report);
+        else
+            device.unplug();
+    });
+    EXPECT_TRUE(writeReport(hid, {3, 1, 0}));
+    EXPECT_EQ(readReport(hid), (Bytes{3, 1, 0}));
+    writeReport(hid, {3, 2, 0}); // arrived, but what it returns is a race with the unplugging
+    EXPECT_EQ(device.takeOutputs(), (Reports{{3, 1, 0}, {3, 2, 0}}));
+    EXPECT_EQ(hid_read_timeout(hid.get(), Bytes(64).data(), 64, 10'000), -1);
+}
+
+TEST_F(HidapiOnBus, RefusalsFailTheOpenUntilTheyEnd)
+{
+    sim::UsbDevice& device = plug();
+    device.faults().refuseClaim.arm(1);
+    EXPECT_FALSE(openHid(device));
+    EXPECT_TRUE(openHid(device)) << "only the first claim was refused";
+    for (sim::Fault* fault : {&device.faults().refuseClaim, &device.faults().refuseDetach}) {
+        fault->arm();
+        EXPECT_FALSE(openHid(device));
+        EXPECT_FALSE(openHid(device));
+        device.faults().clear();
+        EXPECT_TRUE(openHid(device));
+    }
+    device.setOpenable(false);
+    EXPECT_FALSE(openHid(device));
+    EXPECT_EQ(listed(), Lines{L"1-1:1.0 0b0e:0410 ?, ?"}) << "listed, but cannot be asked";
+    device.unplug();
+    device.plug();
+    EXPECT_FALSE(openHid(device)) << "that outlasts unplugging";
+    device.setOpenable(true);
+    EXPECT_TRUE(openHid(device));
+}
+
+TEST_F(HidapiOnBus, FailingWritesReachTheProgramAndNotTheDevice)
+{
+    for (const char* profile : {"speakerphone", "no-out-endpoint"}) {
+        SCOPED_TRACE(profile);
+        sim::UsbDevice& device = plug(profile);
+        const Hid hid = openHid(device);
+        ASSERT_TRUE(hid);
+        device.faults().failWrite.arm(2);
+        EXPECT_FALSE(writeReport(hid, {3, 1, 0}));
+        EXPECT_FALSE(writeReport(hid, {3, 2, 0}));
+        EXPECT_TRUE(writeReport(hid, {3, 3, 0}));
+        EXPECT_EQ(device.takeOutputs(), (Reports{{3, 3, 0}}));
     }
 }
 
