@@ -1,6 +1,6 @@
 #include "auxi_fixed.h"
 
-#include "auxi_number.h"
+#include "auxi_digits.h"
 
 #include <bit>
 #include <charconv>

@@ -1,47 +1,13 @@
 #include "auxi_number.h"
 
+#include "auxi_digits.h"
+
+#include <array>
 #include <bit>
-#include <cstring>
 
 namespace rkb {
 
 namespace {
-
-constexpr size_t triple_size = 4; // padded, so that an index is a shift
-
-// "000".."999". Built by the compiler: it is there before any initialiser that logs.
-constexpr auto triples = [] {
-    std::array<char, 1000 * triple_size> table{};
-    for (size_t i = 0; i < 1000; ++i) {
-        table[i * triple_size] = static_cast<char>('0' + i / 100);
-        table[i * triple_size + 1] = static_cast<char>('0' + i / 10 % 10);
-        table[i * triple_size + 2] = static_cast<char>('0' + i % 10);
-    }
-    return table;
-}();
-
-const char* triple(uint64_t value)
-{
-    return &triples[static_cast<size_t>(value) * triple_size];
-}
-
-constexpr auto powers_of_ten = [] {
-    std::array<uint64_t, 20> table{};
-    uint64_t power = 1;
-    for (uint64_t& entry : table) {
-        entry = power;
-        power *= 10;
-    }
-    return table;
-}();
-
-// 1233 / 4096 is just below log10(2): the estimate is the number of digits or one less.
-size_t decimal_digits(uint64_t value)
-{
-    value |= 1; // changes the number of digits of 0 only
-    const auto estimate = static_cast<size_t>(std::bit_width(value)) * 1233 >> 12;
-    return estimate + (value >= powers_of_ten[estimate] ? 1 : 0);
-}
 
 char* put_octal(char* to, uint64_t value)
 {
@@ -75,8 +41,8 @@ uint64_t of_width(const integer_t& value)
 const char* hex_digits(uint32_t radix)
 {
     if (radix == radix_hex_upper)
-        return "0123456789ABCDEF";
-    return radix == radix_hex_lower ? "0123456789abcdef" : nullptr;
+        return hex_upper;
+    return radix == radix_hex_lower ? hex_lower : nullptr;
 }
 
 size_t integer_reserve(uint32_t radix, size_t bytes)
@@ -114,40 +80,6 @@ char* put_integer(char* to, const integer_t& value, uint32_t radix)
     default:
         return put_hex(to, value.bits, value.bytes, hex_digits(radix));
     }
-}
-
-char* put_decimal(char* to, uint64_t value)
-{
-    char* const end = to + decimal_digits(value);
-    char* at = end;
-    for (; value >= 100; value /= 100) {
-        at -= 2;
-        memcpy(at, triple(value % 100) + 1, 2);
-    }
-    if (value >= 10)
-        memcpy(at - 2, triple(value) + 1, 2);
-    else
-        at[-1] = static_cast<char>('0' + value);
-    return end;
-}
-
-char* put_hex_byte(char* to, uint8_t byte, const char* digits)
-{
-    to[0] = digits[byte >> 4];
-    to[1] = digits[byte & 15];
-    return to + 2;
-}
-
-char* put_two_digits(char* to, uint32_t value)
-{
-    memcpy(to, triple(value % 1000) + 1, 2);
-    return to + 2;
-}
-
-char* put_three_digits(char* to, uint32_t value)
-{
-    memcpy(to, triple(value % 1000), 3);
-    return to + 3;
 }
 
 } // namespace rkb

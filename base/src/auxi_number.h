@@ -1,7 +1,6 @@
 // Integers as text: pure functions into memory that the caller has made large enough.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -31,12 +30,5 @@ struct integer_t {
 // have no leading zeros; binary has eight digits per byte, hexadecimal two. Only decimal shows a
 // sign, the others show the bits of the type.
 char* put_integer(char* to, const integer_t& value, uint32_t radix);
-
-char* put_decimal(char* to, uint64_t value);
-char* put_hex_byte(char* to, uint8_t byte, const char* digits);
-
-// The last two and all three digits of `value` modulo 1000, with leading zeros.
-char* put_two_digits(char* to, uint32_t value);
-char* put_three_digits(char* to, uint32_t value);
 
 } // namespace rkb

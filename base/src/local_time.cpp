@@ -31,10 +31,10 @@ struct second_cache_t {
 };
 thread_local constinit second_cache_t cache;
 
-local_time_t system_local_time()
+local_time_t system_time(clockid_t clock)
 {
     timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
+    clock_gettime(clock, &now);
     if (now.tv_sec != cache.second)
         cache = {now.tv_sec, broken_down(now.tv_sec)};
     local_time_t time = cache.time;
@@ -42,18 +42,29 @@ local_time_t system_local_time()
     return time;
 }
 
-constinit std::atomic<local_time_source_t> current_source{system_local_time};
+constinit std::atomic<local_time_source_t> other_source{nullptr};
+
+local_time_t time_by(clockid_t clock)
+{
+    const local_time_source_t source = other_source.load(std::memory_order_acquire);
+    return source ? source() : system_time(clock);
+}
 
 } // namespace
 
 local_time_t local_time()
 {
-    return current_source.load(std::memory_order_acquire)();
+    return time_by(CLOCK_REALTIME);
+}
+
+local_time_t local_date()
+{
+    return time_by(CLOCK_REALTIME_COARSE);
 }
 
 void set_local_time_source(local_time_source_t source)
 {
-    current_source.store(source ? source : system_local_time, std::memory_order_release);
+    other_source.store(source, std::memory_order_release);
 }
 
 } // namespace rkb

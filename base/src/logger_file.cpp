@@ -13,6 +13,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits>
+#include <stdio_ext.h>
 #include <unistd.h>
 
 namespace rkb {
@@ -24,6 +25,24 @@ bool given(const char* text)
     return text && *text;
 }
 
+// All bytes or none, so that a line that fits again does not follow on from half of another.
+void write_whole(int file, const char* data, size_t length)
+{
+    size_t done = 0;
+    while (done < length) {
+        const ssize_t written = write(file, data + done, length - done);
+        if (written > 0)
+            done += static_cast<size_t>(written);
+        else if (written == 0 || errno != EINTR)
+            break;
+    }
+    if (done == length || done == 0)
+        return;
+    const off_t begin = lseek(file, -static_cast<off_t>(done), SEEK_CUR);
+    if (begin >= 0 && ftruncate(file, begin) != 0)
+        lseek(file, 0, SEEK_END);
+}
+
 } // namespace
 
 logger_file_base_t::logger_file_base_t(const char* directory, const char* base_name,
@@ -31,7 +50,7 @@ logger_file_base_t::logger_file_base_t(const char* directory, const char* base_n
     : m_extension(extension ? extension : ".log")
     , m_max_size(std::max(max_size, min_log_size))
     , m_max_index(max_index)
-    , m_date(local_time())
+    , m_date(local_date())
 {
     set_directory(directory);
     m_prefix += given(base_name) ? base_name : program_name();
@@ -75,13 +94,18 @@ void logger_file_base_t::write_raw(FILE* stream, const char* data, size_t length
 {
     if (!stream || !data || !length)
         return;
+    const int file = fileno_unlocked(stream);
+    if (file >= 0 && __fpending(stream) == 0) {
+        write_whole(file, data, length); // what stdio would do too, in several steps more
+        return;
+    }
     fwrite(data, 1, length, stream);
     fflush(stream);
 }
 
 void logger_file_base_t::rotate_if_due()
 {
-    const local_time_t now = local_time();
+    const local_time_t now = local_date();
     const bool same_day = now.day == m_date.day;
     if (same_day && m_written <= m_max_size)
         return;
@@ -123,8 +147,6 @@ bool logger_file_base_t::open_file()
     remove_earlier_files();
     m_file.reset(fopen(path.data(), "w+t"));
     m_written = 0;
-    if (m_file)
-        setvbuf(m_file.get(), nullptr, _IONBF, 0); // see write_raw: one write, and nothing kept
     return m_file != nullptr;
 }
 

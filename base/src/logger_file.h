@@ -34,8 +34,9 @@ public:
     // which is also said on standard error. The next call tries again.
     uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length) override;
 
-    // Writes the bytes with one block write and flushes the stream. Does nothing without a stream,
-    // data or length. What the disk does not take is dropped, not kept for a later write.
+    // Writes the bytes with one block write, behind what the stream holds, so that they are in the
+    // file on return. Does nothing without a stream, data or length. When the disk cannot take all
+    // bytes, none of them stay, and none are kept for a later write.
     virtual void write_raw(FILE* stream, const char* data, size_t length);
 
     // Changes the limits: size min_log_size..max_log_size, index min_log_index..max_log_index.

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace rkb {
@@ -38,7 +39,7 @@ public:
     // Empties the text; decimal radix; good() is true.
     virtual void reset();
 
-    [[nodiscard]] size_t length() const { return m_capacity - m_remaining; }
+    [[nodiscard]] size_t length() const { return static_cast<size_t>(m_cursor - m_begin); }
     [[nodiscard]] const char* text() const { return m_begin; }
 
     // Whether the last value written was written whole.
@@ -46,12 +47,15 @@ public:
 
     // One of radix_binary .. radix_hex_lower. Under any other radix an integer is not written:
     // the stream skips, over NULs, to its last free byte, so that no more than one byte follows.
-    void set_radix(uint32_t radix) { m_radix = radix; }
+    void set_radix(uint32_t radix);
     [[nodiscard]] uint32_t radix() const { return m_radix; }
 
     // Text up to its NUL; null writes nothing. In the hexadecimal radices texts are written as two
-    // digits per byte.
-    text_stream_t& operator<<(const char* text);
+    // digits per byte. Inline, because the length of a literal is then a constant.
+    text_stream_t& operator<<(const char* text)
+    {
+        return text ? append_cut(text, __builtin_strlen(text)) : *this;
+    }
 
     // Strings, and bytes with a length.
     text_stream_t& operator<<(std::string_view text);
@@ -93,30 +97,50 @@ public:
 private:
     text_stream_t& put_signed(long long value, size_t bytes)
     {
-        return put({static_cast<uint64_t>(value), bytes, value < 0});
+        return put(static_cast<uint64_t>(value), bytes, value < 0);
     }
     text_stream_t& put_unsigned(unsigned long long value, size_t bytes)
     {
-        return put({value, bytes, false});
+        return put(value, bytes, false);
     }
 
-    text_stream_t& put(const integer_t& value);
-    text_stream_t& put_hex_bytes(std::string_view bytes, const char* digits);
+    text_stream_t& append_cut(const char* text, size_t length)
+    {
+        if (!m_hex_digits && length <= remaining()) [[likely]] {
+            append(text, length);
+            return *this;
+        }
+        return append_cut_or_hex({text, length});
+    }
+
+    text_stream_t& put(uint64_t bits, size_t bytes, bool negative);
+    text_stream_t& append_cut_or_hex(std::string_view text);
+    text_stream_t& put_hex_bytes(std::string_view bytes);
     text_stream_t& put_real(double value, double limit, size_t short_reserve, size_t long_reserve,
         const char* complaint);
 
-    bool reserve(size_t bytes);
-    void advance(const char* end);
-    void append(const char* bytes, size_t length);
+    size_t remaining() const { return static_cast<size_t>(m_end - m_cursor); }
+    bool reserve(size_t bytes) { return m_good = remaining() >= bytes; }
+    void end_at(char* end)
+    {
+        m_cursor = end;
+        *end = '\0';
+    }
+    void append(const char* bytes, size_t length)
+    {
+        if (length)
+            memcpy(m_cursor, bytes, length);
+        end_at(m_cursor + length);
+    }
     void skip_to_last_byte();
 
     char m_nothing = '\0'; // the text of a stream that has no buffer
     bool m_good = true;
     uint32_t m_radix = radix_decimal;
+    const char* m_hex_digits = nullptr; // of the hexadecimal radices
     char* m_begin;
-    size_t m_capacity;
-    char* m_cursor = nullptr;
-    size_t m_remaining = 0;
+    char* m_cursor; // the text's NUL
+    char* m_end;    // the buffer's last byte
 };
 
 } // namespace rkb

@@ -27,11 +27,11 @@ text_stream_t& text_stream_t::put_real(
     const bool is_long = value > limit;
     if (!reserve(is_long ? long_reserve : short_reserve))
         return *this;
-    char* const end = is_long ? put_fixed_large(m_cursor, m_remaining, value)
+    char* const end = is_long ? put_fixed_large(m_cursor, remaining(), value)
                               : put_fixed(m_cursor, value, limit);
     m_good = end != nullptr;
     if (end)
-        advance(end);
+        end_at(end);
     else
         RKB_LOG_ASSERT(source_file, __LINE__, complaint);
     return *this;

@@ -1,0 +1,244 @@
+#include "local_time.h"
+#include "text_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <iomanip>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+
+namespace {
+
+// A stream with `room` free characters, between bytes that it must not touch.
+class guarded_t {
+public:
+    explicit guarded_t(size_t room, uint32_t radix = 10)
+        : m_room(room)
+        , m_bytes(room + 1 + 2 * guard, fill)
+        , stream(&m_bytes[guard], room + 1)
+    {
+        stream.set_radix(radix);
+    }
+
+    // The text, once it is certain that it is terminated and nothing around it was written.
+    std::string text() const
+    {
+        EXPECT_EQ(m_bytes.substr(0, guard), std::string(guard, fill));
+        EXPECT_EQ(m_bytes.substr(guard + m_room + 1), std::string(guard, fill));
+        EXPECT_EQ(stream.text()[stream.length()], '\0');
+        return {stream.text(), stream.length()};
+    }
+
+private:
+    static constexpr size_t guard = 16;
+    static constexpr char fill = '\xA5';
+    size_t m_room;
+    std::string m_bytes;
+
+public:
+    rkb::text_stream_t stream;
+};
+
+template <typename integer_t>
+std::string expected(integer_t value, uint32_t radix)
+{
+    const auto bits = static_cast<unsigned long long>(std::make_unsigned_t<integer_t>(value));
+    std::ostringstream text;
+    text << std::setfill('0');
+    switch (radix) {
+    case 2:
+        text << std::bitset<8 * sizeof value>(bits);
+        break;
+    case 8:
+        text << std::oct << bits;
+        break;
+    case 10:
+        text << std::to_string(value);
+        break;
+    default:
+        text << std::setw(2 * sizeof value) << std::hex << bits;
+    }
+    std::string digits = text.str();
+    if (radix == 16)
+        std::transform(digits.begin(), digits.end(), digits.begin(), toupper);
+    return digits;
+}
+
+std::string two_decimals(double value)
+{
+    std::array<char, 400> text{};
+    snprintf(text.data(), text.size(), "%.2f", value);
+    return text.data();
+}
+
+template <typename integer_t>
+class TextStreamInteger : public testing::Test {
+};
+using integers_t = testing::Types<signed char, unsigned char, char, short, unsigned short, int,
+    unsigned, long, unsigned long, long long, unsigned long long>;
+TYPED_TEST_SUITE(TextStreamInteger, integers_t);
+
+TYPED_TEST(TextStreamInteger, IsWrittenInEveryRadixIfTheWidestOfItsTypeAndOneByteFit)
+{
+    using limits_t = std::numeric_limits<TypeParam>;
+    std::vector<TypeParam> values{limits_t::min(), limits_t::max(), 0, static_cast<TypeParam>(-1)};
+    for (TypeParam power = 1;; power = static_cast<TypeParam>(power * 10)) {
+        values.insert(values.end(), {static_cast<TypeParam>(power - 1), power});
+        if (power > limits_t::max() / 10)
+            break;
+    }
+    const auto widest = [](uint32_t radix) {
+        const size_t smallest
+            = expected(std::numeric_limits<std::make_signed_t<TypeParam>>::min(), radix).size();
+        return std::max(
+            smallest, expected(static_cast<std::make_unsigned_t<TypeParam>>(-1), radix).size());
+    };
+    for (const uint32_t radix : {2u, 8u, 10u, 16u, 256u}) {
+        const size_t reserve = widest(radix) + 1;
+        for (const TypeParam value : values) {
+            guarded_t enough(reserve, radix);
+            enough.stream << value;
+            EXPECT_EQ(enough.text(), expected(value, radix)) << radix;
+            EXPECT_TRUE(enough.stream.good());
+            guarded_t short_by_one(reserve - 1, radix);
+            short_by_one.stream << value;
+            EXPECT_EQ(short_by_one.text(), "") << radix;
+            EXPECT_FALSE(short_by_one.stream.good());
+        }
+    }
+}
+
+TEST(TextStream, WritesRealsAsPrintfDoesUpToWhatItsOwnRoutineHolds)
+{
+    std::vector<double> values{0.0, -0.0, 0.005, 0.015, 0.125, 0.375, -0.001, 2.675, 0.995, 99.995,
+        5e-324, 1e15 + 0.125, 4503599627370495.5, 2147483648.0, 2147483648.5, -2147483648.0,
+        9223372036854775807.0, -9223372036854775808.0, 1e19, 1.7976931348623157e308,
+        std::numeric_limits<double>::infinity()};
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 20000; ++i)
+        values.push_back(std::ldexp(
+            static_cast<double>(static_cast<int64_t>(random())), -static_cast<int>(random() % 80)));
+    for (const double value : values) {
+        guarded_t whole(313);
+        whole.stream << value;
+        ASSERT_EQ(whole.text(), two_decimals(value));
+        const auto single = static_cast<float>(value);
+        if (!(single >= -2147483648.0f))
+            continue;
+        guarded_t of_float(43);
+        of_float.stream << single;
+        ASSERT_EQ(of_float.text(), two_decimals(double{single}));
+    }
+}
+
+template <typename real_t>
+void expect_left_out(real_t value, size_t room)
+{
+    guarded_t stream(room);
+    stream.stream << value;
+    EXPECT_EQ(stream.text(), "") << value;
+    EXPECT_FALSE(stream.stream.good());
+}
+
+TEST(TextStream, LeavesOutRealsThatDoNotFit)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const double value : {-infinity, -1e30, std::nan(""), -std::nan("")}) {
+        expect_left_out(value, 400);
+        expect_left_out(static_cast<float>(value), 400);
+    }
+    expect_left_out(1.5f, 14);
+    expect_left_out(1.5, 23);
+    expect_left_out(3e9f, 42);
+    expect_left_out(1e19, 312);
+}
+
+struct case_t {
+    const char* what;
+    size_t room;
+    uint32_t radix;
+    void (*write)(rkb::text_stream_t&);
+    std::string expected;
+    bool good = true;
+};
+
+TEST(TextStream, CutsTextSkipsStringsAndKeepsValuesWhole)
+{
+    using stream_t = rkb::text_stream_t;
+    static const rkb::local_time_t time{2026, 3, 14, 9, 5, 7, 42, 6};
+    static const rkb::local_time_t odd_time{65535, 1000, 999, 1099, 0, 0, 65535, 0};
+    static const rkb::identifier_t id{{0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99,
+        0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
+    const std::string filler(2048, 'x');
+    static const std::string exact = filler;
+    static const std::string longer = filler + "y";
+    const case_t cases[] = {
+        {"text that fits exactly", 2048, 10, [](stream_t& s) { s << exact.c_str(); }, exact},
+        {"text one too long", 2048, 10, [](stream_t& s) { s << longer.c_str() << "z"; }, exact},
+        {"null text", 8, 10, [](stream_t& s) { s << static_cast<const char*>(nullptr) << "a"; },
+            "a"},
+        {"text in hex", 8, 16, [](stream_t& s) { s << "J\xFF"; }, "4AFF"},
+        {"text in lower hex, cut between bytes", 5, 256, [](stream_t& s) { s << "JKL"; }, "4a4b"},
+        {"text in binary is text", 8, 2, [](stream_t& s) { s << "J"; }, "J"},
+        {"string that fits exactly", 2048, 10, [](stream_t& s) { s << exact; }, exact},
+        {"string one too long", 2048, 10, [](stream_t& s) { s << longer << "z"; }, "z"},
+        {"bytes with a NUL", 4, 10, [](stream_t& s) { s << std::string_view("a\0b", 3); },
+            std::string("a\0b", 3)},
+        {"string in hex", 4, 16, [](stream_t& s) { s << std::string("\x01\x02"); }, "0102"},
+        {"string in hex, one too long", 5, 16, [](stream_t& s) { s << std::string("abc"); }, ""},
+        {"booleans", 10, 16, [](stream_t& s) { s << true << false; }, "truefalse"},
+        {"boolean without room", 5, 10, [](stream_t& s) { s << true; }, "", false},
+        {"character", 8, 10, [](stream_t& s) { s << 'A' << '\xFF'; }, "65-1"},
+        {"pointer", 18 + 17, 2,
+            [](stream_t& s) { s << reinterpret_cast<void*>(0xABCDEF) << uint8_t{5}; },
+            "0x0000000000abcdef00000101"},
+        {"pointer without room", 18, 10, [](stream_t& s) { s << static_cast<void*>(&s); }, "",
+            false},
+        {"time", 40, 16, [](stream_t& s) { s << time; }, "03/14/2026 09:05:07:042"},
+        {"time out of range", 25, 10, [](stream_t& s) { s << odd_time; },
+            "00/99/65535 99:00:00:535"},
+        {"time without room", 24, 10, [](stream_t& s) { s << time; }, "", false},
+        {"identifier", 37, 2, [](stream_t& s) { s << id; }, "00112233-4455-6677-8899-AABBCCDDEEFF"},
+        {"identifier without room", 36, 10, [](stream_t& s) { s << id; }, "", false},
+        {"a later value that fits", 11, 10, [](stream_t& s) { s << 1 << uint8_t{2}; }, "2"},
+        {"unknown radix", 6, 7, [](stream_t& s) { s << "ab" << 5 << "cd"; },
+            std::string("ab\0\0\0c", 6), false},
+        {"unknown radix, full", 2, 7, [](stream_t& s) { s << "ab" << 5; }, "ab", false},
+        {"reset", 12, 16,
+            [](stream_t& s) {
+                s << "abc" << 1;
+                s.reset();
+                s << 7;
+            },
+            "7"},
+    };
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(c.what);
+        guarded_t guarded(c.room, c.radix);
+        c.write(guarded.stream);
+        EXPECT_EQ(guarded.text(), c.expected);
+        EXPECT_EQ(guarded.stream.good(), c.good);
+    }
+}
+
+TEST(TextStream, WithoutABufferIsEmpty)
+{
+    char byte = 'x';
+    for (auto [buffer, size] : {std::pair<char*, size_t>{nullptr, 10}, {&byte, 0}}) {
+        rkb::text_stream_t stream(buffer, size);
+        stream << "text" << 5 << 1.5 << true << std::string("s");
+        EXPECT_STREQ(stream.text(), "");
+        EXPECT_EQ(stream.length(), 0u);
+        EXPECT_EQ(byte, 'x');
+    }
+}
+
+} // namespace
