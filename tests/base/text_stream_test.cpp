@@ -17,6 +17,9 @@
 
 namespace {
 
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
 // A stream with `room` free characters, between bytes that it must not touch.
 class guarded_t {
 public:
@@ -172,53 +175,41 @@ struct case_t {
 
 TEST(TextStream, CutsTextSkipsStringsAndKeepsValuesWhole)
 {
-    using stream_t = rkb::text_stream_t;
     static const rkb::local_time_t time{2026, 3, 14, 9, 5, 7, 42, 6};
     static const rkb::local_time_t odd_time{65535, 1000, 999, 1099, 0, 0, 65535, 0};
     static const rkb::identifier_t id{{0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99,
         0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
     const std::string filler(2048, 'x');
+    static const char* const null = nullptr;
+    static void* const address = reinterpret_cast<void*>(0xABCDEF);
     static const std::string exact = filler;
     static const std::string longer = filler + "y";
     const case_t cases[] = {
-        {"text that fits exactly", 2048, 10, [](stream_t& s) { s << exact.c_str(); }, exact},
-        {"text one too long", 2048, 10, [](stream_t& s) { s << longer.c_str() << "z"; }, exact},
-        {"null text", 8, 10, [](stream_t& s) { s << static_cast<const char*>(nullptr) << "a"; },
-            "a"},
-        {"text in hex", 8, 16, [](stream_t& s) { s << "J\xFF"; }, "4AFF"},
-        {"text in lower hex, cut between bytes", 5, 256, [](stream_t& s) { s << "JKL"; }, "4a4b"},
-        {"text in binary is text", 8, 2, [](stream_t& s) { s << "J"; }, "J"},
-        {"string that fits exactly", 2048, 10, [](stream_t& s) { s << exact; }, exact},
-        {"string one too long", 2048, 10, [](stream_t& s) { s << longer << "z"; }, "z"},
-        {"bytes with a NUL", 4, 10, [](stream_t& s) { s << std::string_view("a\0b", 3); },
-            std::string("a\0b", 3)},
-        {"string in hex", 4, 16, [](stream_t& s) { s << std::string("\x01\x02"); }, "0102"},
-        {"string in hex, one too long", 5, 16, [](stream_t& s) { s << std::string("abc"); }, ""},
-        {"booleans", 10, 16, [](stream_t& s) { s << true << false; }, "truefalse"},
-        {"boolean without room", 5, 10, [](stream_t& s) { s << true; }, "", false},
-        {"character", 8, 10, [](stream_t& s) { s << 'A' << '\xFF'; }, "65-1"},
-        {"pointer", 18 + 17, 2,
-            [](stream_t& s) { s << reinterpret_cast<void*>(0xABCDEF) << uint8_t{5}; },
-            "0x0000000000abcdef00000101"},
-        {"pointer without room", 18, 10, [](stream_t& s) { s << static_cast<void*>(&s); }, "",
-            false},
-        {"time", 40, 16, [](stream_t& s) { s << time; }, "03/14/2026 09:05:07:042"},
-        {"time out of range", 25, 10, [](stream_t& s) { s << odd_time; },
-            "00/99/65535 99:00:00:535"},
-        {"time without room", 24, 10, [](stream_t& s) { s << time; }, "", false},
-        {"identifier", 37, 2, [](stream_t& s) { s << id; }, "00112233-4455-6677-8899-AABBCCDDEEFF"},
-        {"identifier without room", 36, 10, [](stream_t& s) { s << id; }, "", false},
-        {"a later value that fits", 11, 10, [](stream_t& s) { s << 1 << uint8_t{2}; }, "2"},
-        {"unknown radix", 6, 7, [](stream_t& s) { s << "ab" << 5 << "cd"; },
-            std::string("ab\0\0\0c", 6), false},
-        {"unknown radix, full", 2, 7, [](stream_t& s) { s << "ab" << 5; }, "ab", false},
-        {"reset", 12, 16,
-            [](stream_t& s) {
-                s << "abc" << 1;
-                s.reset();
-                s << 7;
-            },
-            "7"},
+        {"text that fits exactly", 2048, 10, [](auto& s) { s << exact.c_str(); }, exact},
+        {"text one too long", 2048, 10, [](auto& s) { s << longer.c_str() << "z"; }, exact},
+        {"null text", 8, 10, [](auto& s) { s << null << "a"; }, "a"},
+        {"text in hex", 8, 16, [](auto& s) { s << "J\xFF"; }, "4AFF"},
+        {"text in lower hex, cut between bytes", 5, 256, [](auto& s) { s << "JKL"; }, "4a4b"},
+        {"text in binary is text", 8, 2, [](auto& s) { s << "J"; }, "J"},
+        {"string that fits exactly", 2048, 10, [](auto& s) { s << exact; }, exact},
+        {"string one too long", 2048, 10, [](auto& s) { s << longer << "z"; }, "z"},
+        {"bytes with a NUL", 4, 10, [](auto& s) { s << "a\0b"sv; }, "a\0b"s},
+        {"string in hex", 4, 16, [](auto& s) { s << "\x01\x02"sv; }, "0102"},
+        {"string in hex, one too long", 5, 16, [](auto& s) { s << "abc"s; }, ""},
+        {"booleans", 10, 16, [](auto& s) { s << true << false; }, "truefalse"},
+        {"boolean without room", 5, 10, [](auto& s) { s << true; }, "", false},
+        {"character", 8, 10, [](auto& s) { s << 'A' << '\xFF'; }, "65-1"},
+        {"pointer", 35, 2, [](auto& s) { s << address << '\5'; }, "0x0000000000abcdef00000101"},
+        {"pointer without room", 18, 10, [](auto& s) { s << address; }, "", false},
+        {"time", 40, 16, [](auto& s) { s << time; }, "03/14/2026 09:05:07:042"},
+        {"time out of range", 25, 10, [](auto& s) { s << odd_time; }, "00/99/65535 99:00:00:535"},
+        {"time without room", 24, 10, [](auto& s) { s << time; }, "", false},
+        {"identifier", 37, 2, [](auto& s) { s << id; }, "00112233-4455-6677-8899-AABBCCDDEEFF"},
+        {"identifier without room", 36, 10, [](auto& s) { s << id; }, "", false},
+        {"a later value that fits", 11, 10, [](auto& s) { s << 1 << uint8_t{2}; }, "2"},
+        {"unknown radix", 6, 7, [](auto& s) { s << "ab" << 5 << "cd"; }, "ab\0\0\0c"s, false},
+        {"unknown radix, full", 2, 7, [](auto& s) { s << "ab" << 5; }, "ab", false},
+        {"reset", 12, 16, [](auto& s) { s << "abc" << 1, s.reset(), s << 7; }, "7"},
     };
     for (const case_t& c : cases) {
         SCOPED_TRACE(c.what);
