@@ -1,5 +1,7 @@
 #include "safe_c.h"
 
+#include "safe_c_support.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -9,15 +11,6 @@
 namespace {
 
 using namespace rkb::safe_c;
-
-// A stretch of memory as a text in which '.' stands for a NUL, '#' for what no call may touch and
-// '-' for bytes that a call might write. Comparing the whole picture shows every stray write.
-std::string memory(std::string picture)
-{
-    for (char& c : picture)
-        c = c == '.' ? '\0' : c;
-    return picture;
-}
 
 struct row_t {
     const char* before;
@@ -40,17 +33,11 @@ void expect_rows(const call_t& call, const std::vector<row_t>& rows)
     }
 }
 
-void expect_argument_codes(const call_t& call, int code_for_size_zero)
+// The largest size that is taken: one character less fits.
+void expect_limit(const call_t& call)
 {
-    std::string bytes(max_string_size + 64, '#');
-    bytes[0] = '\0';
+    std::string bytes = '\0' + std::string(max_string_size + 63, '#');
     const std::string untouched = bytes;
-    EXPECT_EQ(call(nullptr, 8, "x"), null_pointer);
-    EXPECT_EQ(call(bytes.data(), 0, nullptr), null_pointer);
-    EXPECT_EQ(call(bytes.data(), 0, "x"), code_for_size_zero);
-    EXPECT_EQ(call(bytes.data(), max_string_size + 1, "x"), over_limit);
-    EXPECT_EQ(bytes, untouched);
-
     const std::string longest(max_string_size - 1, 'x');
     EXPECT_EQ(call(bytes.data(), max_string_size, (longest + 'x').c_str()), no_space);
     EXPECT_EQ(bytes, untouched);
@@ -60,7 +47,7 @@ void expect_argument_codes(const call_t& call, int code_for_size_zero)
 
 TEST(StrcpyS, CopiesOrLeavesEverythingAsItWas)
 {
-    expect_argument_codes(rkb::strcpy_s, bad_size);
+    expect_limit(rkb::strcpy_s);
     expect_rows(rkb::strcpy_s,
         {
             {"##------##abc.##", 2, 6, 10, success, "##abc.--##abc.##"},
@@ -81,7 +68,7 @@ TEST(StrcpyS, CopiesOrLeavesEverythingAsItWas)
 
 TEST(StrcatS, AppendsOrLeavesEverythingAsItWas)
 {
-    expect_argument_codes(rkb::strcat_s, no_space);
+    expect_limit(rkb::strcat_s);
     expect_rows(rkb::strcat_s,
         {
             {"##ab.-----##cd.##", 2, 8, 12, success, "##abcd.---##cd.##"},
@@ -99,6 +86,74 @@ TEST(StrcatS, AppendsOrLeavesEverythingAsItWas)
             {"##a.--bc.-##", 2, 8, 6, success, "##abc.bc.-##"}, // ends just before the source
             {"##x.a.---##", 4, 5, 2, success, "##x.ax.--##"},   // a source before the destination
         });
+}
+
+call_t strncpy_of(size_t count)
+{
+    return [count](char* dest, size_t destsz, const char* src) {
+        return rkb::strncpy_s(dest, destsz, src, count);
+    };
+}
+
+TEST(StrncpyS, CopiesWhatIsWantedAndAlwaysTerminates)
+{
+    expect_limit(strncpy_of(max_string_size));
+    expect_rows(strncpy_of(3),
+        {
+            {"##-----##abcdef", 2, 5, 9, success, "##abc.-##abcdef"},
+            {"##-----##ab.###", 2, 5, 9, success, "##ab.--##ab.###"},
+            {"##----##abc", 2, 4, 8, success, "##abc.##abc"}, // no NUL behind the three is needed
+            {"##---##abc", 2, 3, 7, no_space, "##---##abc"},
+            {"##---##ab.", 2, 3, 7, success, "##ab.##ab."},
+            {"##abcd--##", 3, 5, 2, overlap, "##abcd--##"},
+            {"##abc---##", 5, 3, 2, no_space, "##abc---##"},
+            {"##abc----##", 5, 4, 2, success, "##abcabc.##"}, // starts just behind the three
+            {"##ab.--##", 4, 3, 2, overlap, "##ab.--##"},     // on the NUL
+            {"##---abc##", 2, 4, 5, overlap, "##---abc##"},   // the new NUL would hit the source
+            {"##----abc##", 2, 4, 6, success, "##abc.abc##"},
+        });
+}
+
+TEST(StringLength, EndsAtTheNulOrTheSize)
+{
+    EXPECT_EQ(rkb::strnlen_s("abc", 4), 3u);
+    EXPECT_EQ(rkb::strnlen_s("abc", 2), 2u);
+    EXPECT_EQ(rkb::strnlen_s("abc", max_string_size), 3u);
+    EXPECT_EQ(rkb::wcsnlen_s(L"a\x20AC\x1F600", 9), 3u);
+    EXPECT_EQ(rkb::wcsnlen_s(L"abc", 2), 2u);
+}
+
+struct tokens_t {
+    const char* before;
+    size_t strmax;
+    std::vector<std::string> tokens;
+    const char* after;
+};
+
+TEST(StrtokS, CutsAsThePlatformDoesWithinItsSize)
+{
+    const tokens_t rows[] = {
+        {",;ab,c;;d.##", 9, {"ab", "c", "d"}, ",;ab.c.;d.##"},
+        {"ab.##", 5, {"ab"}, "ab.##"},
+        {",,.##", 5, {}, ",,.##"},
+        {".##", 3, {}, ".##"},
+        {"ab,cd##", 4, {"ab"}, "ab.cd##"}, // the rest has no end within four
+        {"abcd##", 4, {}, "abcd##"},
+        {",,,##", 3, {}, ",,,##"},
+        {"ab.##", 0, {}, "ab.##"},
+    };
+    for (const tokens_t& row : rows) {
+        SCOPED_TRACE(row.before);
+        std::string bytes = memory(row.before);
+        std::vector<std::string> tokens;
+        char* saved = bytes.data() + 1; // what it holds does not count when there is a string
+        for (char* token = rkb::strtok_s(bytes.data(), row.strmax, ";,", &saved); token;
+             token = rkb::strtok_s(nullptr, row.strmax, ";,", &saved))
+            tokens.emplace_back(token);
+        EXPECT_EQ(tokens, row.tokens);
+        EXPECT_EQ(bytes, memory(row.after));
+        EXPECT_EQ(rkb::strtok_s(nullptr, row.strmax, ";,", &saved), nullptr);
+    }
 }
 
 } // namespace
