@@ -24,7 +24,7 @@ void DeviceManager::setDeviceSelectedIndex(int index)
     if (m_deviceSelectedIndex == index)
         return;
     m_deviceSelectedIndex = index;
-    emit sig_deviceSelectedIndexChanged();
+    Q_EMIT sig_deviceSelectedIndexChanged();
 }
 
 void DeviceManager::slt_onSelectDevice(int index)

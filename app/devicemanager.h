@@ -32,11 +32,11 @@ public:
     int deviceSelectedIndex() const { return m_deviceSelectedIndex; }
     void setDeviceSelectedIndex(int index);
 
-public slots:
+public Q_SLOTS:
     // Makes the device of row `index` the controller's; an index outside the list is ignored.
     void slt_onSelectDevice(int index = 0);
 
-signals:
+Q_SIGNALS:
     void sig_deviceModelChanged();
     void sig_deviceSelectedIndexChanged();
 

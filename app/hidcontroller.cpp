@@ -37,7 +37,7 @@ void HidController::setFlag(bool& flag, bool value, void (HidController::*change
     if (flag == value)
         return;
     flag = value;
-    emit(this->*changed)();
+    (this->*changed)();
 }
 
 void HidController::setMuteState(bool muted)
@@ -94,13 +94,13 @@ void HidController::reserved() { }
 void HidController::OnCommand(KXCommand command, void*)
 {
     if (m_host)
-        emit sig_OnCommandChanged(command);
+        Q_EMIT sig_OnCommandChanged(command);
 }
 
 void HidController::OnState(KXState state, const uint8_t* value)
 {
     if (value && m_host)
-        emit sig_OnStateChanged(state, *value);
+        Q_EMIT sig_OnStateChanged(state, *value);
 }
 
 void HidController::toggleMuteUnmute()

@@ -21,8 +21,8 @@ Q_DECLARE_METATYPE(KXState)
 class HidController : public QObject, public IKXHostCallback {
     Q_OBJECT
     Q_PROPERTY(bool muteState READ muteState WRITE setMuteState NOTIFY sig_muteStateChanged)
-    Q_PROPERTY(
-        bool meetingStatus READ meetingStatus WRITE setMeetingStatus NOTIFY sig_meetingStatusChanged)
+    Q_PROPERTY(bool meetingStatus READ meetingStatus WRITE setMeetingStatus NOTIFY
+            sig_meetingStatusChanged)
     Q_PROPERTY(bool ringState READ ringState WRITE setRingState NOTIFY sig_ringStateChanged)
 
 public:
@@ -60,20 +60,20 @@ public:
     // Brings a new host up to the meeting's state.
     virtual void syncStateToDevice();
 
-public slots:
+public Q_SLOTS:
     void toggleMuteUnmute();
     void toggleRing();
     void toggleHangup();
     void togglePickup();
 
-signals:
+Q_SIGNALS:
     void sig_muteStateChanged();
     void sig_meetingStatusChanged();
     void sig_ringStateChanged();
     void sig_OnCommandChanged(KXCommand command);
     void sig_OnStateChanged(KXState state, int value);
 
-private slots:
+private Q_SLOTS:
     void slt_OnCommandChanged(KXCommand command);
     void slt_OnStateChanged(KXState state, int value);
 

@@ -23,12 +23,12 @@ public:
     // other users keep to that thread, too, or wait.
     void append(const QString& line);
 
-public slots:
+public Q_SLOTS:
     // Empties the list. GUI thread, with no append() on another thread at that moment: it takes no
     // lock.
     void toggleClearLog();
 
-signals:
+Q_SIGNALS:
     void sig_logListModelChanged();
 
 private:

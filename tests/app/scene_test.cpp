@@ -1,0 +1,264 @@
+// The window as the user has it: the real scene on a display, clicked with mouse events, with the
+// three objects behind it and a simulated device behind them.
+#include "bus_test.h"
+#include "devicemanager.h"
+#include "hidcontroller.h"
+#include "logrecorder.h"
+#include "qt_environment.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <optional>
+
+namespace {
+
+[[maybe_unused]] const auto* const qt = QtEnvironment<QGuiApplication>::add();
+
+// What Qt and the engine say meanwhile, without the places in the scene.
+std::vector<std::string> messages;
+
+void keepMessage(QtMsgType, const QMessageLogContext&, const QString& message)
+{
+    static const QRegularExpression place(QStringLiteral("^(qrc:/main\\.qml):\\d+:\\d+:"));
+    messages.push_back(QString(message).replace(place, QStringLiteral("\\1:")).toStdString());
+}
+
+// The scene anchors the children of a column on purpose.
+const std::vector<std::string> kExpectedMessages = {
+    "qrc:/main.qml: QML RowLayout: Detected anchors on an item that is managed by a layout. "
+    "This is undefined behavior; use Layout.alignment instead.",
+    "qrc:/main.qml: QML RowLayout: Detected anchors on an item that is managed by a layout. "
+    "This is undefined behavior; use Layout.alignment instead.",
+    "qrc:/main.qml: QML ListView: Detected anchors on an item that is managed by a layout. "
+    "This is undefined behavior; use Layout.alignment instead.",
+};
+
+class Scene : public BusTest {
+protected:
+    void SetUp() override
+    {
+        BusTest::SetUp();
+        closeDevice();
+        messages.clear();
+        qInstallMessageHandler(keepMessage);
+    }
+
+    // Shows the window as main() does.
+    void open()
+    {
+        devices_.emplace();
+        engine_.emplace();
+        QQmlContext* const context = engine_->rootContext();
+        context->setContextProperty(QStringLiteral("cls_DeviceManager"), &*devices_);
+        context->setContextProperty(QStringLiteral("cls_HidController"), &controller_);
+        context->setContextProperty(QStringLiteral("cls_LogRecorder"), &LogRecorder::instance());
+        engine_->load(QUrl(QStringLiteral("qrc:/main.qml")));
+        ASSERT_EQ(engine_->rootObjects().size(), 1);
+        window_ = qobject_cast<QQuickWindow*>(engine_->rootObjects().first());
+        ASSERT_TRUE(window_ && QTest::qWaitForWindowExposed(window_));
+    }
+
+    void TearDown() override
+    {
+        engine_.reset();
+        devices_.reset();
+        controller_.setMuteState(false);
+        controller_.setMeetingStatus(false);
+        controller_.setRingState(false);
+        closeDevice();
+        qInstallMessageHandler(nullptr);
+        EXPECT_EQ(messages, kExpectedMessages);
+        BusTest::TearDown();
+    }
+
+    void closeDevice()
+    {
+        controller_.selectDevice(QStringLiteral("none"));
+        LogRecorder::instance().toggleClearLog();
+    }
+
+    // The value of an expression in the scene's own terms.
+    QVariant value(const QString& expression)
+    {
+        QQmlExpression e(qmlContext(window_), window_, expression);
+        const QVariant result = e.evaluate();
+        EXPECT_FALSE(e.hasError()) << e.error().toString().toStdString();
+        return result;
+    }
+    std::string text(const char* expression)
+    {
+        return value(QString::fromUtf8(expression)).toString().toStdString();
+    }
+
+    void click(const QString& item)
+    {
+        auto* const target = value(item).value<QQuickItem*>();
+        ASSERT_NE(target, nullptr) << item.toStdString();
+        QTest::mouseClick(window_, Qt::LeftButton, {},
+            target->mapToScene({target->width() / 2, target->height() / 2}).toPoint());
+    }
+
+    // "[Mute] Pickup ..." with the enabled buttons in brackets, then the status strip.
+    std::string look()
+    {
+        return text("[id_mute, id_pickup, id_hangup, id_incoming, id_clearlog].map("
+                    "b => b.enabled ? '[' + b.text + ']' : b.text).join(' ')")
+            + " | " + text("id_meeting_status.text") + " | " + text("id_mute_status.text")
+            + (value(kIcon + QStringLiteral(".visible")).toBool() ? " (icon)" : "");
+    }
+
+    static std::string lastLine()
+    {
+        const QStringList lines = LogRecorder::instance().logListModel()->stringList();
+        return lines.value(lines.size() - 1).toStdString();
+    }
+
+    const QString kIcon = QStringLiteral("id_mute_status.parent.children[1]");
+    const QString kChoice = QStringLiteral("id_line2.children[1]");
+    HidController& controller_ = HidController::instance();
+    std::optional<DeviceManager> devices_;
+    std::optional<QQmlApplicationEngine> engine_;
+    QQuickWindow* window_ = nullptr;
+};
+
+TEST_F(Scene, FollowsAMeeting)
+{
+    auto& device = plug("speakerphone");
+    open();
+    EXPECT_EQ(text("title"), "Kelprobe");
+    EXPECT_EQ(outputs(device, 3), Reports(3, {3, 0, 0})) << "the first device is selected";
+    struct Row {
+        const char* button;
+        const char* look;
+        const char* lastLine;
+    };
+    for (const Row& row : {
+             Row{"id_mute",
+                 "Mute Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is Off | Meeting is Unmuted",
+                 " KXHost Created"},
+             Row{"id_incoming",
+                 "Mute [Pickup] [Hangup] [Incoming] [ClearLog] "
+                 "| Meeting is Off | Meeting is Unmuted",
+                 " Incoming Meeting"},
+             Row{"id_hangup",
+                 "Mute Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is Off | Meeting is Unmuted",
+                 " Reject Meeting from UI"},
+             Row{"id_incoming",
+                 "Mute [Pickup] [Hangup] [Incoming] [ClearLog] "
+                 "| Meeting is Off | Meeting is Unmuted",
+                 " Incoming Meeting"},
+             Row{"id_pickup",
+                 "[Mute] Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is On | Meeting is Unmuted",
+                 " Accept Meeting from UI"},
+             Row{"id_mute",
+                 "[UnMute] Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is On | Meeting is Muted (icon)",
+                 " Muted from UI"},
+             Row{"id_incoming",
+                 "[UnMute] [Pickup] [Hangup] [Incoming] [ClearLog] "
+                 "| Meeting is On | Meeting is Muted (icon)",
+                 " In Meeting and Incoming a New Meeting"},
+             Row{"id_pickup",
+                 "[UnMute] Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is On | Meeting is Muted (icon)",
+                 " In Meeting and Accept a New Meeting from UI"},
+             Row{"id_mute",
+                 "[Mute] Pickup Hangup [Incoming] [ClearLog] "
+                 "| Meeting is On | Meeting is Unmuted",
+                 " Unmuted from UI"},
+         }) {
+        click(QString::fromLatin1(row.button));
+        EXPECT_EQ(look(), row.look);
+        EXPECT_EQ(lastLine(), std::string("0x0b0e-HID-0x0410#") + row.lastLine);
+    }
+    EXPECT_TRUE(device.inject({3, 8, 0})); // mute, on the device
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return value(kIcon + QStringLiteral(".visible")).toBool(); }));
+    EXPECT_EQ(text("id_mute.text"), "UnMute");
+}
+
+TEST_F(Scene, ListsTheLogUntilItIsCleared)
+{
+    open();
+    EXPECT_EQ(value(kChoice + QStringLiteral(".count")).toInt(), 0);
+    for (int i = 0; i < 3; ++i)
+        click(QStringLiteral("id_incoming"));
+    EXPECT_EQ(value(QStringLiteral("id_line4.count")).toInt(), 3);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return value(QStringLiteral("id_line4.itemAt(1, 1)")).value<QQuickItem*>(); }));
+    EXPECT_EQ(text("id_line4.itemAt(1, 1).text"), "none Incoming Meeting");
+    EXPECT_TRUE(value(QStringLiteral("id_line4.itemAt(1, 1).readOnly")).toBool());
+    // Lines can be copied.
+    auto* const line = value(QStringLiteral("id_line4.itemAt(1, 1)")).value<QQuickItem*>();
+    QTest::mouseDClick(window_, Qt::LeftButton, {}, line->mapToScene({20, 8}).toPoint());
+    EXPECT_EQ(text("id_line4.itemAt(1, 1).selectedText"), "none");
+
+    click(QStringLiteral("id_clearlog"));
+    EXPECT_EQ(value(QStringLiteral("id_line4.count")).toInt(), 0);
+    click(QStringLiteral("id_incoming"));
+    EXPECT_EQ(value(QStringLiteral("id_line4.count")).toInt(), 1);
+}
+
+TEST_F(Scene, ADeviceIsChosenFromTheList)
+{
+    plug("speakerphone");
+    plug("lamp-per-report");
+    open();
+    const auto current
+        = [this] { return value(kChoice + QStringLiteral(".currentIndex")).toInt(); };
+    EXPECT_EQ(current(), 0);
+    click(kChoice);
+    QTest::keyClick(window_, Qt::Key_Down);
+    QTest::keyClick(window_, Qt::Key_Return);
+    EXPECT_EQ(current(), 1);
+    const QString row = devices_->deviceListModel()->stringList()[1];
+    EXPECT_EQ(lastLine(),
+        "0x" + row.left(4).toStdString() + "-HID-0x" + row.mid(5, 4).toStdString()
+            + "# KXHost Created");
+}
+
+TEST_F(Scene, IsLaidOutAndDrawn)
+{
+    open();
+    for (const auto& [expression, expected] : {
+             std::pair{"[width, height, visible]", "640,480,true"},
+             {"[id_banner.y, Math.abs(2 * id_banner.x + id_banner.width - width) < 2]", "20,true"},
+             {"[id_function_area.x, id_function_area.width]", "20,600"},
+             {"Math.abs(id_function_area.y - id_banner.y - id_banner.height / 2 - 20) < 1", "true"},
+             {"id_function_area.y + id_function_area.height", "460"},
+             {"[id_line2, id_line3, id_line4].map(i => [i.x, i.width])", "0,600,0,600,0,600"},
+             {"id_line4.y - id_line3.y - id_line3.height", "20"},
+             {"id_line4.y + id_line4.height == id_function_area.height", "true"},
+             {"id_mute_status.parent.parent.height", "10"},
+             {"[id_mute, id_pickup, id_hangup, id_incoming, id_clearlog].every("
+              "b => Math.abs(b.width - id_mute.width) <= 1)",
+                 "true"},
+             {"[id_mute, id_pickup, id_hangup, id_incoming, id_clearlog].map(b => b.flat)",
+                 "false,true,true,true,true"},
+             {"[id_incoming.background.color, id_incoming.background.border.color]",
+                 "#f6f6f6,#26282a"},
+         })
+        EXPECT_EQ(text(("(" + std::string(expression) + ").toString()").c_str()), expected)
+            << expression;
+    // The odd URL finds the icon.
+    EXPECT_GT(value(kIcon + QStringLiteral(".implicitWidth")).toInt(), 0);
+
+    auto* const button = value(QStringLiteral("id_incoming")).value<QQuickItem*>();
+    const QPoint inside = button->mapToScene({5, 20}).toPoint();
+    EXPECT_EQ(window_->grabWindow().pixelColor(inside), QColor(0xf6, 0xf6, 0xf6));
+    QTest::mousePress(window_, Qt::LeftButton, {}, inside);
+    EXPECT_EQ(window_->grabWindow().pixelColor(inside), QColor(0xd6, 0xd6, 0xd6));
+    QTest::mouseRelease(window_, Qt::LeftButton, {}, inside);
+}
+
+} // namespace
