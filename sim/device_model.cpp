@@ -31,6 +31,13 @@ Reply send(Bytes data, size_t limit)
 
 } // namespace
 
+Setup Setup::from(std::span<const uint8_t> bytes)
+{
+    const auto word
+        = [&](size_t at) { return static_cast<uint16_t>(bytes[at] | bytes[at + 1] << 8); };
+    return {bytes[0], bytes[1], word(2), word(4), word(6)};
+}
+
 DeviceModel::DeviceModel(UsbDeviceInfo deviceInfo)
     : info(std::move(deviceInfo))
     , numbered(findReportFields(info.reportDescriptor).numbered)
@@ -39,9 +46,6 @@ DeviceModel::DeviceModel(UsbDeviceInfo deviceInfo)
 
 Reply DeviceModel::control(const Setup& setup, std::span<const uint8_t> out)
 {
-    const bool toInterface = (setup.requestType & 0x1f) == 1;
-    if (toInterface && setup.index != info.interfaceNumber)
-        return stall();
     if (setup.requestType == kClassToInterface && setup.request == kSetReport)
         return setReport(setup, out);
     if (setup.requestType == kClassToInterface && setup.request == kSetIdle)

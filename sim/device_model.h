@@ -24,6 +24,9 @@ public:
 
     struct SetupPacket {
         static constexpr size_t kSize = 8;
+        static SetupPacket from(std::span<const uint8_t> bytes); // at least kSize of them
+
+        bool toInterface() const { return (requestType & 0x1f) == 1; }
 
         uint8_t requestType = 0;
         uint8_t request = 0;
@@ -40,7 +43,9 @@ public:
 
     explicit DeviceModel(UsbDeviceInfo info);
 
-    // `out` is the data stage of a host-to-device transfer.
+    // Answers for the device and its one interface: the host sees to it that a
+    // request to an interface means that one. `out` is the data stage of a
+    // host-to-device transfer.
     ControlReply control(const SetupPacket& setup, std::span<const uint8_t> out);
 
     // An output report as it came through the OUT endpoint. False is a stall.

@@ -5,6 +5,7 @@
 #include "usbfs_server.h"
 
 #include <umockdev.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -59,10 +60,19 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
         + descriptorAttribute(info) + "\n";
 }
 
+// umockdev_testbed_new() aborts where it cannot make its directory.
+UMockdevTestbed* makeTestbed()
+{
+    const char* const directory = g_get_tmp_dir();
+    if (access(directory, W_OK | X_OK) != 0)
+        throw std::runtime_error(std::string("cannot write in TMPDIR: ") + directory);
+    return umockdev_testbed_new();
+}
+
 } // namespace
 
 UsbBus::UsbBus()
-    : testbed_(umockdev_testbed_new())
+    : testbed_(makeTestbed())
 {
     char* const root = umockdev_testbed_get_root_dir(testbed_);
     root_ = root;

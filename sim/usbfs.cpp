@@ -2,22 +2,57 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <linux/usbdevice_fs.h>
 #include <sys/ioctl.h>
 #include <utility>
 
 namespace sim {
+namespace {
+
+// libusb makes one URB of each transfer, and reaps those that unplugging failed.
+constexpr uint32_t kCapabilities = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_NO_PACKET_SIZE_LIM
+    | USBDEVFS_CAP_REAP_AFTER_DISCONNECT;
+
+// The longest report or descriptor, behind a setup packet.
+constexpr int kMaxTransfer = 0xffff + int{DeviceModel::SetupPacket::kSize};
+
+// The size of what the ioctl's argument points to; 0 if it is not looked at,
+// or is itself the value (an address of the client's, for DISCARDURB).
+size_t targetSize(unsigned long request)
+{
+    switch (request) {
+    case USBDEVFS_GET_CAPABILITIES:
+        return sizeof(uint32_t);
+    case USBDEVFS_SUBMITURB:
+        return sizeof(usbdevfs_urb);
+    case USBDEVFS_REAPURBNDELAY:
+        return sizeof(void*);
+    case USBDEVFS_GETDRIVER:
+        return sizeof(usbdevfs_getdriver);
+    case USBDEVFS_IOCTL:
+        return sizeof(usbdevfs_ioctl);
+    case USBDEVFS_CLAIMINTERFACE:
+    case USBDEVFS_RELEASEINTERFACE:
+        return sizeof(unsigned);
+    default:
+        return 0;
+    }
+}
+
+} // namespace
 
 Usbfs::Usbfs(std::shared_ptr<DeviceModel> device)
     : device_(std::move(device))
+    , owner_(*device_)
 {
 }
 
 bool Usbfs::inject(const Bytes& report)
 {
     const std::lock_guard lock(mutex_);
-    if (!connected_ || driverBound_ || !urbs_.addInput(report))
+    if (!connected_ || owner_.driverBound() || !urbs_.addInput(report))
         return false;
     stateChanged();
     return true;
@@ -52,13 +87,13 @@ void Usbfs::disconnect()
 bool Usbfs::driverBound()
 {
     const std::lock_guard lock(mutex_);
-    return driverBound_;
+    return owner_.driverBound();
 }
 
 bool Usbfs::claimed()
 {
     const std::lock_guard lock(mutex_);
-    return claimedBy_ != nullptr;
+    return owner_.claimed();
 }
 
 void Usbfs::handleIoctl(UMockdevIoctlClient* client)
@@ -77,40 +112,42 @@ void Usbfs::forget(UMockdevIoctlClient* client)
 {
     const std::lock_guard lock(mutex_);
     urbs_.dropOwner(client);
-    release(client);
+    owner_.forget(client);
     stateChanged();
 }
 
 long Usbfs::answer(UMockdevIoctlClient* client)
 {
-    UMockdevIoctlData* const arg = umockdev_ioctl_client_get_arg(client);
+    UMockdevIoctlData* const argument = umockdev_ioctl_client_get_arg(client);
     const unsigned long request = umockdev_ioctl_client_get_request(client);
+    const size_t size = targetSize(request);
+    UMockdevIoctlData* const target = size ? resolve(argument, 0, size) : argument;
+    if (!target)
+        return -EFAULT;
     if (request == USBDEVFS_REAPURBNDELAY)
-        return reap(client, arg);
-    return connected_ ? answerConnected(client, request, arg) : -ENODEV;
+        return reap(client, target);
+    return connected_ ? answerConnected(client, request, target) : -ENODEV;
 }
 
 long Usbfs::answerConnected(
-    UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* arg)
+    UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target)
 {
     switch (request) {
     case USBDEVFS_GET_CAPABILITIES:
-        store<uint32_t>(resolve(arg, 0, sizeof(uint32_t)),
-            USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_NO_PACKET_SIZE_LIM
-                | USBDEVFS_CAP_REAP_AFTER_DISCONNECT);
+        store<uint32_t>(target, kCapabilities);
         return 0;
     case USBDEVFS_SUBMITURB:
-        return submit(client, arg);
-    case USBDEVFS_DISCARDURB: // the argument is an address of the client's, not to be followed
-        return urbs_.discard(client, load<unsigned long>(arg)) ? 0 : -EINVAL;
+        return submit(client, target);
+    case USBDEVFS_DISCARDURB:
+        return urbs_.discard(client, load<unsigned long>(target)) ? 0 : -EINVAL;
     case USBDEVFS_GETDRIVER:
-        return getDriver(resolve(arg, 0, sizeof(usbdevfs_getdriver)));
+        return getDriver(target);
     case USBDEVFS_IOCTL:
-        return driverIoctl(resolve(arg, 0, sizeof(usbdevfs_ioctl)));
+        return driverIoctl(target);
     case USBDEVFS_CLAIMINTERFACE:
-        return claim(client);
+        return owner_.claim(client, load<unsigned>(target));
     case USBDEVFS_RELEASEINTERFACE:
-        return release(client);
+        return owner_.release(client, load<unsigned>(target));
     case USBDEVFS_SETINTERFACE:
     case USBDEVFS_SETCONFIGURATION:
     case USBDEVFS_CLEAR_HALT:
@@ -121,98 +158,65 @@ long Usbfs::answerConnected(
     }
 }
 
-long Usbfs::getDriver(UMockdevIoctlData* arg) const
+long Usbfs::getDriver(UMockdevIoctlData* target) const
 {
-    if (!driverBound_ && !claimedBy_)
+    const char* const name = owner_.driverName();
+    if (!name)
         return -ENODATA;
-    const std::string_view name = driverBound_ ? "usbhid" : "usbfs";
-    auto answer = load<usbdevfs_getdriver>(arg);
-    answer.driver[name.copy(answer.driver, sizeof answer.driver - 1)] = '\0';
-    store(arg, answer);
+    auto answer = load<usbdevfs_getdriver>(target);
+    snprintf(answer.driver, sizeof answer.driver, "%s", name);
+    store(target, answer);
     return 0;
 }
 
-long Usbfs::driverIoctl(UMockdevIoctlData* arg)
+long Usbfs::driverIoctl(UMockdevIoctlData* target)
 {
-    switch (static_cast<unsigned>(load<usbdevfs_ioctl>(arg).ioctl_code)) {
-    case USBDEVFS_CONNECT:
-        return connectDriver();
+    const auto request = load<usbdevfs_ioctl>(target);
+    const auto number = static_cast<unsigned>(request.ifno);
+    switch (static_cast<unsigned>(request.ioctl_code)) {
+    case USBDEVFS_CONNECT: {
+        const long result = owner_.connectDriver(number);
+        if (result > 0)
+            urbs_.forgetInput(); // the driver takes it
+        return result;
+    }
     case USBDEVFS_DISCONNECT:
-        return disconnectDriver();
+        return owner_.disconnectDriver(number);
     default:
         return -ENOTTY;
     }
 }
 
-long Usbfs::connectDriver()
+long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
 {
-    if (driverBound_ || claimedBy_)
-        return -EBUSY;
-    driverBound_ = true;
-    urbs_.forgetInput(); // the driver takes it
-    return 1;            // libusb takes a 0 for "no driver found"
-}
-
-long Usbfs::disconnectDriver()
-{
-    if (!driverBound_)
-        return -ENODATA;
-    if (device_->faults.refuseDetach.strikes())
-        return -EBUSY;
-    driverBound_ = false;
-    return 0;
-}
-
-long Usbfs::claim(UMockdevIoctlClient* client)
-{
-    if (driverBound_ || (claimedBy_ && claimedBy_ != client)
-        || device_->faults.refuseClaim.strikes())
-        return -EBUSY;
-    claimedBy_ = client;
-    ++device_->counters.claims;
-    return 0;
-}
-
-long Usbfs::release(UMockdevIoctlClient* client)
-{
-    if (claimedBy_ != client)
-        return -EINVAL;
-    claimedBy_ = nullptr;
-    ++device_->counters.releases;
-    return 0;
-}
-
-long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* arg)
-{
-    UMockdevIoctlData* const data = resolve(arg, 0, sizeof(usbdevfs_urb));
-    const auto request = load<usbdevfs_urb>(data);
-    const bool control = request.type == USBDEVFS_URB_TYPE_CONTROL;
-    const bool input = request.endpoint == kEndpointIn;
-    const bool output = request.endpoint == kEndpointOut && device_->info.hasOutEndpoint;
-    if (!control && (request.type != USBDEVFS_URB_TYPE_INTERRUPT || (!input && !output)))
-        return -ENOENT;
-    if (request.buffer_length < (control ? int{DeviceModel::SetupPacket::kSize} : 0))
+    const auto request = load<usbdevfs_urb>(target);
+    if (request.buffer_length < 0 || request.buffer_length > kMaxTransfer)
         return -EINVAL;
     const auto length = static_cast<size_t>(request.buffer_length);
-    Urb urb{.owner = client, .request = keep(data)};
-    urb.buffer = length ? resolve(data, offsetof(usbdevfs_urb, buffer), length) : nullptr;
+    Urb urb{.owner = client, .request = keep(target)};
+    urb.buffer = length ? resolve(target, offsetof(usbdevfs_urb, buffer), length) : nullptr;
     if (length && !urb.buffer)
         return -EFAULT;
-    if (control)
-        controlTransfer(std::move(urb));
-    else if (input)
-        urbs_.waitForInput(std::move(urb));
-    else
-        outputTransfer(std::move(urb));
-    return 0;
+    switch (request.type) {
+    case USBDEVFS_URB_TYPE_CONTROL:
+        return submitControl(std::move(urb));
+    case USBDEVFS_URB_TYPE_INTERRUPT:
+        return submitInterrupt(std::move(urb), request.endpoint);
+    default:
+        return -EINVAL;
+    }
 }
 
-void Usbfs::controlTransfer(Urb urb)
+long Usbfs::submitControl(Urb urb)
 {
-    const auto bytes = bytesOf(urb.buffer);
-    const auto word
-        = [&](size_t at) { return static_cast<uint16_t>(bytes[at] | bytes[at + 1] << 8); };
-    DeviceModel::SetupPacket setup{bytes[0], bytes[1], word(2), word(4), word(6)};
+    const auto bytes = urb.buffer ? bytesOf(urb.buffer) : std::span<uint8_t>{};
+    if (bytes.size() < DeviceModel::SetupPacket::kSize)
+        return -EINVAL;
+    auto setup = DeviceModel::SetupPacket::from(bytes);
+    if (setup.toInterface()) {
+        if (const long result = owner_.claim(urb.owner, lowByte(setup.index)))
+            return result;
+    }
     urb.dataOffset = DeviceModel::SetupPacket::kSize;
     const auto stage = bytes.subspan(urb.dataOffset);
     setup.length = static_cast<uint16_t>(std::min<size_t>(setup.length, stage.size()));
@@ -220,20 +224,31 @@ void Usbfs::controlTransfer(Urb urb)
     urb.data = std::move(reply.data);
     urb.transferred = reply.transferred;
     urbs_.finish(std::move(urb), reply.stalled ? -EPIPE : 0);
+    return 0;
 }
 
-void Usbfs::outputTransfer(Urb urb)
+long Usbfs::submitInterrupt(Urb urb, uint8_t endpoint)
 {
+    const bool output = endpoint == kEndpointOut && device_->info.hasOutEndpoint;
+    if (endpoint != kEndpointIn && !output)
+        return -ENOENT;
+    if (const long result = owner_.claim(urb.owner, device_->info.interfaceNumber))
+        return result;
+    if (!output) {
+        urbs_.waitForInput(std::move(urb));
+        return 0;
+    }
     const auto bytes = urb.buffer ? bytesOf(urb.buffer) : std::span<uint8_t>{};
     const bool received = device_->receive(bytes);
     urb.transferred = received ? bytes.size() : 0;
     urbs_.finish(std::move(urb), received ? 0 : -EPIPE);
+    return 0;
 }
 
 // Results go into umockdev's copy of the client's memory only here, on
 // umockdev's thread: written by inject() they would race with the end of
 // SUBMITURB, when umockdev sends that copy back to the client.
-long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* arg)
+long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* target)
 {
     const std::optional<Urb> urb = urbs_.reap(client);
     if (!urb)
@@ -244,7 +259,7 @@ long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* arg)
     store(urb->request.get(), request);
     if (!urb->data.empty())
         std::memcpy(urb->buffer->data + urb->dataOffset, urb->data.data(), urb->data.size());
-    umockdev_ioctl_data_set_ptr(resolve(arg, 0, sizeof(void*)), 0, urb->request.get());
+    umockdev_ioctl_data_set_ptr(target, 0, urb->request.get());
     return 0;
 }
 

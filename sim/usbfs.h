@@ -3,6 +3,7 @@
 #pragma once
 
 #include "device_model.h"
+#include "interface_owner.h"
 #include "pty_node.h"
 #include "urb_queue.h"
 
@@ -29,21 +30,18 @@ public:
     void forget(UMockdevIoctlClient* client);
 
 private:
-    // These return the ioctl's result, or -errno.
+    // These return the ioctl's result, or -errno. `target` is what the ioctl's
+    // argument points to.
     long answer(UMockdevIoctlClient* client);
     long answerConnected(
-        UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* arg);
-    long getDriver(UMockdevIoctlData* arg) const;
-    long driverIoctl(UMockdevIoctlData* arg);
-    long connectDriver();
-    long disconnectDriver();
-    long claim(UMockdevIoctlClient* client);
-    long release(UMockdevIoctlClient* client);
-    long submit(UMockdevIoctlClient* client, UMockdevIoctlData* arg);
-    long reap(UMockdevIoctlClient* client, UMockdevIoctlData* arg);
+        UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target);
+    long getDriver(UMockdevIoctlData* target) const;
+    long driverIoctl(UMockdevIoctlData* target);
+    long submit(UMockdevIoctlClient* client, UMockdevIoctlData* target);
+    long submitControl(Urb urb);
+    long submitInterrupt(Urb urb, uint8_t endpoint);
+    long reap(UMockdevIoctlClient* client, UMockdevIoctlData* target);
 
-    void controlTransfer(Urb urb);
-    void outputTransfer(Urb urb);
     void stateChanged();
 
     const std::shared_ptr<DeviceModel> device_;
@@ -52,8 +50,7 @@ private:
     std::condition_variable changed_;
     PtyNode node_;
     bool connected_ = true;
-    bool driverBound_ = true; // the kernel's own HID driver
-    UMockdevIoctlClient* claimedBy_ = nullptr;
+    InterfaceOwner owner_;
     UrbQueue urbs_;
 };
 

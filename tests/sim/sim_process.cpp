@@ -33,6 +33,7 @@ SimProcess::SimProcess(const std::vector<std::string>& arguments, const std::str
     std::vector<std::string> words = {KELPROBE_SIM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
