@@ -166,7 +166,7 @@ TEST(TextStream, LeavesOutRealsThatDoNotFit)
 
 struct case_t {
     const char* what;
-    size_t room;
+    uint32_t room;
     uint32_t radix;
     void (*write)(rkb::text_stream_t&);
     std::string expected;
