@@ -4,7 +4,7 @@
 
 #include "device_model.h"
 
-typedef struct _UMockdevIoctlClient UMockdevIoctlClient;
+#include <umockdev.h>
 
 namespace sim {
 

@@ -3,9 +3,9 @@
 
 #include "usbfs.h"
 
-#include <string>
+#include <umockdev.h>
 
-typedef struct _UMockdevTestbed UMockdevTestbed;
+#include <string>
 
 namespace sim {
 

@@ -3,7 +3,7 @@
 
 #include "usbfs.h"
 
-typedef struct _UMockdevTestbed UMockdevTestbed;
+#include <umockdev.h>
 
 namespace sim {
 
