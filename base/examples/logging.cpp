@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -36,8 +35,8 @@ std::string make_home()
 }
 
 struct caller_t {
-    int number;
-    int lines;
+    int number = 0;
+    int lines = 0;
     rkb::thread_t thread;
 };
 
@@ -54,14 +53,16 @@ void make_calls(void* argument)
 
 void call_from_threads(int threads, int lines)
 {
-    std::vector<std::unique_ptr<caller_t>> callers;
-    for (int i = 0; i < threads; ++i) {
-        callers.push_back(std::make_unique<caller_t>(i, lines));
-        if (!callers.back()->thread.start(make_calls, callers.back().get()))
-            std::cerr << "no thread for caller " << i << "\n";
+    std::vector<caller_t> callers(static_cast<size_t>(threads));
+    int number = 0;
+    for (caller_t& caller : callers) {
+        caller.number = number++;
+        caller.lines = lines;
+        if (!caller.thread.start(make_calls, &caller))
+            std::cerr << "no thread for caller " << caller.number << "\n";
     }
-    for (const auto& caller : callers)
-        caller->thread.join();
+    for (caller_t& caller : callers)
+        caller.thread.join();
 }
 
 // Prints each log file's index, size and first line, and what they hold in all.

@@ -12,7 +12,7 @@ constexpr int thread_count = 8;
 constexpr int lines_per_thread = 500;
 
 struct writer_t {
-    int number;
+    int number = 0;
     rkb::thread_t thread;
 };
 
@@ -28,13 +28,14 @@ void write_lines(void* argument)
 
 void run_threads()
 {
-    std::vector<std::unique_ptr<writer_t>> writers;
-    for (int i = 0; i < thread_count; ++i)
-        writers.push_back(std::make_unique<writer_t>(i));
-    for (auto& writer : writers)
-        ASSERT_EQ(writer->thread.start(write_lines, writer.get()), 1);
-    for (auto& writer : writers)
-        writer->thread.join();
+    std::vector<writer_t> writers(thread_count);
+    int number = 0;
+    for (writer_t& writer : writers) {
+        writer.number = number++;
+        ASSERT_EQ(writer.thread.start(write_lines, &writer), 1);
+    }
+    for (writer_t& writer : writers)
+        writer.thread.join();
 }
 
 // Every line of every thread is there once, whole, in the order in which its thread wrote it.
