@@ -1,0 +1,59 @@
+// What waiting costs. All wait at the same time, so that the machine does the same to them.
+#include "measurements.h"
+#include "samples.h"
+#include "stage.h"
+
+#include <array>
+#include <thread>
+
+namespace bench {
+namespace {
+
+constexpr std::chrono::seconds kWindow{5};
+constexpr int kWindows = 15;
+
+// The share of one core that each client takes in the coming window.
+template <size_t count>
+std::array<double, count> idleShares(const std::array<const Client*, count>& clients)
+{
+    std::array<double, count> shares{};
+    std::array<int64_t, count> before{};
+    for (size_t i = 0; i < count; ++i)
+        before[i] = clients[i]->cpuTime();
+    const int64_t begin = now();
+    std::this_thread::sleep_for(kWindow);
+    const auto passed = static_cast<double>(now() - begin);
+    for (size_t i = 0; i < count; ++i)
+        shares[i] = static_cast<double>(clients[i]->cpuTime() - before[i]) / passed;
+    return shares;
+}
+
+} // namespace
+
+void measureIdle(sim::UsbBus& bus)
+{
+    Speakerphone lost(bus, Speakerphone::Owner::Kelprobe);
+    const Kelprobe unplugged(lost);
+    lost.unplug();
+    Speakerphone device(bus, Speakerphone::Owner::Kelprobe);
+    const Kelprobe subject(device);
+    const Speakerphone peerDevice(bus, Speakerphone::Owner::Peer);
+    const BareReader peer(peerDevice);
+
+    const std::array<const Client*, 3> clients{&subject, &peer, &unplugged};
+    Samples open;
+    std::vector<double> afterUnplug;
+    static_cast<void>(idleShares(clients)); // what the start leaves to do
+    for (int window = 0; window < kWindows; ++window) {
+        const auto shares = idleShares(clients);
+        open.subject.push_back(shares[0]);
+        open.peer.push_back(shares[1]);
+        afterUnplug.push_back(shares[2]);
+    }
+    printRow(
+        {"idle CPU, device open", "a bare loop of 100 ms `hid_read_timeout`", "<= 1.1", kPercent},
+        open);
+    printAlone({"idle CPU, device unplugged", "one core", "<= 2 %", kPercent}, afterUnplug);
+}
+
+} // namespace bench

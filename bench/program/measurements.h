@@ -1,0 +1,16 @@
+// The rows of the table. Each function measures and prints its own.
+#pragma once
+
+#include "client.h"
+#include "usb_device.h"
+
+namespace bench {
+
+void measureStartAndMemory(sim::UsbBus& bus);
+void measureIdle(sim::UsbBus& bus);
+void measurePress(sim::UsbBus& bus);
+void measureClick(sim::UsbBus& bus);
+void measureLogList(sim::UsbBus& bus);
+void measureDescriptors(sim::UsbBus& bus);
+
+} // namespace bench

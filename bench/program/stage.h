@@ -1,0 +1,59 @@
+// Kelprobe and its peers on the simulated bus.
+#pragma once
+
+#include "client.h"
+#include "usb_device.h"
+
+namespace bench {
+
+// A simulated speakerphone. Kelprobe opens the first device it finds, so that of a peer is plugged
+// in later, and has a product id of its own.
+class Speakerphone : public sim::UsbDevice {
+public:
+    enum class Owner : uint16_t { Kelprobe = 0x0410, Peer = 0x0411 };
+
+    Speakerphone(sim::UsbBus& bus, Owner owner); // plugged in
+
+    // Waits for that many reports more and takes them. Throws std::runtime_error when they do not
+    // come.
+    void awaitOutputs(size_t count);
+};
+
+inline constexpr size_t kOutputsAtOpening = 3; // by Kelprobe: ring, off-hook and hold off
+
+// Shown, and with the device that it opened by itself.
+class Kelprobe : public Client {
+public:
+    static std::vector<std::string> command() { return {BENCH_KELPROBE}; }
+
+    explicit Kelprobe(Speakerphone& device);
+
+    // So that mute presses mean something. Done once.
+    void startMeeting();
+
+    // The middle of the button that is Mute and UnMute by turns.
+    static constexpr Command kMuteButton{78, 113};
+
+private:
+    void click(const Command& button, size_t outputs);
+
+    Speakerphone& device_;
+};
+
+// Reads, and writes on command, without a window.
+class BareReader : public Client {
+public:
+    explicit BareReader(const Speakerphone& device);
+};
+
+// Both at the same bus in a meeting.
+struct Meeting {
+    explicit Meeting(sim::UsbBus& bus);
+
+    Speakerphone subjectDevice;
+    Kelprobe subject;
+    Speakerphone peerDevice;
+    BareReader peer;
+};
+
+} // namespace bench
