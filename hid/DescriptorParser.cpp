@@ -8,11 +8,13 @@ namespace KX {
 
 void DescriptorParser::ParseRoot(IData& root)
 {
-    while (const auto item = reader_.Peek()) {
-        reader_.Consume();
-        if (item->tag != kTagUsagePage)
+    while (const Item* item = reader_.Peek()) {
+        if (item->tag != kTagUsagePage) {
+            reader_.Consume();
             continue;
+        }
         auto page = std::make_unique<UsagePage>(*item);
+        reader_.Consume();
         ParsePage(*page);
         root.AddChild(std::move(page));
     }
@@ -20,19 +22,21 @@ void DescriptorParser::ParseRoot(IData& root)
 
 void DescriptorParser::ParsePage(IData& page)
 {
-    while (const auto item = reader_.Peek()) {
+    while (const Item* item = reader_.Peek()) {
         // Both are left for the root level, which opens the next page or skips the stray end.
         if (item->tag == kTagUsagePage || item->tag == kTagEndCollection)
             return;
-        reader_.Consume();
-        if (item->tag == kTagUsage) {
-            page.AddChild(std::make_unique<Usage>(*item));
-        } else if (item->tag == kTagCollection) {
+        if (item->tag == kTagCollection) {
             ++depth_;
             auto collection = std::make_unique<Collection>(*item);
+            reader_.Consume();
             ParseCollection(*collection, page.value);
             page.AddChild(std::move(collection));
+            continue;
         }
+        if (item->tag == kTagUsage)
+            page.AddChild(std::make_unique<Usage>(*item));
+        reader_.Consume();
     }
 }
 
@@ -41,15 +45,15 @@ void DescriptorParser::ParseCollection(IData& collection, uint32_t page)
     const size_t entryDepth = depth_;
     CollectionContents contents(collection, page, shape_);
     while (depth_ >= entryDepth) {
-        const auto item = reader_.Peek();
+        const Item* item = reader_.Peek();
         if (!item)
             return;
-        reader_.Consume();
         if (item->tag == kTagCollection)
             ++depth_;
         else if (item->tag == kTagEndCollection)
             --depth_;
         contents.Take(*item);
+        reader_.Consume();
     }
 }
 

@@ -4,7 +4,6 @@
 #include "Item.h"
 
 #include <cstddef>
-#include <optional>
 #include <span>
 
 namespace KX {
@@ -12,25 +11,25 @@ namespace KX {
 class ItemReader {
 public:
     explicit ItemReader(std::span<const uint8_t> descriptor)
-        : descriptor_(descriptor)
+        : rest_(descriptor)
     {
+        Consume();
     }
 
-    // The next item, left in place; nothing at the end, and nothing more once an item's data runs
-    // past the end. Long items are not recognised: their bytes read as short ones.
-    [[nodiscard]] std::optional<Item> Peek() const;
+    // The next item, which is the reader's and holds until Consume(); null at the end, and from
+    // where an item's data would run past the end. Long items are not recognised: their bytes read
+    // as short ones.
+    [[nodiscard]] const Item* Peek() const { return hasItem_ ? &item_ : nullptr; }
 
     // Takes the item that Peek() showed.
     void Consume();
 
 private:
-    [[nodiscard]] size_t DataSize() const;
-
-    std::span<const uint8_t> descriptor_;
-    size_t position_ = 0;
+    std::span<const uint8_t> rest_; // behind item_
+    bool hasItem_ = false;
     // An item without data has the value of the item before it; devices are known by the trees
     // that this makes, so it stays.
-    uint32_t lastValue_ = 0xFFFF;
+    Item item_{0, 0xFFFF};
 };
 
 } // namespace KX
