@@ -1,6 +1,7 @@
 #include "samples.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace bench {
@@ -8,11 +9,19 @@ namespace {
 
 constexpr double kMiddle = 0.5;
 
+std::string text(double value, const Unit& unit)
+{
+    const double count = value / unit.size;
+    std::array<char, 32> buffer{};
+    const int decimals = count < 0.1 ? 4 : count < 100 ? 2 : 0;
+    std::snprintf(buffer.data(), buffer.size(), "%.*f %s", decimals, count, unit.name);
+    return buffer.data();
+}
+
 void print(const Row& row, double subject, double peer, double ratio)
 {
-    std::printf("| %s | %s | %.2f %s | %.2f %s | %.2f | %s |\n", row.what, row.beside,
-        subject / row.unit.size, row.unit.name, peer / row.unit.size, row.unit.name, ratio,
-        row.aim);
+    std::printf("| %s | %s | %s | %s | %.2f | %s |\n", row.what, row.beside,
+        text(subject, row.unit).c_str(), text(peer, row.unit).c_str(), ratio, row.aim);
     std::fflush(stdout);
 }
 
@@ -50,8 +59,8 @@ void printQuantiles(const Row& row, const Samples& samples, double share)
 
 void printAlone(const Row& row, const std::vector<double>& values)
 {
-    std::printf("| %s | %s | %.2f %s | | | %s |\n", row.what, row.beside,
-        quantile(values, kMiddle) / row.unit.size, row.unit.name, row.aim);
+    std::printf("| %s | %s | %s | | | %s |\n", row.what, row.beside,
+        text(quantile(values, kMiddle), row.unit).c_str(), row.aim);
     std::fflush(stdout);
 }
 
