@@ -11,7 +11,7 @@ namespace KX {
 
 CKXHostStackStdHid::~CKXHostStackStdHid()
 {
-    Close();
+    CKXHostStackStdHid::Close();
     readerThread.join();
 }
 

@@ -20,7 +20,7 @@
 
 namespace KX {
 
-class CKXHostStackStdHid final : public IHostHidStack, public IMivoAudioSdkSink {
+class CKXHostStackStdHid : public IHostHidStack, public IMivoAudioSdkSink {
 public:
     CKXHostStackStdHid() = default;
     ~CKXHostStackStdHid() override;
@@ -41,6 +41,17 @@ public:
     [[nodiscard]] uint32_t GetCallState() override { return callState; }
     void OnAudioSdkEvent() override { }
 
+protected:
+    // What the reader thread does with one input report.
+    void HandleReport(std::span<const uint8_t> report);
+
+    IHostStackSink* sink = nullptr; // not owned; null: nobody hears
+    uint16_t vendorId = 0;
+    uint16_t productId = 0;
+    std::unique_ptr<HidDevice> device;    // changes only while no reader runs
+    const Root* descriptorRoot = nullptr; // the cache's
+    TelephonyControls controls;
+
 private:
     enum HookState : uint32_t { kHookNeverSet = 0, kOnHook = 1, kOffHook = 2 };
 
@@ -51,7 +62,6 @@ private:
     static void ReaderRoutine(void* self);
     [[nodiscard]] bool StopRequested();
     void ReadReports();
-    void HandleReport(std::span<const uint8_t> report);
     void ToggleMute();
     void HandleRinging(std::span<const uint8_t> report);
     void AnsweredOnDevice();
@@ -64,12 +74,6 @@ private:
     void SendHoldOff();
     void Send(const Bytes& report);
 
-    IHostStackSink* sink = nullptr; // not owned; null: nobody hears
-    uint16_t vendorId = 0;
-    uint16_t productId = 0;
-    std::unique_ptr<HidDevice> device;    // changes only while no reader runs
-    const Root* descriptorRoot = nullptr; // the cache's
-    TelephonyControls controls;
     std::atomic<uint32_t> muteState = kMuteNeverSet;
     std::atomic<uint32_t> callState = kCallNeverSet;
     std::atomic<uint32_t> hookState = kHookNeverSet; // the hook's position before the ring

@@ -5,7 +5,8 @@
 
 namespace KX {
 
-// Report size (bits) and count hold until they are set again, from one collection into the next.
+// Report size (bits) and count hold until they are set again, deliberately also from one collection
+// into the next: they are global items, and devices leave out what has not changed.
 struct ReportShape {
     uint32_t size = 0;
     uint32_t count = 0;

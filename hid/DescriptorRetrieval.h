@@ -17,7 +17,8 @@ namespace KX {
 // - no such interface, no permission, a driver that stays, or no report descriptor announced:
 //   empty, nothing printed;
 // - the interface cannot be claimed: as many zeros as the descriptor was announced to have;
-// - four short answers: what the last one brought, padded with zeros.
+// - four short answers: what the last one brought, padded with zeros;
+// - more than 4,096 bytes announced: zeros, as the kernel does not let libusb ask for so many.
 [[nodiscard]] Bytes RetrieveReportDescriptor(const char* path);
 
 // The length that an interface's class-specific bytes announce for its report descriptor: that of

@@ -28,7 +28,7 @@ public:
     IData(const IData&) = delete;
     IData& operator=(const IData&) = delete;
 
-    // Appends a child and owns it. A node that takes no such child deletes it.
+    // Appends a child, never null, and owns it. A node that takes no such child deletes it.
     virtual void AddChild(std::unique_ptr<IData> child);
 
     [[nodiscard]] virtual std::string_view GetClassName() const = 0;

@@ -32,7 +32,8 @@ enum StackCallState : uint32_t {
 };
 
 // One device. All operations belong to one thread, the host's; those that light lamps wait until
-// the device has taken the report, at most a second each.
+// the device has taken each report, at most a second each. Only one stack of a process may be open:
+// closing it ends hidapi.
 class IHostHidStack {
 public:
     virtual ~IHostHidStack() = default;
@@ -47,7 +48,8 @@ public:
     // open then. A device without telephony controls opens: what it lacks does nothing.
     [[nodiscard]] virtual int Open(IHostStackSink* sink, uint16_t vendorId, uint16_t productId) = 0;
 
-    // Stops the reader and closes the device; within one read time-out (100 ms). May be repeated.
+    // Stops the reader and closes the device; within one read time-out (100 ms), or
+    // when the report that the reader may be sending has been taken. May be repeated.
     virtual void Close() = 0;
 
     virtual void Mute() = 0;    // in a call only

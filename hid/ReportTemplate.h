@@ -19,7 +19,7 @@ namespace KX {
 [[nodiscard]] Bytes Combined(Bytes first, const Bytes& second);
 
 // Whether the report has the mask's length and all of its bits. The report id is compared the same
-// way, by inclusion: a report of id 3 matches a mask of id 1. Devices are qualified against this.
+// way, by inclusion, on purpose: a report of id 3 matches a mask of id 1.
 [[nodiscard]] bool Matches(const Bytes& mask, std::span<const uint8_t> report);
 
 } // namespace KX

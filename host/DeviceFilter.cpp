@@ -47,7 +47,8 @@ bool ParseJson(const char* text, Json::Value& document)
     Json::Reader reader;
 #pragma GCC diagnostic pop
     try {
-        return reader.parse(text, document);
+        // Comments may stand anywhere and are dropped: keeping them takes JsonCpp quadratic time.
+        return reader.parse(text, document, false);
     } catch (const Json::RuntimeError&) {
         return false;
     }
@@ -97,8 +98,8 @@ int LoadHidFilterConfig(const char* jsonText, int length)
     const Json::Value& hid = std::as_const(document)["HID"];
     const Json::Value& vendors = hid["WhitelistVendorId"];
     AddIds(vendorWhitelist, vendors, vendors.size());
-    // The vendor blacklist's length bounds both lists of pairs, deliberately: documents in the
-    // field are written for it. Elements beyond a shorter list count as 0.
+    // The vendor blacklist's length bounds both lists of pairs. Kept on purpose: what a document
+    // means depends on it. Elements beyond a shorter list count as 0.
     const Json::ArrayIndex pairs = hid["BlacklistVendorId"].size();
     AddIds(vidPidWhitelist, hid["WhitelistVidPid"], pairs);
     AddIds(vidPidBlacklist, hid["BlacklistVidPid"], pairs);

@@ -35,7 +35,8 @@ protected:
     ~IKXHostCallback() = default;
 };
 
-// Drives one device. All operations belong to one thread, the application's.
+// Drives one device. All operations belong to one thread, the application's. At most one host of a
+// process may have a device selected: closing one ends hidapi for all.
 class IKXHost {
 public:
     // Ids of the selected device, 0 before any was selected. Returns 0.
@@ -44,7 +45,9 @@ public:
     // Closes the device of the previous key and opens that of `deviceKey`,
     // "0xVVVV-HID-0xPPPP#" with four hexadecimal digits each, maybe followed by a name. Null, or
     // the key already selected: nothing happens. 17 characters or fewer: nothing is open
-    // afterwards. Blocks for up to a read time-out (100 ms) while a device is closed.
+    // afterwards. Blocks for up to a read time-out (100 ms) while
+    // a device is closed, and while the next one tells its report descriptor, up to 20 s with one
+    // that does not answer.
     virtual void SelectDevice(const char* deviceKey) = 0;
 
     virtual int Reserved1() = 0;  // returns 0
@@ -76,7 +79,8 @@ void DestroyKXHost(IKXHost* host);
 
 // Adds a JSON document's lists to the device filter sets. Returns 1, or 0 when `jsonText` is null,
 // `length` is below 2 or the text does not parse; `length` serves that check alone, the text is
-// read up to its NUL. An element of a wrong type raises JsonCpp's error; elements before it stay.
+// read up to its NUL. An element of a wrong type, or something else where an object or a
+// list is meant, raises JsonCpp's error (a std::exception); elements before it stay.
 // Call on the thread that creates hosts: the sets are not guarded.
 int LoadHidFilterConfig(const char* jsonText, int length);
 

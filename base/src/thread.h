@@ -23,7 +23,7 @@ public:
 
     // Runs `routine(argument)` on a new thread, after joining an earlier one of this object. The
     // stack is the larger of the system's minimum and min_stack_size, in whole pages. Returns 1,
-    // or 0 when the system gives no thread; the object is then as after join().
+    // or 0 when the system gives no thread.
     [[nodiscard]] int start(routine_t routine, void* argument);
 
     // Waits for the routine to return and clears the object. Does nothing without a thread.

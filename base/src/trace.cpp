@@ -9,7 +9,7 @@ namespace {
 
 ITraceObserver* observerFor(TraceLevel level)
 {
-    ITraceObserver* observer = traceSettings.observer.load(std::memory_order_relaxed);
+    ITraceObserver* observer = traceSettings.observer.load(std::memory_order_acquire);
     if (!observer || !(traceSettings.enableFlags.load(std::memory_order_relaxed) & kTraceEnabled))
         return nullptr;
     return traceSettings.levelMask.load(std::memory_order_relaxed) & level ? observer : nullptr;

@@ -5,6 +5,7 @@
 #include "recording_sink.h"
 
 #include <atomic>
+#include <chrono>
 #include <sstream>
 #include <thread>
 
@@ -269,6 +270,7 @@ TEST_F(Stack, AnUnpluggedDeviceHarmsNoneOfTheStates)
         auto& device = plug("speakerphone");
         KX::CKXHostStackStdHid stack;
         ASSERT_EQ(stack.Open(&sink_, device.info().vendorId, device.info().productId), 1);
+        perform(stack, device, state);
         device.unplug();
         stack.Ring();
         stack.OffHook();
@@ -364,7 +366,10 @@ TEST_F(Stack, CloseMayBeRepeatedAndGivesTheDriverBack)
     auto& device = plug("lamp-per-report"); // its descriptor is fetched, too
     ASSERT_EQ(open(device), 1);
     EXPECT_FALSE(device.driverBound());
+    const auto start = std::chrono::steady_clock::now();
     stack_.Close();
+    // Far above a read time-out, so that only a reader that does not stop fails it.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     stack_.Close();
     EXPECT_FALSE(device.claimed());
     EXPECT_TRUE(device.driverBound());
