@@ -24,7 +24,6 @@ TEST(LogFileLimits, FollowTheSettings)
     const row_t rows[] = {
         {-1, 104'857'600, 1},
         {0, mebibyte, 1},
-        {1, mebibyte, 1},
         {2, 2 * mebibyte, 1},
         {3, 3 * mebibyte, 2},
         {50, 50 * mebibyte, 49},
