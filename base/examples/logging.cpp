@@ -95,7 +95,7 @@ int main(int /*argc*/, char** argv)
     rkb::ini_t configuration(rkb::config_file_path(argv[0]));
     if (!configuration.load())
         return EXIT_FAILURE;
-    const int threads = configuration.get_int("run", "threads", 1);
+    const int threads = std::clamp(configuration.get_int("run", "threads", 1), 1, 64);
 
     rkb::enable_logger(static_cast<uint32_t>(configuration.get_int("log", "level", 3)));
     rkb::configure_logger(

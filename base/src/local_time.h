@@ -14,6 +14,8 @@ struct local_time_t {
     uint16_t second;
     uint16_t milliseconds;
     uint16_t weekday; // 0 is Sunday
+
+    bool operator==(const local_time_t&) const = default;
 };
 
 // The time now. Any thread; never fails: all fields are 0 when the system cannot tell. The
