@@ -63,9 +63,9 @@ template <typename pieces_t>
 uint32_t register_logger(
     uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode);
 
-// Makes `sink` the custom sink and the low byte of `mask` the default flags, and puts the sink
-// into every slot of every module. For set-up: modules registered before keep their flags. The
-// sink stays the caller's; null for none.
+// Makes `sink` the custom sink and the low byte of `mask` the default flags, so that its own line
+// goes there already if it is the first, and puts the sink into every slot of every module. For
+// set-up: modules registered before keep their flags. The sink stays the caller's; null for none.
 void register_logger_handle(log_it* sink, uint32_t mask);
 
 // Sets the gate to the low byte of `max_level`; 255 switches logging off.

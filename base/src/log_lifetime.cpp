@@ -21,7 +21,11 @@ constinit std::atomic<stage_t> stage{stage_t::none};
 // control; after that nobody takes it, as the stage is then `gone`.
 struct singleton_t : no_copy {
     singleton_t() { prepare_default_file_sink(); } // so that it outlives the control
-    ~singleton_t() { log_control_t::release(); }
+    ~singleton_t()
+    {
+        create_no_default_file_sink();
+        log_control_t::release();
+    }
 
     thread_mutex_recursive mutex;
 };

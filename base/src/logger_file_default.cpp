@@ -5,8 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <stdexcept>
+#include <new>
 
 namespace rkb {
 
@@ -14,13 +13,13 @@ namespace {
 
 // Constant-initialised and never destroyed, for whoever asks before main or after it.
 constinit std::atomic<logger_file*> current{nullptr};
-constinit std::atomic<bool> gone{false};
+constinit std::atomic<bool> closed{false}; // no sink is created any more
 
 struct guard_t : no_copy {
     guard_t() = default;
     ~guard_t()
     {
-        gone.store(true, std::memory_order_release);
+        create_no_default_file_sink();
         destroy_default_file_sink();
     }
 
@@ -70,7 +69,7 @@ logger_file* create_default_file_sink(const char* directory, const char* base_na
     const char* extension, uint32_t max_size, uint32_t max_index)
 {
     logger_file* sink = existing_default_file_sink();
-    if (sink || gone.load(std::memory_order_acquire))
+    if (sink || closed.load(std::memory_order_acquire))
         return sink;
     const std::lock_guard lock(guard().mutex);
     sink = current.load(std::memory_order_relaxed);
@@ -104,6 +103,11 @@ void destroy_default_file_sink()
 void prepare_default_file_sink()
 {
     guard();
+}
+
+void create_no_default_file_sink()
+{
+    closed.store(true, std::memory_order_release);
 }
 
 } // namespace rkb

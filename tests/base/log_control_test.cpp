@@ -14,6 +14,30 @@ void bind(rkb::log_it* sink)
     log_control_t::set_default_flags(rkb::log_to_primary);
 }
 
+// Made before the library's own statics, and destroyed after some of them. Module 0 passes unasked.
+struct early_t {
+    early_t()
+    {
+        bind(&sink);
+        RKB_LOG(0, rkb::log_info, "early\n");
+        log_control_t::instance()->detach(&sink);
+        log_control_t::set_custom_sink(nullptr);
+        log_control_t::set_default_flags(3);
+    }
+    ~early_t()
+    {
+        bind(nullptr);
+        RKB_LOG(0, rkb::log_info, "late\n");
+    }
+
+    Recorder sink;
+} early;
+
+TEST_F(LogTest, WorksInStaticInitialisers)
+{
+    EXPECT_EQ(early.sink.message(), "early\n");
+}
+
 TEST_F(LogTest, ALineIsPrefixThenMessage)
 {
     Recorder sink;
