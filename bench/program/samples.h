@@ -6,7 +6,7 @@
 
 namespace bench {
 
-inline constexpr int kRounds = 21; // of interleaved samples, where a sample takes long
+inline constexpr int kRounds = 15; // of interleaved samples, where a sample takes long
 
 // The value that a share of the values does not exceed; 0.5 is the median.
 double quantile(std::vector<double> values, double share);

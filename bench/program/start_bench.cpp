@@ -3,19 +3,25 @@
 #include "samples.h"
 #include "stage.h"
 
+#include <array>
 #include <thread>
 
 namespace bench {
 namespace {
 
-std::vector<std::string> bareWindow()
+constexpr size_t kPeers = 3;
+// The last two show where the difference to the first comes from.
+constexpr std::array<const char*, kPeers> kScenes{"peer_window", "peer_text", "main"};
+using AgainstPeers = std::array<Samples, kPeers>;
+
+std::vector<std::string> window(const char* scene)
 {
-    return {BENCH_PEER_WINDOW};
+    return {BENCH_PEER_WINDOW, scene};
 }
 
-std::vector<std::string> readingWindow(const Speakerphone& device)
+std::vector<std::string> readingWindow(const char* scene, const Speakerphone& device)
 {
-    return {BENCH_PEER_WINDOW, device.hidPath()};
+    return {BENCH_PEER_WINDOW, scene, device.hidPath()};
 }
 
 double firstFrame(const Client& client)
@@ -23,9 +29,25 @@ double firstFrame(const Client& client)
     return static_cast<double>(client.await(Moment::Frame) - client.startTime());
 }
 
-double timeWithoutDevice(const std::vector<std::string>& command)
+double startTime(const std::vector<std::string>& command)
 {
     return firstFrame(Client(command, Probe::Preloaded));
+}
+
+void measureStart()
+{
+    AgainstPeers samples;
+    for (int round = 0; round < kRounds; ++round) {
+        const double subject = startTime(Kelprobe::command());
+        for (size_t i = 0; i < kPeers; ++i) {
+            samples[i].subject.push_back(subject);
+            samples[i].peer.push_back(startTime(window(kScenes[i])));
+        }
+    }
+    const char* const what = "start to the first frame";
+    printRow({what, "a bare window with the same imports", "<= 1.05", kMilliseconds}, samples[0]);
+    printRow({what, "that with a line of text", "", kMilliseconds}, samples[1]);
+    printRow({what, "Kelprobe's scene over plain values", "", kMilliseconds}, samples[2]);
 }
 
 // The next client cannot claim the device before this one's connection is seen to be closed.
@@ -35,53 +57,42 @@ void awaitReleased(const Speakerphone& device)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-struct Shown {
-    double time;
-    double memory;
-};
-
-Shown showWithDevice(Speakerphone& device, const std::vector<std::string>& command, size_t outputs)
+double residentSize(Speakerphone& device, const std::vector<std::string>& command, size_t outputs)
 {
-    Shown shown{};
+    double size = 0;
     {
         const Client client(command, Probe::Preloaded);
-        shown.time = firstFrame(client);
+        client.await(Moment::Frame);
         device.awaitOutputs(outputs);
-        shown.memory = static_cast<double>(client.residentBytes());
+        size = static_cast<double>(client.residentBytes());
     }
     awaitReleased(device);
-    return shown;
+    return size;
+}
+
+void measureMemory(sim::UsbBus& bus)
+{
+    Speakerphone device(bus, Speakerphone::Owner::Kelprobe);
+    AgainstPeers samples;
+    for (int round = 0; round < kRounds; ++round) {
+        const double subject = residentSize(device, Kelprobe::command(), kOutputsAtOpening);
+        for (size_t i = 0; i < kPeers; ++i) {
+            samples[i].subject.push_back(subject);
+            samples[i].peer.push_back(residentSize(device, readingWindow(kScenes[i], device), 0));
+        }
+    }
+    const char* const what = "resident memory, device selected";
+    printRow({what, "the bare window and a hidapi read loop", "<= 1.10", kMebibytes}, samples[0]);
+    printRow({what, "that with a line of text", "", kMebibytes}, samples[1]);
+    printRow({what, "Kelprobe's scene and that loop", "", kMebibytes}, samples[2]);
 }
 
 } // namespace
 
 void measureStartAndMemory(sim::UsbBus& bus)
 {
-    Samples bare;
-    for (int round = 0; round < kRounds; ++round) {
-        bare.subject.push_back(timeWithoutDevice(Kelprobe::command()));
-        bare.peer.push_back(timeWithoutDevice(bareWindow()));
-    }
-    Speakerphone device(bus, Speakerphone::Owner::Kelprobe);
-    Samples time;
-    Samples memory;
-    for (int round = 0; round < kRounds; ++round) {
-        const Shown subject = showWithDevice(device, Kelprobe::command(), kOutputsAtOpening);
-        const Shown peer = showWithDevice(device, readingWindow(device), 0);
-        time.subject.push_back(subject.time);
-        time.peer.push_back(peer.time);
-        memory.subject.push_back(subject.memory);
-        memory.peer.push_back(peer.memory);
-    }
-    printRow({"start to the first frame, no device", "a bare window with the same imports",
-                 "<= 1.05", kMilliseconds},
-        bare);
-    printRow({"start to the first frame, device opened", "that window, opening the device", "",
-                 kMilliseconds},
-        time);
-    printRow({"resident memory, device selected", "that window plus a bare hidapi read loop",
-                 "<= 1.10", kMebibytes},
-        memory);
+    measureStart();
+    measureMemory(bus);
 }
 
 } // namespace bench
