@@ -291,7 +291,7 @@ TEST_F(Stack, AnUnpluggedDeviceHarmsNoneOfTheStates)
 
 TEST_F(Stack, UnplugInTheMidstOfPressesAndOperations)
 {
-    for (int round = 0; round < 10; ++round) {
+    for (size_t round = 0; round < 10; ++round) {
         auto& device = plug("speakerphone");
         KX::CKXHostStackStdHid stack;
         ASSERT_EQ(stack.Open(&sink_, device.info().vendorId, device.info().productId), 1);
@@ -301,7 +301,7 @@ TEST_F(Stack, UnplugInTheMidstOfPressesAndOperations)
                 (void)(device.inject(bytesFromHex("030900")) && device.waitUntilRead());
         });
         std::thread hand([&] {
-            (void)device.waitForOutputs(static_cast<size_t>(4 + 3 * round));
+            (void)device.waitForOutputs(4 + 3 * round);
             device.unplug();
         });
         for (int i = 0; i < 30; ++i) {
