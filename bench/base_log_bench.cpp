@@ -121,6 +121,11 @@ void measure_text()
                 bench::keep(buffer.data());
             }
         });
+}
+
+void measure_double()
+{
+    std::array<char, rkb::log_line_size> buffer{};
     bench::compare(
         "text_stream_t << double; fmt {:.2f}", "<= 1.00", texts_per_batch,
         [&] {
@@ -151,6 +156,7 @@ int main()
     measure_lines(directory);
     measure_disabled();
     measure_text();
+    measure_double();
     rkb::destroy_default_file_sink();
     std::filesystem::remove_all(directory);
 }

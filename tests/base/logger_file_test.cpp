@@ -103,9 +103,12 @@ TEST_F(LogTest, DirectoryAndPrefixRules)
             setenv("RKB_HOME", (directory() + c.rkb_home).c_str(), 1);
         const std::string given = directory() + (c.directory ? c.directory : "");
         logger_file sink(c.directory ? given.c_str() : nullptr, c.base_name, c.extension, 0, 9);
-        EXPECT_EQ(write(sink, "line\n"), 0u);
-        EXPECT_EQ(content(directory() + c.id + id_file), "0");
         const std::filesystem::path file = directory() + c.file;
+        const std::filesystem::path earlier = file.parent_path() / ("other" + c.end);
+        std::ofstream(earlier) << "of the same index";
+        EXPECT_EQ(write(sink, "line\n"), 0u);
+        EXPECT_EQ(exists(earlier), c.id == "glued");
+        EXPECT_EQ(content(directory() + c.id + id_file), "0");
         const auto files = files_in(file.parent_path());
         const auto found = files.lower_bound(file.filename());
         ASSERT_NE(found, files.end());
