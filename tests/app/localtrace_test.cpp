@@ -28,7 +28,7 @@ protected:
     // A home with a logs directory that holds a trace of eight bytes.
     fs::path makeHome(const fs::path& name) const
     {
-        const fs::path home = directory_ / name;
+        fs::path home = directory_ / name;
         fs::create_directories(home / "logs");
         std::ofstream(home / "logs/kxhost.log") << "earlier\n";
         return home;

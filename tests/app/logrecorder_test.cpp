@@ -13,6 +13,7 @@ TEST(LogRecorder, KeepsEveryLineOfEveryThreadInItsOrder)
     constexpr int kLines = 2500;
     LogRecorder recorder;
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&recorder, t] {
             for (int i = 0; i < kLines; ++i)
