@@ -58,6 +58,9 @@ TEST_F(LogTest, ALineIsPrefixThenMessage)
         "03/14/2026 09:05:07:042\t" + ids + "\t");
     RKB_LOG(9, rkb::log_fatal, std::string(1500, 'a').c_str() << std::string(1500, 'b').c_str());
     EXPECT_EQ(sink.lines[2].size(), rkb::log_line_size - 1);
+    test_now.minute = 6;
+    RKB_LOG(9, rkb::log_fatal, "later\n");
+    EXPECT_TRUE(sink.lines[3].starts_with("03/14/2026 09:06:07:042\tNINE\t"));
 }
 
 TEST_F(LogTest, OnlyWhatGateAndModuleLetThroughIsEnabled)

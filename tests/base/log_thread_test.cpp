@@ -1,6 +1,7 @@
 #include "log_fixture.h"
 #include "thread.h"
 
+#include <sched.h>
 #include <set>
 #include <sstream>
 
@@ -10,6 +11,8 @@ using rkb::log_control_t;
 
 constexpr int thread_count = 8;
 constexpr int lines_per_thread = 500;
+
+std::atomic<int> ready;
 
 struct writer_t {
     int number = 0;
@@ -21,6 +24,8 @@ struct writer_t {
 void write_lines(void* argument)
 {
     const auto* writer = static_cast<writer_t*>(argument);
+    for (++ready; ready < thread_count;) // all at once
+        sched_yield();
     for (int i = 0; i < lines_per_thread; ++i)
         RKB_LOG(0, rkb::log_info,
             "line " << writer->number << " " << i << " " << std::string(200, 'x') << "\n");
@@ -29,6 +34,7 @@ void write_lines(void* argument)
 void run_threads()
 {
     std::vector<writer_t> writers(thread_count);
+    ready = 0;
     int number = 0;
     for (writer_t& writer : writers) {
         writer.number = number++;
