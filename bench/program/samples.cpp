@@ -57,11 +57,4 @@ void printQuantiles(const Row& row, const Samples& samples, double share)
     print(row, subject, peer, subject / peer);
 }
 
-void printAlone(const Row& row, const std::vector<double>& values)
-{
-    std::printf("| %s | %s | %s | | | %s |\n", row.what, row.beside,
-        text(quantile(values, kMiddle), row.unit).c_str(), row.aim);
-    std::fflush(stdout);
-}
-
 } // namespace bench

@@ -42,7 +42,4 @@ void printRow(const Row& row, const Samples& samples);
 // The same quantile of both, and the ratio of the two: for samples that are not taken in pairs.
 void printQuantiles(const Row& row, const Samples& samples, double share);
 
-// Something that has an aim of its own.
-void printAlone(const Row& row, const std::vector<double>& values);
-
 } // namespace bench
