@@ -11,9 +11,12 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -57,6 +60,17 @@ void in_threads(size_t threads, const routine_t& routine)
         thread.join();
 }
 
+// What the system takes for a line of ours, which neither library can do without.
+void write_lines(int file, size_t lines)
+{
+    constexpr std::string_view line
+        = "11/21/2026 14:44:39:022\tBENCH\t[7394:7394:709425152]\tINFO\treport read, vendor = "
+          "2830, "
+          "product = 1040, sequence = 1000, path = /dev/hidraw3\n";
+    for (size_t i = 0; i < lines; ++i)
+        bench::keep(write(file, line.data(), line.size()));
+}
+
 void measure_lines(const std::string& directory)
 {
     rkb::create_default_file_sink(directory.c_str(), "ours", "log", 1u << 30, 9);
@@ -71,6 +85,11 @@ void measure_lines(const std::string& directory)
         "the same from 4 threads; spdlog", "<= 0.80", lines_per_batch,
         [] { in_threads(4, log_with_ours); },
         [&] { in_threads(4, [&](size_t lines) { log_with_spdlog(*logger, lines); }); });
+    const int file = open((directory + "bare.log").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    bench::compare(
+        "log line to a file, flushed; a bare write(2) of as many bytes", "", lines_per_batch,
+        [] { log_with_ours(lines_per_batch); }, [file] { write_lines(file, lines_per_batch); });
+    close(file);
     spdlog::drop_all();
 }
 

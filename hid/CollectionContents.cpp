@@ -7,6 +7,8 @@ CollectionContents::CollectionContents(IData& collection, uint32_t page, ReportS
     , usagePage_(page)
     , shape_(shape)
 {
+    constexpr size_t usualUsages = 32; // before one field
+    pendingUsages_.reserve(usualUsages);
     AddGroup(Item{kTagReportId, 0});
 }
 

@@ -29,6 +29,14 @@ std::optional<int64_t> FindBit(const ReportGroup::Fields& list, uint32_t usage)
     return std::nullopt;
 }
 
+void Append(ReportGroup::Fields& list, std::unique_ptr<DataField> field)
+{
+    constexpr size_t usualFields = 8; // of one direction
+    if (list.empty())
+        list.reserve(usualFields);
+    list.push_back(std::move(field));
+}
+
 std::string DumpFields(const ReportGroup::Fields& list, const std::string& indent)
 {
     std::string text;
@@ -47,9 +55,9 @@ void ReportGroup::AddChild(std::unique_ptr<IData> child)
     if (field->layout.reportId != reportId)
         return;
     if (field->tag == kTagInput)
-        inputs_.push_back(std::move(field));
+        Append(inputs_, std::move(field));
     else if (field->tag == kTagOutput)
-        outputs_.push_back(std::move(field));
+        Append(outputs_, std::move(field));
 }
 
 std::string ReportGroup::Dump(const std::string& indent) const
