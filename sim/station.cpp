@@ -104,8 +104,8 @@ void Station::clearFaults()
 void Station::flood(int reports)
 {
     const Bytes report = panel_.idleReport();
-    for (int i = 0; i < reports; ++i)
-        device_.inject(report);
+    // Ends when nobody takes them: commands are not obeyed meanwhile, signals neither.
+    for (int i = 0; i < reports && device_.inject(report); ++i) { }
 }
 
 } // namespace sim

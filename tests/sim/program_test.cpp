@@ -81,6 +81,7 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
         {"fault claim x", {"1: not understood: fault claim x (try help)"}},
         {"fault short", {"1: not understood: fault short (try help)"}},
         {"fault write 3", {"1: fault write 3"}},
+        {"fault flood 2147483647", {"1: fault flood 2147483647"}},
         {"fault none", {"1: fault none"}},
         {"unplug", {"1: unplugged"}},
         {"replug", {"1: plugged in"}},
