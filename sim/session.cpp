@@ -30,14 +30,17 @@ FileDescriptor blockEndingSignals()
 
 class LineReader {
 public:
-    // Hands each line that is complete to `obey`. False at the end of input.
+    // Hands each complete line to `obey`, and what follows the last. False at the end of input.
     template <class Obey>
     bool read(Obey obey)
     {
         std::array<char, 4096> buffer;
         const ssize_t size = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (size <= 0)
+        if (size <= 0) {
+            if (!text_.empty())
+                obey(std::string_view(text_));
             return false;
+        }
         text_.append(buffer.data(), static_cast<size_t>(size));
         size_t begin = 0;
         for (size_t end; (end = text_.find('\n', begin)) != text_.npos; begin = end + 1)
