@@ -54,12 +54,26 @@ ApplicationWindow {
             }
 
             ComboBox {
+                id: id_device
                 Layout.fillWidth: true
                 Layout.alignment: Qt.AlignHCenter | Qt.AlignVCenter
                 textRole: "display"
                 model: cls_DeviceManager.deviceListModel
                 currentIndex: cls_DeviceManager.deviceSelectedIndex
                 onCurrentIndexChanged: cls_DeviceManager.slt_onSelectDevice(currentIndex)
+                // As the style's own, but for the text: a device's names are shown as they are,
+                // not taken for markup (images would be loaded) nor for a key after each "&".
+                delegate: ItemDelegate {
+                    width: ListView.view.width
+                    highlighted: id_device.highlightedIndex === index
+                    font.weight: id_device.currentIndex === index ? Font.DemiBold : Font.Normal
+                    contentItem: Label {
+                        text: model.display // "display" alone is the button's
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
+                        verticalAlignment: Text.AlignVCenter
+                    }
+                }
             }
         }
 

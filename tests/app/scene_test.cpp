@@ -203,6 +203,21 @@ TEST_F(Scene, ADeviceIsChosenFromTheList)
         lastLine(), "0x" + row.substr(0, 4) + "-HID-0x" + row.substr(5, 4) + "# KXHost Created");
 }
 
+TEST_F(Scene, ADevicesNamesAreNoMarkup)
+{
+    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
+    info.manufacturer = u"A&B <img src=\"qrc:/mivo/images/video/mutedmic.png\">";
+    plug(info);
+    open();
+    click(kChoice);
+    const auto* const row = item("id_line2.children[1].popup.contentItem.itemAt(20, 20)");
+    ASSERT_TRUE(row);
+    EXPECT_EQ(window_->grabWindow().isNull(), false);
+    const auto* const shown = row->property("contentItem").value<QQuickItem*>();
+    EXPECT_EQ(shown->property("text"), item(kChoice)->property("displayText"));
+    EXPECT_EQ(shown->property("textFormat"), QVariant(Qt::PlainText));
+}
+
 TEST_F(Scene, IsLaidOutAndDrawn)
 {
     open();
