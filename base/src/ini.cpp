@@ -123,18 +123,21 @@ void ini_t::store(ini_section_t& section, std::string_view key, std::string_view
     const size_t replaced = stored.size();
     stored = m_text.keep(value);
     m_garbage += replaced;
-    if (m_garbage > m_text.size() / 2 && m_garbage > min_garbage)
+    if (m_garbage > m_text.size() / 2 && m_garbage > m_garbage_limit)
         drop_garbage();
 }
 
 // Copies what is in use to a new storage, so that values which keep being replaced take no more
-// than about twice the memory of the last ones. Nothing can fail once the storage is there.
+// than about twice the memory of the last ones. Nothing can fail once the storage is there. The
+// next time is as far off as there are records to visit: they may be many and all of them empty.
 void ini_t::drop_garbage()
 {
     ini_text_t text(m_text.size() - m_garbage);
+    size_t records = m_header_comments.size();
     for (std::string_view& comment : m_header_comments)
         comment = text.keep(comment);
     for (ini_section_t& section : m_sections) {
+        records += 1 + section.comments.size() + section.keys.all().size();
         section.name = text.keep(section.name);
         for (std::string_view& comment : section.comments)
             comment = text.keep(comment);
@@ -143,6 +146,7 @@ void ini_t::drop_garbage()
     }
     m_text = std::move(text);
     m_garbage = 0;
+    m_garbage_limit = std::max(min_garbage_limit, records * sizeof(ini_key_t));
 }
 
 std::string ini_t::get_string(
@@ -189,6 +193,7 @@ void ini_t::release()
     m_header_comments = {};
     m_text = {};
     m_garbage = 0;
+    m_garbage_limit = min_garbage_limit;
 }
 
 const ini_section_t* ini_t::find_section(std::string_view name) const

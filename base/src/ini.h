@@ -81,7 +81,7 @@ public:
     void release();
 
 private:
-    static constexpr size_t min_garbage = 65'536;
+    static constexpr size_t min_garbage_limit = 65'536;
 
     template <typename source_t>
     bool load_lines(source_t&& source);
@@ -95,6 +95,7 @@ private:
     std::string m_file_path;
     ini_text_t m_text;    // holds every name, value and comment below
     size_t m_garbage = 0; // the bytes in it of values that were replaced
+    size_t m_garbage_limit = min_garbage_limit;
     ini_list_t<ini_section_t> m_sections;
     std::vector<std::string_view> m_header_comments;
 };
