@@ -152,10 +152,12 @@ bool logger_file_base_t::open_file()
 
 void logger_file_base_t::store_index() const
 {
-    const std::unique_ptr<FILE, closer_t> file(
-        fopen((m_directory + log_id_file_name).c_str(), "w"));
-    if (file)
-        fprintf(file.get(), "%u", m_index);
+    const int file = open((m_directory + log_id_file_name).c_str(),
+        O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (file < 0)
+        return;
+    dprintf(file, "%u", m_index); // what is lost here costs the next run its index only
+    ::close(file);
 }
 
 void logger_file_base_t::remove_earlier_files() const

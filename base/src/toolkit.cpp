@@ -1,5 +1,6 @@
 #include "toolkit.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -24,6 +25,8 @@ bool create_directories(const std::string& path)
 {
     if (is_directory(path))
         return true;
+    if (errno == ENAMETOOLONG) // trying every parent of a megabyte of slashes would take minutes
+        return false;
     // Failures on the way are left to the final check: another process may be creating the same.
     for (size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1))
         mkdir(path.substr(0, end).c_str(), 0777);

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -179,11 +180,18 @@ TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
     EXPECT_EQ(write(sink, "again\n"), 0u);
     EXPECT_EQ(content(gone + id_file), "1");
 
-    const std::string too_long = directory() + std::string(5000, 'x') + "/";
+    const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
     logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
     testing::internal::CaptureStderr();
     EXPECT_EQ(write(hopeless, "lost\n"), 999u);
     EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with("errno = 36\n"));
+}
+
+TEST_F(LogTest, AnIdFileThatIsAPipeHoldsNothingUp)
+{
+    ASSERT_EQ(mkfifo((directory() + id_file).c_str(), 0600), 0);
+    logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
+    EXPECT_EQ(write(sink, "line\n"), 0u);
 }
 
 // The limit on file sizes stands in for a disk that is full in the middle of a line.
