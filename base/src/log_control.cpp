@@ -182,6 +182,16 @@ void log_control_t::detach(const log_it* sink)
         m_attached.store(false, std::memory_order_release);
 }
 
+void log_control_t::forget_sinks()
+{
+    const std::lock_guard lock(m_mutex);
+    set_custom_sink(nullptr);
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            slot.set(slot.flags, nullptr, nullptr);
+    m_attached.store(false, std::memory_order_release);
+}
+
 uint32_t log_control_t::write(
     uint32_t module_id, uint32_t level, const char* data, size_t length, log_it* override_sink)
 {

@@ -24,7 +24,8 @@ public:
     [[nodiscard]] static log_control_t* instance();
 
     // Logs its call, destroys the control, and leaves every later log call without effect. Other
-    // threads must have stopped logging. Happens at exit by itself.
+    // threads must have stopped logging. Happens at exit by itself; the lines that it logs then go
+    // to the default file sink at most, as other sinks may have been destroyed before.
     static void release();
 
     // Registers a module, again if need be: its name (null: "N/A"), its least severe level, the
@@ -74,6 +75,9 @@ public:
 
     // Takes a sink out of every slot and has the next enabled call bind anew if it was in one.
     void detach(const log_it* sink);
+
+    // Takes all sinks out of all slots, and the custom sink away; the next enabled call binds anew.
+    void forget_sinks();
 
     // Passes a line to its slot's sinks, primary first, and to one of them if both are the same;
     // or, when given, to `override_sink` only. Does not ask the gate; a level above the module's

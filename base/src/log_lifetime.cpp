@@ -24,6 +24,8 @@ struct singleton_t : no_copy {
     ~singleton_t()
     {
         create_no_default_file_sink();
+        if (log_control_t* control = current.load(std::memory_order_acquire))
+            control->forget_sinks(); // sinks of main's, or made after this, are gone by now
         log_control_t::release();
     }
 

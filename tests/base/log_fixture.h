@@ -82,13 +82,11 @@ protected:
     void TearDown() override
     {
         rkb::enable_logger(255);
-        rkb::register_logger_handle(nullptr, 3);
+        rkb::log_control_t::set_default_flags(3);
         for (uint32_t id = 0; id < rkb::log_module_count; ++id)
             control().unregister_module(id);
         rkb::destroy_default_file_sink();
-        Recorder any;
-        control().set_sink_everywhere(&any, 2);
-        control().detach(&any); // the next enabled call binds again
+        control().forget_sinks();
         rkb::enable_logger(32);
         rkb::set_local_time_source(nullptr);
     }

@@ -4,6 +4,7 @@
 #include <sched.h>
 #include <set>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -66,6 +67,29 @@ void expect_all_lines(const std::string& directory)
     EXPECT_EQ(lines, size_t{thread_count} * lines_per_thread);
     for (const auto& [number, numbers] : seen)
         EXPECT_EQ(numbers.size(), size_t{lines_per_thread}) << number;
+}
+
+struct Mortal final : rkb::log_it {
+    static inline bool is_gone = false;
+    ~Mortal() override { is_gone = true; }
+    uint32_t write(uint32_t, uint32_t, const char*, size_t) override
+    {
+        if (is_gone)
+            _exit(EXIT_FAILURE);
+        return 0;
+    }
+};
+
+TEST(LogExit, TheLastWordsAtExitGoToNoSinkThatMayBeGone)
+{
+    const auto log_and_exit = [] {
+        static Mortal sink; // destroyed before the control
+        rkb::register_logger_handle(&sink, 2);
+        rkb::register_logger(1, "UTIL", 5, nullptr, 2);
+        RKB_LOG(1, rkb::log_info, "binds the sink\n");
+        exit(EXIT_SUCCESS);
+    };
+    EXPECT_EXIT(log_and_exit(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 // The whole life of a control, which a process has only once.
