@@ -39,8 +39,9 @@ struct log_site_t {
 };
 
 // The slow half of RKB_LOG: asks the control, builds the line in a buffer on the stack, writes it.
+// The site goes by value: by reference it would be stored before the branch of every disabled call.
 template <typename pieces_t>
-[[gnu::noinline]] void log_line(const log_site_t& site, const pieces_t& pieces)
+[[gnu::noinline]] void log_line(log_site_t site, const pieces_t& pieces)
 {
     log_control_t* control = log_control_t::instance();
     const char* module_name = nullptr;
@@ -53,8 +54,9 @@ template <typename pieces_t>
     control->write(site.module_id, site.level, stream.text(), stream.length());
 }
 
-// The entry points log their own call at INFO on the base library's module before they act, and do
-// nothing more once the control has been released. Any thread.
+// The entry points log their own call at INFO on the base library's module before they act. Once
+// the control has been released they log nothing; the custom sink, the default flags and the
+// default file sink outlive it and can still be set. Any thread.
 
 // Registers a module (see log_control_t::register_module) with `mode` as its sink flags. A null
 // `sink` stands for the custom sink if there is one, else for the default file sink, which is
