@@ -21,7 +21,7 @@ FileDescriptor blockEndingSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end us before the program
@@ -88,8 +88,9 @@ int runSession(std::span<const Profile* const> profiles, char* const* command)
     UsbBus bus;
     Transcript transcript(profiles.size());
     std::list<Station> stations;
-    for (const Profile* profile : profiles)
-        stations.emplace_back(bus, profile->info, stations.size() + 1, transcript);
+    // The last first, as the system lists the device plugged in last at the top.
+    for (size_t number = profiles.size(); number > 0; --number)
+        stations.emplace_front(bus, profiles[number - 1]->info, number, transcript);
     Console console(stations);
     try {
         ClientProcess client(command); // ends before the devices do: it could not live without
