@@ -20,9 +20,6 @@ if(CCACHE)
 endif()
 
 find_package(Threads REQUIRED)
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(HIDAPI REQUIRED IMPORTED_TARGET hidapi-libusb)
-pkg_check_modules(LIBUSB REQUIRED IMPORTED_TARGET libusb-1.0)
 
 if(KELPROBE_SANITIZER)
   add_compile_options(-fsanitize=${KELPROBE_SANITIZER} -fno-omit-frame-pointer)

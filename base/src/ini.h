@@ -45,7 +45,8 @@ public:
     // True if the file was read to its end and there is at least one section. A line that begins
     // with an unprintable character (ini_line.h) prints "Failing on int8_t %d\n" with it to
     // standard output and ends the parse with false; so does a read error, without the print.
-    // What was read until then stays. Takes time in proportion to the file.
+    // What was read until then stays. Takes time in proportion to the file; of a pipe it waits for
+    // the writer.
     [[nodiscard]] bool load();
 
     // load() of a file that holds `text`. Touches no file but standard output.
