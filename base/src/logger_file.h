@@ -14,8 +14,9 @@ namespace rkb {
 
 // Each file stays within a maximum size but for the line that exceeds it; the next line goes to a
 // file of the next index. A new day begins with index 0. Indices run in a circle, and opening a
-// file removes the earlier ones of its index from the directory. The last index used is kept in
-// the directory's id file, so that the next run goes on behind it.
+// file removes the earlier ones of its index from the directory, as far as their paths have at most
+// 127 characters: below a longer directory all files stay. The last index used is kept in the
+// directory's id file, so that the next run goes on behind it.
 //
 // Takes no lock: all operations are called by one thread at a time, as the logging control does.
 // Sizes are in bytes.
