@@ -1,60 +1,19 @@
-// What the tests of logging share: a fresh directory, a fixed time, a recording sink.
+// What the tests of logging, and of what is logged, share.
 #pragma once
 
 #include "local_time.h"
 #include "log.h"
 #include "logger_file_default.h"
+#include "temp_directory.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
-#include <string>
+#include <cstdio>
 #include <vector>
 
 inline rkb::local_time_t test_now; // what the time source says
 
-// Short, because paths of files to be removed are cut at 127 characters.
-class Directory {
-public:
-    Directory()
-        : m_path(testing::TempDir() + "kl-XXXXXX")
-    {
-        EXPECT_TRUE(mkdtemp(m_path.data()));
-        m_path += '/';
-    }
-    ~Directory() { std::filesystem::remove_all(m_path); }
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
-
-inline std::string content(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-// File names below the directory and what they hold.
-inline std::map<std::string, std::string> files_in(const std::string& path)
-{
-    std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(path))
-        if (entry.is_regular_file())
-            files[entry.path().filename()] = content(entry.path());
-    return files;
-}
-
 struct Recorder final : rkb::log_it {
-    uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length) override
+    uint32_t write(uint32_t, uint32_t, const char* data, size_t length) override
     {
-        EXPECT_LT(module_id, 256u);
-        EXPECT_LT(level, 32u);
         lines.emplace_back(data, length);
         return answer;
     }
@@ -68,11 +27,20 @@ struct Recorder final : rkb::log_it {
     uint32_t answer = 0;
 };
 
+// As messages show it.
+inline std::string address_of(const void* object)
+{
+    char text[32];
+    snprintf(text, sizeof text, "0x%016zx", reinterpret_cast<size_t>(object));
+    return text;
+}
+
+// A fresh log directory and a fixed time.
 class LogTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        setenv("RKB_HOME", m_directory.path().c_str(), 1);
+        setenv("RKB_HOME", directory().c_str(), 1);
         test_now = rkb::local_time_t{2026, 3, 14, 9, 5, 7, 42, 6};
         rkb::set_local_time_source([] { return test_now; });
     }
@@ -92,14 +60,15 @@ protected:
     }
 
     static rkb::log_control_t& control() { return *rkb::log_control_t::instance(); }
-    static bool enabled(uint32_t module_id, uint32_t level)
-    {
-        const char* module_name = nullptr;
-        const char* level_name = nullptr;
-        return control().is_enabled(module_id, level, module_name, level_name);
-    }
     const std::string& directory() const { return m_directory.path(); }
 
+    // From now on the library's own lines go to the sink.
+    static void record_library(Recorder& sink)
+    {
+        rkb::register_logger_handle(&sink, 2);
+        rkb::register_logger(rkb::log_module_util, "UTIL", 5, nullptr, 2);
+    }
+
 private:
-    Directory m_directory;
+    test::TempDirectory m_directory;
 };
