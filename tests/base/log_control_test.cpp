@@ -111,16 +111,15 @@ TEST_F(LogTest, WritePassesALineToTheSinksThatItsSlotNames)
 {
     control().attach(); // out of the way
     for (const uint32_t flags : {0u, 1u, 2u, 3u, 4u}) {
-        SCOPED_TRACE(flags);
-        Recorder primary;
-        Recorder registered;
-        control().register_module(9, "NINE", 3, &registered, flags);
-        if (flags < 2)
-            control().set_sink(9, 1, &primary); // where the flags do not name its place
+        Recorder sink;
+        Recorder unnamed;
+        control().register_module(9, "NINE", 3, &sink, flags);
+        if (flags == 1)
+            control().set_sink(9, 1, &unnamed); // the flags do not name its place
         EXPECT_EQ(control().write(9, 1, "abc", 3), 0u);
         EXPECT_EQ(control().write(9, 4, "abc", 3), 0u); // above the maximum
-        EXPECT_EQ(registered.lines.size(), flags >= 1 && flags <= 3 ? 1u : 0u);
-        EXPECT_TRUE(primary.lines.empty());
+        EXPECT_EQ(sink.lines.size(), flags >= 1 && flags <= 3 ? 1u : 0u) << flags;
+        EXPECT_TRUE(unnamed.lines.empty());
         control().unregister_module(9);
     }
     Recorder primary;

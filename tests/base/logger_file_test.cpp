@@ -1,7 +1,6 @@
 #include "log_file_name.h"
 #include "log_fixture.h"
 #include "toolkit.h"
-#include "util.h"
 
 #include <csignal>
 #include <sys/resource.h>
@@ -30,51 +29,53 @@ TEST(LogFileName, StampSuffixAndIndexArithmetic)
         "655356553565535_655356553565535_1_sdk_9");
     EXPECT_STREQ(rkb::log_file_suffix(12, "log")->data(), "_sdk_12.log");
     EXPECT_FALSE(rkb::log_file_suffix(1, std::string(250, 'x')));
-    const std::pair<const char*, std::optional<uint32_t>> ids[]
-        = {{"8", 8}, {"8\n", 8}, {" 12 \r\n", 12}, {"4294967295", 4294967295u}, {"4294967296", {}},
-            {"", {}}, {" ", {}}, {"-1", {}}, {"7 8", {}}, {"0x7", {}}, {"seven", {}}};
-    for (const auto& [text, id] : ids)
-        EXPECT_EQ(rkb::parse_log_file_id(text), id) << text;
+    for (const char* text : {"", " ", "-1", "7 8", "0x7", "seven", "4294967296"})
+        EXPECT_FALSE(rkb::parse_log_file_id(text)) << text;
+    EXPECT_EQ(rkb::parse_log_file_id("8"), 8u);
+    EXPECT_EQ(rkb::parse_log_file_id(" 4294967295 \r\n"), 4294967295u);
     EXPECT_EQ(rkb::first_log_file_index({}, 9), 0u);
     EXPECT_EQ(rkb::first_log_file_index(8, 9), 0u);
     EXPECT_EQ(rkb::first_log_file_index(4294967295u, 10), 6u); // does not wrap before the modulo
     EXPECT_EQ(rkb::first_log_file_index(3, 0), 0u);
 }
 
+// The part of a file's name that the fixed time and the index make.
+std::string stamp(uint32_t index)
+{
+    return rkb::log_file_stamp(test_now, static_cast<uint32_t>(getpid()), index).data();
+}
+
 TEST_F(LogTest, FilesRotateBySizeAndDayInACircleOfIndices)
 {
-    const std::string exact(mebibyte, 'x'); // fills a file without exceeding it
+    std::map<std::string, std::string> model;
+    std::string current;
+    const auto open = [&](uint32_t index) {
+        const std::string end = "_sdk_" + std::to_string(index) + ".log";
+        std::erase_if(model, [&](const auto& file) { return file.first.ends_with(end); });
+        current = "name_" + stamp(index) + ".log";
+        model[current].clear();
+        model[id_file] = std::to_string(index);
+    };
     std::ofstream(directory() + id_file) << "9\n";
     logger_file sink(directory().c_str(), "name", "log", 1, 9);
-    int index = 1; // (9 + 1) modulo 9
-    std::map<int, std::string> model;
-    for (uint16_t step = 0; step < 60; ++step) {
-        const auto day = static_cast<uint16_t>(14 + step / 25); // 25 steps: more than a circle
-        const bool midnight = day != test_now.day;
-        test_now.day = day;
-        test_now.second = step;
-        ASSERT_EQ(write(sink, exact), 0u); // at midnight this goes to yesterday's file
-        if (midnight) {
-            index = 0;
-            ASSERT_EQ(write(sink, exact), 0u);
+    const auto write_line = [&](const std::string& line) {
+        EXPECT_EQ(write(sink, line), 0u);
+        model[current] += line;
+    };
+    uint32_t index = 1; // (9 + 1) modulo 9
+    open(index);
+    for (test_now.second = 0; test_now.second < 60; ++test_now.second) {
+        if (test_now.second % 25 == 24) { // midnight, after more than a circle
+            ++test_now.day;
+            write_line("yesterday's\n");
+            open(index = 0);
         }
-        const std::string line = std::to_string(step) + "\n";
-        ASSERT_EQ(write(sink, line), 0u);
-        model[index] = exact + line;
-        index = index == 9 ? 0 : index + 1;
-        model[index].clear();
-        ASSERT_EQ(content(directory() + id_file), std::to_string(index));
+        write_line(std::string(mebibyte, 'x')); // fills the file without exceeding it
+        write_line("over\n");
+        open(index = index == 9 ? 0 : index + 1);
+        ASSERT_EQ(content(directory() + id_file), model[id_file]);
     }
-    const auto files = filesIn(directory());
-    EXPECT_EQ(files.size(), 11u); // ten indices and the id file
-    const std::string tag = "_" + std::to_string(getpid()) + "_sdk_";
-    for (const auto& [name, text] : files) {
-        if (name == id_file)
-            continue;
-        EXPECT_TRUE(name.starts_with("name_202603") && name.ends_with(".log")) << name;
-        ASSERT_NE(name.find(tag), std::string::npos) << name;
-        EXPECT_EQ(text, model[name[name.size() - 5] - '0']) << name;
-    }
+    EXPECT_TRUE(filesIn(directory()) == model); // without printing megabytes
 }
 
 TEST_F(LogTest, DirectoryAndPrefixRules)
@@ -84,37 +85,29 @@ TEST_F(LogTest, DirectoryAndPrefixRules)
         const char* base_name;
         const char* extension;
         const char* rkb_home;
-        std::string file; // what a log file's path begins with
+        std::string path; // of the log, all but the stamp and what follows
         std::string end;
         std::string id;
     } const cases[] = {
-        {"a/b/", "name", "log", "rkb", "a/b/name_2026", "_sdk_0.log", "a/b/"},
-        {"glued", "name", nullptr, "rkb", "glued/name_2026", "_sdk_0..log", "glued"},
-        {nullptr, nullptr, "log", "rkb", "rkb/logs/" + rkb::program_name() + "_2026", "_sdk_0.log",
-            "rkb/logs/"},
-        {nullptr, "n", "txt", nullptr, "home/.mivo/logs/n_2026", "_sdk_0.txt", "home/.mivo/logs/"},
+        {"a/b/", "name", "log", "rkb", "a/b/name_", ".log", "a/b/"},
+        {"glued", "name", nullptr, "rkb", "glued/name_", "..log", "glued"},
+        {nullptr, nullptr, "log", "rkb", "rkb/logs/test-base_", ".log", "rkb/logs/"},
+        {nullptr, "n", "txt", nullptr, "home/.mivo/logs/n_", ".txt", "home/.mivo/logs/"},
     };
-    EXPECT_FALSE(rkb::program_name().empty());
     setenv("HOME", (directory() + "home").c_str(), 1);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.file);
+        SCOPED_TRACE(c.path);
         unsetenv("RKB_HOME");
         if (c.rkb_home)
             setenv("RKB_HOME", (directory() + c.rkb_home).c_str(), 1);
         const std::string given = directory() + (c.directory ? c.directory : "");
         logger_file sink(c.directory ? given.c_str() : nullptr, c.base_name, c.extension, 0, 9);
-        const std::filesystem::path file = directory() + c.file;
-        const std::filesystem::path earlier = file.parent_path() / ("other" + c.end);
+        const std::string earlier = directory() + c.path + "earlier_sdk_0" + c.end;
         std::ofstream(earlier) << "of the same index";
         EXPECT_EQ(write(sink, "line\n"), 0u);
-        EXPECT_EQ(exists(earlier), c.id == "glued");
+        EXPECT_EQ(content(directory() + c.path + stamp(0) + c.end), "line\n");
         EXPECT_EQ(content(directory() + c.id + id_file), "0");
-        const auto files = filesIn(file.parent_path());
-        const auto found = files.lower_bound(file.filename());
-        ASSERT_NE(found, files.end());
-        EXPECT_TRUE(found->first.starts_with(file.filename().string())) << found->first;
-        EXPECT_TRUE(found->first.ends_with(c.end)) << found->first;
-        EXPECT_EQ(found->second, "line\n");
+        EXPECT_EQ(std::filesystem::exists(earlier), c.id == "glued");
     }
     unsetenv("RKB_HOME");
     unsetenv("HOME");
@@ -126,30 +119,35 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     Recorder sink;
     record_library(sink);
     logger_file file(directory().c_str(), "n", "log", 5 * mebibyte, 3);
+    const std::string start = "logger_file_base_t::configure";
     const std::string self = ", this = " + address_of(&file) + "\n";
-    const std::string bad_index
-        = ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] file[../src/log], line = [151]";
-    const std::string bad_size
-        = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], line = [150]";
     struct {
         uint32_t max_size;
         uint32_t max_index;
-        std::string message; // behind "logger_file_base_t::configure"
-    } const cases[] = {
-        {mebibyte, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3"},
-        {1'073'741'824, 99,
-            ", max_size = 1073741824, m_max_size = 1048576, max_idx = 99, m_max_idx = 9"},
-        {mebibyte - 1, 9, " size out of limitation, max_size = 1048575" + bad_size},
-        {1'073'741'825, 9, " size out of limitation, max_size = 1073741825" + bad_size},
-        {mebibyte, 8, " index out of limitation, max_idx = 8" + bad_index},
-        {mebibyte, 100, " index out of limitation, max_idx = 100" + bad_index},
-        {mebibyte, 9, ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99"},
-    };
-    for (const auto& c : cases) {
-        const bool bad = c.message[0] == ' ';
-        EXPECT_EQ(file.configure(c.max_size, c.max_index), bad ? 8u : 0u);
-        EXPECT_EQ(sink.message(),
-            (bad ? "assert: msg[" : "") + ("logger_file_base_t::configure" + c.message + self));
+        uint32_t former_size;
+        uint32_t former_index;
+    } const accepted[] = {{mebibyte, 9, 5 * mebibyte, 3}, {1'073'741'824, 99, mebibyte, 9},
+        {mebibyte, 9, 1'073'741'824, 99}};
+    for (const auto& c : accepted) {
+        for (const uint32_t size : {mebibyte - 1, 1'073'741'825u}) {
+            EXPECT_EQ(file.configure(size, 9), 8u);
+            EXPECT_EQ(sink.message(),
+                "assert: msg[" + start + " size out of limitation, max_size = "
+                    + std::to_string(size) + ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824]"
+                    + " file[../src/log], line = [150]" + self);
+        }
+        for (const uint32_t index : {8u, 100u}) {
+            EXPECT_EQ(file.configure(mebibyte, index), 8u);
+            EXPECT_EQ(sink.message(),
+                "assert: msg[" + start + " index out of limitation, max_idx = "
+                    + std::to_string(index) + ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99]"
+                    + " file[../src/log], line = [151]" + self);
+        }
+        EXPECT_EQ(file.configure(c.max_size, c.max_index), 0u);
+        std::ostringstream expected;
+        expected << start << ", max_size = " << c.max_size << ", m_max_size = " << c.former_size
+                 << ", max_idx = " << c.max_index << ", m_max_idx = " << c.former_index << self;
+        EXPECT_EQ(sink.message(), expected.str());
     }
 }
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -20,40 +19,43 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
-// A stream with `room` free characters, between bytes that it must not touch.
-struct guarded_t {
-    explicit guarded_t(size_t room, uint32_t radix = 10)
-        : bytes(guard + std::string(room + 1, '-') + guard)
-        , stream(&bytes[guard.size()], room + 1)
-    {
-        stream.set_radix(radix);
-    }
-
-    // The text, once it is certain that it is terminated and nothing around it was written.
-    std::string text() const
-    {
-        EXPECT_TRUE(bytes.starts_with(guard) && bytes.ends_with(guard));
-        EXPECT_EQ(stream.text()[stream.length()], '\0');
-        return {stream.text(), stream.length()};
-    }
-
-    const std::string guard = "################";
-    std::string bytes;
-    rkb::text_stream_t stream;
+struct outcome_t {
+    std::string text;
+    bool good;
 };
+
+// What is written to a stream with `room` free characters, between bytes that it must not touch.
+outcome_t stream(size_t room, uint32_t radix, const auto& write)
+{
+    const std::string guard = "################";
+    std::string bytes = guard + std::string(room + 1, '-') + guard;
+    rkb::text_stream_t stream(&bytes[guard.size()], room + 1);
+    stream.set_radix(radix);
+    write(stream);
+    EXPECT_TRUE(bytes.starts_with(guard) && bytes.ends_with(guard));
+    EXPECT_EQ(stream.text()[stream.length()], '\0');
+    return {{stream.text(), stream.length()}, stream.good()};
+}
+
+// A single value; nothing if it is left out.
+std::string written(auto value, size_t room, uint32_t radix = 10)
+{
+    const auto [text, good] = stream(room, radix, [&](auto& s) { s << value; });
+    EXPECT_EQ(good, !text.empty());
+    return text;
+}
 
 template <typename integer_t>
 std::string expected(integer_t value, uint32_t radix)
 {
-    std::array<char, 65> digits{};
-    const int base = radix == 256 ? 16 : static_cast<int>(radix);
-    const auto bits = static_cast<std::make_unsigned_t<integer_t>>(value);
-    if (base == 10)
+    if (radix == 10)
         return std::to_string(value);
-    std::to_chars(digits.data(), digits.data() + digits.size(), bits, base);
-    std::string text = digits.data();
-    const size_t width = base == 8 ? 0 : sizeof value * (base == 2 ? 8 : 2);
-    text.insert(0, std::max(width, text.size()) - text.size(), '0');
+    char digits[65] = "";
+    const auto bits = static_cast<std::make_unsigned_t<integer_t>>(value);
+    std::to_chars(digits, std::end(digits), bits, radix == 256 ? 16 : static_cast<int>(radix));
+    std::string text = digits;
+    const size_t width = radix == 8 ? 1 : sizeof value * (radix == 2 ? 8 : 2);
+    text.insert(0, width - std::min(width, text.size()), '0');
     if (radix == 16)
         std::transform(text.begin(), text.end(), text.begin(), toupper);
     return text;
@@ -61,18 +63,9 @@ std::string expected(integer_t value, uint32_t radix)
 
 std::string two_decimals(double value)
 {
-    std::array<char, 400> text{};
-    snprintf(text.data(), text.size(), "%.2f", value);
-    return text.data();
-}
-
-// The value as a stream with that room writes it; nothing if it is left out.
-std::string written(auto value, size_t room, uint32_t radix = 10)
-{
-    guarded_t guarded(room, radix);
-    guarded.stream << value;
-    EXPECT_EQ(guarded.stream.good(), !guarded.text().empty());
-    return guarded.text();
+    char text[400];
+    snprintf(text, sizeof text, "%.2f", value);
+    return text;
 }
 
 template <typename integer_t>
@@ -80,11 +73,9 @@ void expect_integers()
 {
     using limits_t = std::numeric_limits<integer_t>;
     std::vector<integer_t> values{limits_t::min(), limits_t::max(), 0, static_cast<integer_t>(-1)};
-    for (integer_t power = 1;; power = static_cast<integer_t>(power * 10)) {
-        values.insert(values.end(), {static_cast<integer_t>(power - 1), power});
-        if (power > limits_t::max() / 10)
-            break;
-    }
+    for (long double power = 1; power <= limits_t::max(); power *= 10)
+        values.insert(
+            values.end(), {static_cast<integer_t>(power - 1), static_cast<integer_t>(power)});
     for (const uint32_t radix : {2u, 8u, 10u, 16u, 256u}) {
         const size_t widest = std::max(
             expected(std::numeric_limits<std::make_signed_t<integer_t>>::min(), radix).size(),
@@ -175,11 +166,9 @@ TEST(TextStream, CutsTextSkipsStringsAndKeepsValuesWhole)
         {"reset", 12, 16, [](auto& s) { s << "abc" << 1, s.reset(), s << 7; }, "7"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        guarded_t guarded(c.room, c.radix);
-        c.write(guarded.stream);
-        EXPECT_EQ(guarded.text(), c.expected);
-        EXPECT_EQ(guarded.stream.good(), c.good);
+        const auto [text, good] = stream(c.room, c.radix, c.write);
+        EXPECT_EQ(text, c.expected) << c.what;
+        EXPECT_EQ(good, c.good) << c.what;
     }
 }
 
