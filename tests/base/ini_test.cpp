@@ -3,6 +3,7 @@
 #include "temp_directory.h"
 
 #include <optional>
+#include <tuple>
 
 namespace {
 
@@ -101,8 +102,8 @@ TEST(Ini, FindsAmongManySectionsAndKeys)
     std::string keys = "[s]\n";
     for (int i = 0; i < count; ++i) {
         const std::string n = std::to_string(i);
-        sections.append("[s").append(n).append("]\nkey=").append(n).append("\n");
-        keys.append("k").append(n).append("=").append(n).append("\n");
+        sections += "[s" + n + "]\nkey=" + n + "\n";
+        keys += "k" + n + "=" + n + "\n";
     }
     rkb::ini_t ini("");
     ASSERT_TRUE(ini.load_text(sections + keys + keys));
@@ -136,18 +137,15 @@ TEST(Ini, SetAddsOnlyWhenAskedToAndKeepsEverythingElse)
 
 TEST(Ini, ConvertsAsStrtolAndStrtodDo)
 {
-    struct {
-        const char* text;
-        int number;
-        double real;
-    } const rows[] = {{"12abc", 12, 12.0}, {"abc", 0, 0.0}, {"", 0, 0.0}, {"-7.5e1", -7, -75.0},
-        {"+0x10", 0, 16.0}, {"2147483648", INT32_MIN, 2147483648.0},
-        {"99999999999999999999", -1, 1e20}}; // the largest long, cut
+    const std::tuple<const char*, int, double> rows[]
+        = {{"12abc", 12, 12.0}, {"abc", 0, 0.0}, {"", 0, 0.0}, {"-7.5e1", -7, -75.0},
+            {"+0x10", 0, 16.0}, {"2147483648", INT32_MIN, 2147483648.0},
+            {"99999999999999999999", -1, 1e20}}; // the largest long, cut
     rkb::ini_t ini("");
-    for (const auto& row : rows) {
-        ini.set("s", "k", row.text, true);
-        EXPECT_EQ(ini.get_int("s", "k", 5), row.number) << row.text;
-        EXPECT_EQ(ini.get_double("s", "k", 5.0), row.real) << row.text;
+    for (const auto& [text, number, real] : rows) {
+        ini.set("s", "k", text, true);
+        EXPECT_EQ(ini.get_int("s", "k", 5), number) << text;
+        EXPECT_EQ(ini.get_double("s", "k", 5.0), real) << text;
     }
     EXPECT_EQ(ini.get_int("s", "none", INT32_MIN), INT32_MIN);
     EXPECT_EQ(ini.get_double("none", "k", 0.1), 0.1);
@@ -155,11 +153,7 @@ TEST(Ini, ConvertsAsStrtolAndStrtodDo)
 
 TEST(ConfigFilePath, FollowsTheProgramsName)
 {
-    struct {
-        const char* home;
-        const char* program;
-        const char* path;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"/srv/rkb", "/opt/app/bin/tool-media", "/srv/rkb/conf/rkb-media.cfg"},
         {"/srv/rkb/", "/opt/app-x/bin/tool", "/srv/rkb/conf/rkb.cfg"},
         {" \t/srv/r b\n", "a-b-c", "/srv/r b/conf/rkb-c.cfg"},
@@ -168,9 +162,9 @@ TEST(ConfigFilePath, FollowsTheProgramsName)
         {" \v\f\r", "tool", ""},
         {nullptr, "tool", ""},
     };
-    for (const auto& row : rows) {
-        row.home ? setenv("RKB_HOME", row.home, 1) : unsetenv("RKB_HOME");
-        EXPECT_EQ(rkb::config_file_path(row.program), row.path);
+    for (const auto& [home, program, path] : rows) {
+        home ? setenv("RKB_HOME", home, 1) : unsetenv("RKB_HOME");
+        EXPECT_EQ(rkb::config_file_path(program), path);
     }
 }
 

@@ -4,20 +4,18 @@
 #include "logger_file_default.h"
 #include "temp_directory.h"
 
+#include <tuple>
+
 namespace {
 
 TEST(LogFileLimits, FollowTheSettings)
 {
-    struct {
-        int setting;
-        uint32_t mebibytes;
-        uint32_t max_index;
-    } const rows[] = {{-1, 100, 1}, {0, 1, 1}, {2, 2, 1}, {3, 3, 2}, {50, 50, 49}, {51, 51, 49},
-        {100, 100, 49}, {101, 100, 49}};
-    for (const auto& row : rows) {
-        const rkb::log_file_limits_t limits = rkb::log_file_limits(row.setting, row.setting);
-        EXPECT_EQ(limits.max_size, row.mebibytes * 1'048'576) << row.setting;
-        EXPECT_EQ(limits.max_index, row.max_index) << row.setting;
+    const std::tuple<int, uint32_t, uint32_t> rows[] = {{-1, 100, 1}, {0, 1, 1}, {2, 2, 1},
+        {3, 3, 2}, {50, 50, 49}, {51, 51, 49}, {100, 100, 49}, {101, 100, 49}};
+    for (const auto& [setting, mebibytes, max_index] : rows) {
+        const rkb::log_file_limits_t limits = rkb::log_file_limits(setting, setting);
+        EXPECT_EQ(limits.max_size, mebibytes * 1'048'576) << setting;
+        EXPECT_EQ(limits.max_index, max_index) << setting;
     }
 }
 
