@@ -169,16 +169,18 @@ TEST_F(LogTest, EntryPointsLogTheirCallAndAct)
     rkb::enable_logger(511);
     EXPECT_EQ(control().gate(), -1);
     const std::string address = address_of(&sink);
-    const std::string messages[] = {"register_logger  module_id = 300, module_name = BAD, max_level"
-                                    " = 7, logger = "
-            + address + ", mode = 3\n",
-        "register_logger_handle logger = " + address
+    const std::string messages[] = {
+        "\tregister_logger  module_id = 300, module_name = BAD, max_level = 7, logger = " + address
+            + ", mode = 3\n",
+        "\tregister_logger_handle logger = " + address
             + ", mask = 00000000000000000000000100000010\n",
-        "enable_logger max_level = 260\n", "configure_logger, max_size = 5, max_idx = 9\n"};
-    ASSERT_EQ(
-        sink.lines.size(), 6u); // these, the sink's own of its configuration and its complaint
+        "\tenable_logger max_level = 260\n",
+        "\tconfigure_logger, max_size = 5, max_idx = 9\n",
+    };
+    // Behind these are the sink's own line of its configuration and its complaint.
+    ASSERT_EQ(sink.lines.size(), std::size(messages) + 2);
     for (size_t i = 0; i < std::size(messages); ++i)
-        EXPECT_TRUE(sink.lines[i].ends_with("\t" + messages[i])) << sink.lines[i];
+        EXPECT_TRUE(sink.lines[i].ends_with(messages[i])) << sink.lines[i];
 }
 
 } // namespace

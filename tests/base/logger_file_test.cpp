@@ -124,6 +124,7 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
         = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], line = [150]";
     const std::string index_line
         = ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] file[../src/log], line = [151]";
+    // The limits, and the message that follows the function's name.
     const std::tuple<uint32_t, uint32_t, std::string> cases[] = {
         {1048576, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3"},
         {1073741824, 99,
@@ -134,7 +135,7 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
         {1048576, 100, " index out of limitation, max_idx = 100" + index_line},
         {1048576, 9, ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99"},
     };
-    for (const auto& [max_size, max_index, message] : cases) { // behind the function's name
+    for (const auto& [max_size, max_index, message] : cases) {
         const bool bad = message.find(" out of ") != std::string::npos;
         EXPECT_EQ(file.configure(max_size, max_index), bad ? 8u : 0u);
         const std::string start = bad ? "assert: msg[" : "";

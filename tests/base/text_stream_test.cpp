@@ -19,13 +19,9 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
-struct outcome_t {
-    std::string text;
-    bool good;
-};
-
-// What is written to a stream with `room` free characters, between bytes that it must not touch.
-outcome_t stream(size_t room, uint32_t radix, const auto& write)
+// The text in a stream with `room` free characters, between bytes that it must not touch, and
+// whether the stream is good.
+std::pair<std::string, bool> stream(size_t room, uint32_t radix, const auto& write)
 {
     const std::string guard = "################";
     std::string bytes = guard + std::string(room + 1, '-') + guard;
@@ -34,7 +30,7 @@ outcome_t stream(size_t room, uint32_t radix, const auto& write)
     write(stream);
     EXPECT_TRUE(bytes.starts_with(guard) && bytes.ends_with(guard));
     EXPECT_EQ(stream.text()[stream.length()], '\0');
-    return {{stream.text(), stream.length()}, stream.good()};
+    return {std::string(stream.text(), stream.length()), stream.good()};
 }
 
 // A single value; nothing if it is left out.
