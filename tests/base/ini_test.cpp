@@ -102,8 +102,8 @@ TEST(Ini, FindsAmongManySectionsAndKeys)
     std::string keys = "[s]\n";
     for (int i = 0; i < count; ++i) {
         const std::string n = std::to_string(i);
-        sections += "[s" + n + "]\nkey=" + n + "\n";
-        keys += "k" + n + "=" + n + "\n";
+        sections.append("[s").append(n).append("]\nkey=").append(n).append("\n");
+        keys.append("k").append(n).append("=").append(n).append("\n");
     }
     rkb::ini_t ini("");
     ASSERT_TRUE(ini.load_text(sections + keys + keys));

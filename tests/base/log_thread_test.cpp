@@ -24,6 +24,7 @@ void log_from_threads()
 {
     std::barrier all_at_once(thread_count);
     std::vector<std::jthread> threads;
+    threads.reserve(thread_count);
     for (int thread = 0; thread < thread_count; ++thread)
         threads.emplace_back([&all_at_once, thread] {
             all_at_once.arrive_and_wait();

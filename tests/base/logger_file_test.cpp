@@ -120,6 +120,7 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     Recorder sink;
     record_library(sink);
     logger_file file(directory().c_str(), "n", "log", 5 * mebibyte, 3);
+    const std::string self = ", this = " + address_of(&file) + "\n";
     const std::string size_line
         = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], line = [150]";
     const std::string index_line
@@ -138,10 +139,9 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     for (const auto& [max_size, max_index, message] : cases) {
         const bool bad = message.find(" out of ") != std::string::npos;
         EXPECT_EQ(file.configure(max_size, max_index), bad ? 8u : 0u);
-        const std::string start = bad ? "assert: msg[" : "";
-        EXPECT_EQ(sink.message(),
-            start + "logger_file_base_t::configure" + message + ", this = " + address_of(&file)
-                + "\n");
+        std::string expected = bad ? "assert: msg[" : "";
+        expected.append("logger_file_base_t::configure").append(message).append(self);
+        EXPECT_EQ(sink.message(), expected);
     }
 }
 

@@ -69,9 +69,11 @@ void expect_integers()
 {
     using limits_t = std::numeric_limits<integer_t>;
     std::vector<integer_t> values{limits_t::min(), limits_t::max(), 0, static_cast<integer_t>(-1)};
-    for (long double power = 1; power <= limits_t::max(); power *= 10)
-        values.insert(
-            values.end(), {static_cast<integer_t>(power - 1), static_cast<integer_t>(power)});
+    integer_t power = 1;
+    for (int digits = 0; digits < limits_t::digits10; ++digits) {
+        power = static_cast<integer_t>(power * 10);
+        values.insert(values.end(), {static_cast<integer_t>(power - 1), power});
+    }
     for (const uint32_t radix : {2u, 8u, 10u, 16u, 256u}) {
         const size_t widest = std::max(
             expected(std::numeric_limits<std::make_signed_t<integer_t>>::min(), radix).size(),
