@@ -105,24 +105,26 @@ TEST_F(LogTest, CodesAndNames)
 TEST_F(LogTest, WritePassesALineToTheSinksThatItsSlotNames)
 {
     control().attach(); // out of the way
-    for (const uint32_t flags : {0u, 1u, 2u, 3u, 4u}) {
-        Recorder sink;
-        Recorder unnamed;
-        control().register_module(9, "NINE", 3, &sink, flags);
-        if (flags == 1)
-            control().set_sink(9, 1, &unnamed); // the flags do not name its place
-        EXPECT_EQ(control().write(9, 1, "abc", 3), 0u);
-        EXPECT_EQ(control().write(9, 4, "abc", 3), 0u); // above the maximum
-        EXPECT_EQ(sink.lines.size(), flags >= 1 && flags <= 3 ? 1u : 0u) << flags;
-        EXPECT_TRUE(unnamed.lines.empty());
-        control().unregister_module(9);
-    }
     Recorder primary;
     Recorder secondary;
+    for (const uint32_t flags : {0u, 1u, 2u, 3u, 4u}) {
+        primary.lines.clear();
+        control().register_module(9, "NINE", 3, &primary, flags);
+        if (flags == 1)
+            control().set_sink(9, 1, &secondary); // the flags do not name its place
+        EXPECT_EQ(control().write(9, 1, "abc", 3), 0u);
+        EXPECT_EQ(control().write(9, 4, "abc", 3), 0u); // above the maximum
+        EXPECT_EQ(primary.lines.size(), flags >= 1 && flags <= 3 ? 1u : 0u) << flags;
+        EXPECT_TRUE(secondary.lines.empty());
+        control().unregister_module(9);
+    }
     control().register_module(9, "NINE", 3, &secondary, 1);
-    control().set_sink_everywhere(&primary, 3);
-    primary.answer = 7; // nobody's concern
     control().set_flags(9, 3);
+    control().write(9, 3, "abc", 3);
+    EXPECT_TRUE(primary.lines.empty()); // its former places were cleared
+    secondary.lines.clear();
+    control().set_sink_everywhere(&primary, 3);
+    primary.answer = 7;      // nobody's concern
     control().set_gate(255); // write does not ask it
     EXPECT_EQ(control().write(9, 3, "abc", 3), 0u);
     EXPECT_EQ(primary.lines, std::vector<std::string>{"abc"});
