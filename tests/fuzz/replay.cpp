@@ -26,8 +26,12 @@ int main(int argc, char** argv)
         for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
             std::vector<uint8_t> bytes = contents(entry.path());
             // Each beginning of a seed is one too: that is what a device's short answer leaves.
-            for (; !bytes.empty(); bytes.pop_back())
+            // With its last byte damaged it is another.
+            for (; !bytes.empty(); bytes.pop_back()) {
                 LLVMFuzzerTestOneInput(std::vector(bytes).data(), bytes.size());
+                bytes.back() ^= 0xFF;
+                LLVMFuzzerTestOneInput(std::vector(bytes).data(), bytes.size());
+            }
             ++count;
         }
     std::printf("%d seeds\n", count);

@@ -1,5 +1,7 @@
 // Templates and masks: what is sent, and which reports are heard.
+#include "BuiltInDescriptor.h"
 #include "ReportTemplate.h"
+#include "Root.h"
 #include "TelephonyControls.h"
 #include "device_file.h"
 
@@ -11,75 +13,60 @@ namespace {
 
 TEST(ReportTemplate, CombinesWithinOneReportAndClearsAllButTheId)
 {
-    struct Row {
-        const char *first, *second, *combined;
-    };
-    for (const Row& row : {
-             Row{"03 04 00", "03 01 00", "03 05 00"},
-             Row{"03 04 00", "04 01 00", "03 04 00"},
-             Row{"03 04", "03 01 80", "03 05"},
-             Row{"03 04 00", "03 01", "03 05 00"},
-             Row{"03 04 00", "", "03 04 00"},
-             Row{"", "03 01", ""},
+    for (const auto& [first, second, combined] : {
+             std::tuple{"03 04 00", "03 01 00", "03 05 00"},
+             {"03 04 00", "04 01 00", "03 04 00"},
+             {"03 04", "03 01 80", "03 05"},
+             {"03 04 00", "03 01", "03 05 00"},
+             {"03 04 00", "", "03 04 00"},
+             {"", "03 01", ""},
          })
-        EXPECT_EQ(KX::Combined(bytesFromHex(row.first), bytesFromHex(row.second)),
-            bytesFromHex(row.combined));
+        EXPECT_EQ(KX::Combined(bytesFromHex(first), bytesFromHex(second)), bytesFromHex(combined));
     EXPECT_EQ(KX::Cleared(bytesFromHex("03 05 ff")), bytesFromHex("03 00 00"));
     EXPECT_EQ(KX::Cleared(bytesFromHex("03")), bytesFromHex("03"));
 }
 
 TEST(ReportTemplate, MatchesByInclusionAndExactLength)
 {
-    struct Row {
-        const char *mask, *report;
-        bool matches;
-    };
-    for (const Row& row : {
-             Row{"03 01 00", "03 01 00", true},
-             Row{"03 01 00", "03 ff ff", true},
-             Row{"01 01", "03 01", true}, // the report id, too
-             Row{"03 01 00", "01 01 00", false},
-             Row{"03 01 00", "03 02 00", false},
-             Row{"03 01 00", "03 01", false},
-             Row{"03 01 00", "03 01 00 00", false},
-             Row{"", "", true},
-             Row{"", "00", false},
+    for (const auto& [mask, report, matches] : {
+             std::tuple{"03 01 00", "03 01 00", true},
+             {"03 01 00", "03 ff ff", true},
+             {"01 01", "03 01", true}, // the report id, too
+             {"03 01 00", "01 01 00", false},
+             {"03 01 00", "03 02 00", false},
+             {"03 01 00", "03 01", false},
+             {"03 01 00", "03 01 00 00", false},
+             {"", "", true},
+             {"", "00", false},
          })
-        EXPECT_EQ(KX::Matches(bytesFromHex(row.mask), bytesFromHex(row.report)), row.matches)
-            << row.mask << " / " << row.report;
+        EXPECT_EQ(KX::Matches(bytesFromHex(mask), bytesFromHex(report)), matches)
+            << mask << " / " << report;
 }
 
 TEST(RingAnswer, DependsOnWhetherTheRingCameDuringACall)
 {
-    KX::TelephonyControls controls;
-    controls.hookSwitchMask = bytesFromHex("03 01");
-    controls.lineBusyMask = bytesFromHex("03 02");
-    controls.flashMask = bytesFromHex("03 10");
-    controls.hasHookSwitch = controls.hasLineBusy = controls.hasFlash = true;
+    KX::Root root;
+    root.Parse(KX::kBuiltInDescriptor);
+    auto controls = KX::TelephonyControls::FromDescriptor(root);
 
-    using KX::RingAnswer;
-    struct Row {
-        const char* report;
-        RingAnswer fromIdle, duringCall;
-    };
-    for (const Row& row : {
-             Row{"03 00", RingAnswer::Reject, RingAnswer::Ignore},
-             Row{"03 01", RingAnswer::Answer, RingAnswer::Ignore},
-             Row{"03 02", RingAnswer::Reject, RingAnswer::Ignore},
-             Row{"03 10", RingAnswer::Reject, RingAnswer::Ignore},
-             Row{"03 03", RingAnswer::Answer, RingAnswer::RefuseWaiting},
-             Row{"03 11", RingAnswer::Answer, RingAnswer::Answer},
-             Row{"03 13", RingAnswer::Answer, RingAnswer::Answer},
-             Row{"01 01 00", RingAnswer::Reject, RingAnswer::Ignore},
+    using enum KX::RingAnswer;
+    for (const auto& [report, fromIdle, duringCall] : {
+             std::tuple{"03 00 00", Reject, Ignore},
+             {"03 01 00", Answer, Ignore},
+             {"03 02 00", Reject, Ignore},
+             {"03 10 00", Reject, Ignore},
+             {"03 03 00", Answer, RefuseWaiting},
+             {"03 11 00", Answer, Answer},
+             {"03 13 00", Answer, Answer},
+             {"01 01", Reject, Ignore},
          }) {
-        SCOPED_TRACE(row.report);
-        EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex(row.report)), row.fromIdle);
-        EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex(row.report)), row.duringCall);
+        EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex(report)), fromIdle) << report;
+        EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex(report)), duringCall) << report;
     }
     controls.hasFlash = controls.hasLineBusy = false;
-    EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex("03 13")), RingAnswer::Ignore);
+    EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex("03 13 00")), Ignore);
     controls.hasHookSwitch = false;
-    EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex("03 01")), RingAnswer::Reject);
+    EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex("03 01 00")), Reject);
 }
 
 } // namespace

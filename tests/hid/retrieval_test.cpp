@@ -2,11 +2,10 @@
 #include "DescriptorRetrieval.h"
 #include "HidDevice.h"
 #include "bus_test.h"
-#include "device_file.h"
+
+#include <algorithm>
 
 namespace {
-
-using test::bytesFromHex;
 
 constexpr const char* kUnavailable
     = "         Report Descriptors: \n           ** UNAVAILABLE **\n";
@@ -43,25 +42,16 @@ TEST_F(Retrieval, FindsTheInterfaceByEitherFormOfItsPath)
 TEST_F(Retrieval, GoesByTheFirstReportEntryOfTheHidDescriptor)
 {
     sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
-    const auto size = static_cast<uint16_t>(info.reportDescriptor.size());
     using Class = sim::ClassDescriptor;
-    struct Row {
-        std::vector<Class> listed;
-        size_t expected;
-    };
-    for (const Row& row : {
-             Row{{{Class::kPhysical, 7}, {Class::kReport, size}}, size},
-             Row{{{Class::kReport, 10}, {Class::kReport, size}}, 10},
-             Row{{{Class::kPhysical, 7}}, 0},
-             Row{{}, 0},
-             Row{{{Class::kReport, 0}}, 0},
+    for (const auto& [listed, size] : {
+             std::pair<std::vector<Class>, size_t>{{{Class::kPhysical, 7}, {Class::kReport, 9}}, 9},
+             {{{Class::kReport, 10}, {Class::kReport, 273}}, 10},
+             {{{Class::kReport, 0}}, 0},
+             {{}, 0},
          }) {
-        info.classDescriptors = row.listed;
+        info.classDescriptors = listed;
         auto& device = plug(info);
-        Bytes expected = info.reportDescriptor;
-        expected.resize(row.expected);
-        EXPECT_EQ(retrieve(device.hidPath()), expected);
-        EXPECT_EQ(printed_, "");
+        EXPECT_EQ(retrieve(device.hidPath()).size(), size);
         device.unplug();
     }
 }
@@ -70,38 +60,29 @@ TEST_F(Retrieval, TriesFourTimesAndKeepsWhatItGot)
 {
     auto& device = plug("speakerphone");
     const Bytes& whole = device.info().reportDescriptor;
-
-    device.faults().stallReportDescriptor.arm(3);
-    EXPECT_EQ(retrieve("1-1:1.0"), whole);
-    EXPECT_EQ(printed_, "");
-
-    device.faults().stallReportDescriptor.arm(4);
-    EXPECT_EQ(retrieve("1-1:1.0"), Bytes(whole.size()));
-    EXPECT_EQ(printed_, "");
-    EXPECT_EQ(device.counters().reportDescriptorReads, 8);
-
-    device.faults().shortLength = 10;
-    device.faults().shortenReportDescriptor.arm(4);
-    Bytes partial(whole.begin(), whole.begin() + 10);
-    partial.resize(whole.size());
-    EXPECT_EQ(retrieve("1-1:1.0"), partial);
-    EXPECT_EQ(printed_, kIncomplete);
-    EXPECT_EQ(device.counters().reportDescriptorReads, 12);
-    EXPECT_FALSE(device.claimed());
-}
-
-TEST_F(Retrieval, AnInterfaceThatCannotBeClaimedLeavesZeros)
-{
-    auto& device = plug("lamp-per-report");
-    device.faults().refuseClaim.arm(1); // ours; hidapi's own claim then works
-    testing::internal::CaptureStdout();
-    const auto opened = KX::hid_open(
-        device.info().vendorId, device.info().productId, nullptr, KX::DescriptorFetch::On);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), kUnavailable);
-    ASSERT_NE(opened, nullptr);
-    Bytes descriptor;
-    EXPECT_TRUE(KX::hid_get_report_descriptor_copy(opened.get(), descriptor));
-    EXPECT_EQ(descriptor, Bytes(device.info().reportDescriptor.size()));
+    auto& faults = device.faults();
+    faults.shortLength = 10;
+    struct Row {
+        sim::Fault& fault;
+        int times, reads;
+        ptrdiff_t received; // zeros follow
+        const char* printed;
+    };
+    for (const Row& row : {
+             Row{faults.stallReportDescriptor, 3, 4, 273, ""},
+             Row{faults.stallReportDescriptor, 4, 4, 0, ""},
+             Row{faults.shortenReportDescriptor, 4, 4, 10, kIncomplete},
+             Row{faults.refuseClaim, 1, 0, 0, kUnavailable},
+         }) {
+        row.fault.arm(row.times);
+        const int readsBefore = device.counters().reportDescriptorReads;
+        Bytes expected = whole;
+        std::fill(expected.begin() + row.received, expected.end(), uint8_t{0});
+        EXPECT_EQ(retrieve("1-1:1.0"), expected);
+        EXPECT_EQ(printed_, row.printed);
+        EXPECT_EQ(device.counters().reportDescriptorReads - readsBefore, row.reads);
+        EXPECT_FALSE(device.claimed());
+    }
 }
 
 TEST_F(Retrieval, WithoutPermissionOrWithADriverThatStaysThereIsNothing)
@@ -116,23 +97,21 @@ TEST_F(Retrieval, WithoutPermissionOrWithADriverThatStaysThereIsNothing)
 
 TEST_F(Retrieval, OpensByIdsAndSerialNumber)
 {
-    auto& device = plug("speakerphone");
-    sim::UsbDeviceInfo twin = device.info();
-    twin.serialNumber = u"other";
-    plug(twin);
-    const auto serialOf = [](const wchar_t* wanted) {
-        const auto opened = KX::hid_open(0x0B0E, 0x0410, wanted, KX::DescriptorFetch::Off);
-        wchar_t serial[32] = L"-";
-        if (opened)
-            (void)hid_get_serial_number_string(opened->handle, serial, std::size(serial));
-        return std::wstring(serial);
+    sim::UsbDeviceInfo info = plug("speakerphone").info();
+    info.serialNumber = u"other";
+    plug(info);
+    const auto open = [&](const wchar_t* serial) {
+        return KX::hid_open(info.vendorId, info.productId, serial, KX::DescriptorFetch::Off);
     };
-    hid_device_info* list = hid_enumerate(0x0B0E, 0x0410);
-    EXPECT_EQ(serialOf(nullptr), list->serial_number);
-    hid_free_enumeration(list);
-    EXPECT_EQ(serialOf(L"S0001"), L"S0001");
-    EXPECT_EQ(serialOf(L"other"), L"other");
-    EXPECT_EQ(serialOf(L"none"), L"-");
+    for (const wchar_t* wanted : {L"S0001", L"other"}) {
+        const auto opened = open(wanted);
+        wchar_t serial[32] = {};
+        ASSERT_TRUE(opened);
+        (void)hid_get_serial_number_string(opened->handle, serial, std::size(serial));
+        EXPECT_STREQ(serial, wanted);
+    }
+    EXPECT_TRUE(open(nullptr)) << "whichever is first";
+    EXPECT_FALSE(open(L"none"));
     EXPECT_EQ(KX::hid_open(0, 0, nullptr, KX::DescriptorFetch::Off), nullptr);
     Bytes untouched{1};
     EXPECT_FALSE(KX::hid_get_report_descriptor_copy(nullptr, untouched));
@@ -141,21 +120,18 @@ TEST_F(Retrieval, OpensByIdsAndSerialNumber)
 
 TEST(AnnouncedLength, StaysWithinTheBytesThereAre)
 {
-    struct Row {
-        const char* extra;
-        int length; // -1: none
-    };
-    for (const Row& row : {
-             Row{"09 21 11 01 00 01 22 11 01", 0x0111},
-             Row{"0c 21 11 01 00 02 23 05 00 22 40 00", 0x40},
-             Row{"09 21 11 01 00 00 22 11 01", -1},
-             Row{"09 21 11 01 00 ff 23 11 01", -1},
-             Row{"09 21 11 01 00 01 22 11", -1},
-             Row{"09 21 11", -1},
-             Row{"", -1},
+    constexpr int none = -1;
+    for (const auto& [extra, expected] : {
+             std::pair{"09 21 11 01 00 01 22 11 01", 0x0111},
+             {"0c 21 11 01 00 02 23 05 00 22 40 00", 0x40},
+             {"09 21 11 01 00 00 22 11 01", none},
+             {"09 21 11 01 00 ff 23 11 01", none},
+             {"09 21 11 01 00 01 22 11", none},
+             {"09 21 11", none},
+             {"", none},
          }) {
-        const auto length = KX::AnnouncedDescriptorLength(bytesFromHex(row.extra));
-        EXPECT_EQ(length ? int{*length} : -1, row.length) << row.extra;
+        const auto length = KX::AnnouncedDescriptorLength(sim::fromHex(extra).value());
+        EXPECT_EQ(length ? int{*length} : none, expected) << extra;
     }
 }
 

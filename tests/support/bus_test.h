@@ -7,6 +7,7 @@
 #pragma once
 
 #include "profiles.h"
+#include "story.h"
 #include "usb_device.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +40,10 @@ protected:
     // those that came when the time is over.
     static Reports outputs(sim::UsbDevice& device, size_t count);
 
-    sim::UsbBus& bus() { return *bus_; }
+    // From now on each output report is an event of story_. Returns the device.
+    sim::UsbDevice& record(sim::UsbDevice& device);
+
+    Story story_;
 
 private:
     std::unique_ptr<sim::UsbBus> bus_;
