@@ -3,6 +3,7 @@
 #include <hidapi/hidapi.h>
 #include <umockdev.h>
 
+#include <algorithm>
 #include <thread>
 
 bool eventually(const std::function<bool()>& condition, std::chrono::milliseconds limit)
@@ -55,4 +56,11 @@ sim::UsbDevice& BusTest::record(sim::UsbDevice& device)
 {
     device.setOutputCallback([this](const Bytes& report) { story_.add(sim::toHex(report)); });
     return device;
+}
+
+std::string BusTest::storyLike(const std::string& expected)
+{
+    const auto events = std::count(expected.begin(), expected.end(), ';');
+    (void)eventually([&] { return story_.length() >= static_cast<size_t>(events); });
+    return story_.take();
 }

@@ -43,6 +43,10 @@ protected:
     // From now on each output report is an event of story_. Returns the device.
     sim::UsbDevice& record(sim::UsbDevice& device);
 
+    // Takes the story when it has as many events as `expected`, or what there is of it when the
+    // time is over.
+    std::string storyLike(const std::string& expected);
+
     Story story_;
 
 private:
