@@ -3,18 +3,13 @@
 #include "bus_test.h"
 #include "hidcontroller.h"
 #include "logrecorder.h"
-#include "qt_environment.h"
 
 #include <QCoreApplication>
 
-#include <map>
-#include <mutex>
+#include <cctype>
 #include <sstream>
-#include <thread>
 
 namespace {
-
-[[maybe_unused]] const auto* const qt = QtEnvironment<QCoreApplication>::add();
 
 const QString kSpeakerphone = QStringLiteral("0x0b0e-HID-0x0410#");  // "A" in stories
 const QString kLampPerReport = QStringLiteral("0x047f-HID-0xc056#"); // "B"
@@ -23,39 +18,12 @@ const QString kLampPerReport = QStringLiteral("0x047f-HID-0xc056#"); // "B"
 #define ONHOOK "03 00 00; 03 00 00; 03 00 00; "
 #define OFFHOOK "03 00 00; 03 01 00; "
 
-// What happened, in its order, from whichever thread; each event with "; " behind it.
-class Story {
-public:
-    void add(const std::string& event)
-    {
-        const std::lock_guard guard(mutex_);
-        text_ += event + "; ";
-        ++length_;
-    }
-    size_t length()
-    {
-        const std::lock_guard guard(mutex_);
-        return length_;
-    }
-    std::string take()
-    {
-        const std::lock_guard guard(mutex_);
-        length_ = 0;
-        return std::exchange(text_, {});
-    }
-
-private:
-    std::mutex mutex_;
-    std::string text_;
-    size_t length_ = 0;
-};
-
 class Controller : public BusTest {
 protected:
     void SetUp() override
     {
         BusTest::SetUp();
-        record(device_ = &plug("speakerphone"));
+        device_ = &record(plug("speakerphone"));
         auto* const lines = LogRecorder::instance().logListModel();
         QObject::connect(lines, &QStringListModel::dataChanged, &here_, [=, this](auto row) {
             QString line = lines->data(row).toString();
@@ -70,47 +38,34 @@ protected:
         BusTest::TearDown();
     }
 
-    void record(sim::UsbDevice* device)
-    {
-        device->setOutputCallback([this](const Bytes& report) { story_.add(sim::toHex(report)); });
-    }
-
-    // Adds "NAME+" or "NAME-" to the story when the property changes.
-    void record(
-        const char* name, void (HidController::*changed)(), bool (HidController::*get)() const)
-    {
-        QObject::connect(controller_.get(), changed, &here_,
-            [=, this] { story_.add(name + std::string((controller_.get()->*get)() ? "+" : "-")); });
-    }
-
-    // A controller with the speakerphone, and the meeting as `steps` have it.
+    // A controller with the speakerphone, and the meeting as `steps` have it. What the window sees
+    // change is in the story from then on.
     void start(const std::string& steps = "")
     {
         controller_ = std::make_unique<HidController>();
         controller_->selectDevice(kSpeakerphone);
         perform(steps);
         (void)story_.take();
-        record("mute", &HidController::sig_muteStateChanged, &HidController::muteState);
-        record("meeting", &HidController::sig_meetingStatusChanged, &HidController::meetingStatus);
-        record("ring", &HidController::sig_ringStateChanged, &HidController::ringState);
+        const HidController* const c = controller_.get();
+        QObject::connect(c, &HidController::sig_muteStateChanged, &here_,
+            [=, this] { story_.add(c->muteState() ? "mute+" : "mute-"); });
+        QObject::connect(c, &HidController::sig_meetingStatusChanged, &here_,
+            [=, this] { story_.add(c->meetingStatus() ? "meeting+" : "meeting-"); });
+        QObject::connect(c, &HidController::sig_ringStateChanged, &here_,
+            [=, this] { story_.add(c->ringState() ? "ring+" : "ring-"); });
     }
 
-    // Does each of the words: a button of the window; "command:N" or "state:KIND:VALUE", from the
-    // host; "REPORT:N", from the device, which the stack itself answers with N reports.
+    // Does each of the words: a button's slot without its "toggle"; "command:N" or
+    // "state:KIND:VALUE", from the host; "REPORT:N", from the device, which the stack itself
+    // answers with N reports.
     void perform(const std::string& words)
     {
-        static const std::map<std::string, void (HidController::*)()> buttons = {
-            {"Mute", &HidController::toggleMuteUnmute},
-            {"Pickup", &HidController::togglePickup},
-            {"Hangup", &HidController::toggleHangup},
-            {"Incoming", &HidController::toggleRing},
-        };
         std::istringstream stream(words);
         for (std::string word; stream >> word;) {
             unsigned number = 0;
             uint8_t value = 0;
-            if (const auto button = buttons.find(word); button != buttons.end())
-                (controller_.get()->*button->second)();
+            if (std::isupper(word.front()))
+                QMetaObject::invokeMethod(controller_.get(), ("toggle" + word).c_str());
             else if (sscanf(word.c_str(), "command:%u", &number) == 1)
                 call([&] { controller_->OnCommand(static_cast<KXCommand>(number), nullptr); });
             else if (sscanf(word.c_str(), "state:%u:%hhu", &number, &value) == 2)
@@ -120,12 +75,12 @@ protected:
         }
     }
 
-    // As the host does, on another thread.
+    // From the host. Nothing may happen before the GUI thread has its turn.
     void call(const std::function<void()>& callback)
     {
         const size_t before = story_.length();
-        std::thread(callback).join();
-        EXPECT_EQ(story_.length(), before) << "the GUI thread has not had its turn";
+        callback();
+        EXPECT_EQ(story_.length(), before);
         QCoreApplication::processEvents();
     }
 
@@ -141,53 +96,44 @@ protected:
         }));
     }
 
-    Story story_;
     sim::UsbDevice* device_ = nullptr;
     std::unique_ptr<HidController> controller_;
     QObject here_;
 };
 
-struct Step {
-    const char* before;
-    const char* step;
-    const char* story;
-};
-
+// What comes before, the step, and what comes of it.
 // clang-format off
-const Step kSteps[] = {
+constexpr const char* kSteps[][3] = {
     // From the window.
-    {"", "Mute Pickup Hangup", ""},
-    {"", "Incoming", RING "A Incoming Meeting; ring+; "},
-    {"Incoming", "Incoming", "A Incoming Meeting; "},
-    {"Incoming", "Mute", ""},
-    {"Incoming", "Hangup", ONHOOK "A Reject Meeting from UI; ring-; "},
-    {"Incoming", "Pickup", OFFHOOK "A Accept Meeting from UI; meeting+; ring-; "},
-    {"Incoming Pickup", "Pickup Hangup", ""},
-    {"Incoming Pickup", "Mute", "03 05 00; mute+; A Muted from UI; "},
-    {"Incoming Pickup Mute", "Mute", "03 01 00; mute-; A Unmuted from UI; "},
-    {"Incoming Pickup", "Incoming", "03 09 00; A In Meeting and Incoming a New Meeting; ring+; "},
-    {"Incoming Pickup Incoming", "Mute", "mute+; A Muted from UI; "},
-    {"Incoming Pickup Incoming", "Hangup",
+    {"", "MuteUnmute Pickup Hangup", ""},
+    {"", "Ring", RING "A Incoming Meeting; ring+; "},
+    {"Ring", "Ring", "A Incoming Meeting; "},
+    {"Ring", "MuteUnmute", ""},
+    {"Ring", "Hangup", ONHOOK "A Reject Meeting from UI; ring-; "},
+    {"Ring", "Pickup", OFFHOOK "A Accept Meeting from UI; meeting+; ring-; "},
+    {"Ring Pickup", "Pickup Hangup", ""},
+    {"Ring Pickup", "MuteUnmute", "03 05 00; mute+; A Muted from UI; "},
+    {"Ring Pickup MuteUnmute", "MuteUnmute", "03 01 00; mute-; A Unmuted from UI; "},
+    {"Ring Pickup", "Ring", "03 09 00; A In Meeting and Incoming a New Meeting; ring+; "},
+    {"Ring Pickup Ring", "MuteUnmute", "mute+; A Muted from UI; "},
+    {"Ring Pickup Ring", "Hangup",
         ONHOOK OFFHOOK "A In Meeting and Reject a New Meeting from UI; ring-; "},
-    {"Incoming Pickup Incoming", "Pickup",
+    {"Ring Pickup Ring", "Pickup",
         ONHOOK OFFHOOK "A In Meeting and Accept a New Meeting from UI; ring-; "},
     // From the host, whatever the meeting is.
     {"", "command:0", OFFHOOK "meeting+; A Accept Meeting from device; "},
     {"", "command:1", ONHOOK "A Reject Meeting from device; "},
-    {"Incoming", "command:2 command:255", ""},
+    {"Ring", "command:2 command:255", ""},
     {"", "state:0:2", "mute+; A Muted from device; "},
     {"", "state:0:0", "A Unmuted from device; "},
     {"", "state:1:1 state:2:1", ""},
     // From the device: first the stack's own answer.
-    {"Incoming", "030100:2",
-        OFFHOOK OFFHOOK "meeting+; A Accept Meeting from device; ring-; "},
-    {"Incoming", "030000:2",
-        "03 00 00; 03 00 00; " ONHOOK "A Reject Meeting from device; ring-; "},
-    {"Incoming Pickup", "030800:1", "03 05 00; mute+; A Muted from device; "},
-    {"Incoming Pickup Mute", "030800:1", "03 01 00; mute-; A Unmuted from device; "},
-    {"Incoming Pickup Incoming", "031100:2",
-        OFFHOOK OFFHOOK "A Accept Meeting from device; ring-; "},
-    {"Incoming Pickup Incoming", "030300:2",
+    {"Ring", "030100:2", OFFHOOK OFFHOOK "meeting+; A Accept Meeting from device; ring-; "},
+    {"Ring", "030000:2", "03 00 00; 03 00 00; " ONHOOK "A Reject Meeting from device; ring-; "},
+    {"Ring Pickup", "030800:1", "03 05 00; mute+; A Muted from device; "},
+    {"Ring Pickup MuteUnmute", "030800:1", "03 01 00; mute-; A Unmuted from device; "},
+    {"Ring Pickup Ring", "031100:2", OFFHOOK OFFHOOK "A Accept Meeting from device; ring-; "},
+    {"Ring Pickup Ring", "030300:2",
         OFFHOOK OFFHOOK "A In Meeting and Reject a New Meeting from device; ring-; "},
 };
 // clang-format on
@@ -201,50 +147,41 @@ TEST_F(Controller, EveryStepOfAMeeting)
     }
 }
 
-TEST_F(Controller, SelectsADeviceAndLeavesItOnHook)
+TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
 {
+    auto& other = record(plug("lamp-per-report"));
     controller_ = std::make_unique<HidController>();
     controller_->selectDevice(kSpeakerphone);
     EXPECT_EQ(story_.take(), ONHOOK "A KXHost Created; ");
     controller_->selectDevice(kSpeakerphone);
     EXPECT_EQ(story_.take(), "") << "the same again";
-    perform("Incoming");
-    EXPECT_EQ(story_.take(), RING "A Incoming Meeting; ");
-    controller_.reset();
-    EXPECT_EQ(story_.take(), ONHOOK);
-    EXPECT_FALSE(device_->claimed());
-}
-
-TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
-{
-    record(&plug("lamp-per-report"));
-    start("Incoming Pickup Mute");
+    start("Ring Pickup MuteUnmute");
+    controller_->selectDevice(QStringLiteral("gone")); // a host is there, its device is not
+    EXPECT_EQ(story_.take(), ONHOOK "A KXHost Destroyed; gone KXHost Created; ");
     controller_->selectDevice(kLampPerReport);
     EXPECT_EQ(story_.take(),
-        ONHOOK "A KXHost Destroyed; 18 00; 17 00; 20 00; B KXHost Created; 18 00; 17 01; 09 01; ");
-    controller_->selectDevice(QStringLiteral("gone")); // a host is there, its device is not
-    EXPECT_EQ(story_.take(), "18 00; 17 00; 20 00; B KXHost Destroyed; gone KXHost Created; ");
+        "gone KXHost Destroyed; "
+        "18 00; 17 00; 20 00; B KXHost Created; 18 00; 17 01; 09 01; ");
+    controller_.reset();
+    EXPECT_EQ(story_.take(), "18 00; 17 00; 20 00; ");
+    EXPECT_FALSE(other.claimed());
 }
 
-class WithoutFactory : public HidController {
-public:
-    WithoutFactory() { m_createHost = nullptr; }
-    void installFailing()
-    {
-        m_createHost = [](IKXHostCallback*) -> IKXHost* { return nullptr; };
-    }
+struct WithFactory : HidController {
+    using HidController::m_createHost;
 };
 
 TEST_F(Controller, WithoutAHostHearsNothingAndSendsNothing)
 {
-    auto* controller = new WithoutFactory;
+    auto* controller = new WithFactory;
     controller_.reset(controller);
+    controller->m_createHost = nullptr;
     EXPECT_FALSE(controller->createHost());
     controller_->selectDevice(kSpeakerphone);
-    perform("Incoming");
+    perform("Ring");
     EXPECT_EQ(story_.take(), " Incoming Meeting; ") << "not even the id is kept";
 
-    controller->installFailing();
+    controller->m_createHost = [](IKXHostCallback*) -> IKXHost* { return nullptr; };
     controller_->selectDevice(kSpeakerphone);
     perform("command:0 state:0:1 Pickup");
     EXPECT_EQ(story_.take(), "A Accept Meeting from UI; ");

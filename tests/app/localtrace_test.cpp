@@ -11,66 +11,50 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class LocalTrace : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string name = testing::TempDir() + "kelprobe-XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        directory_ = name;
-    }
-    void TearDown() override
-    {
-        unsetenv("RKB_HOME");
-        fs::remove_all(directory_);
-    }
-
-    // A home with a logs directory that holds a trace of eight bytes.
-    fs::path makeHome(const fs::path& name) const
-    {
-        fs::path home = directory_ / name;
-        fs::create_directories(home / "logs");
-        std::ofstream(home / "logs/kxhost.log") << "earlier\n";
-        return home;
-    }
-
-    // As the host does it.
-    static void resetWith(const fs::path& home)
-    {
-        setenv("RKB_HOME", home.c_str(), 1);
-        IKXHost* host = CreateKXHost(&HidController::instance());
-        host->ResetTrace();
-        DestroyKXHost(host);
-    }
-
-    fs::path directory_;
-};
-
-TEST_F(LocalTrace, ResetEmptiesOrCreatesTheFileOfAHomeWithLogs)
+// Makes a home of this path with a trace of eight bytes. Returns the trace's path.
+fs::path makeHome(const fs::path& home)
 {
-    const fs::path home = makeHome("home");
+    fs::create_directories(home / "logs");
+    std::ofstream(home / "logs/kxhost.log") << "earlier\n";
+    return home / "logs/kxhost.log";
+}
+
+// As the host does it.
+void resetWith(const fs::path& home)
+{
+    setenv("RKB_HOME", home.c_str(), 1);
+    IKXHost* host = CreateKXHost(&HidController::instance());
+    host->ResetTrace();
+    DestroyKXHost(host);
+    unsetenv("RKB_HOME");
+}
+
+TEST(LocalTrace, ResetEmptiesOrCreatesTheFileOfAHomeWithLogs)
+{
+    std::string directory = testing::TempDir() + "kelprobe-XXXXXX";
+    ASSERT_NE(mkdtemp(directory.data()), nullptr);
+    const fs::path home = fs::path(directory) / "home";
+    const fs::path trace = makeHome(home);
     KX::Trace(KX::kTraceError, "dropped");
-    EXPECT_EQ(fs::file_size(home / "logs/kxhost.log"), 8u);
+    EXPECT_EQ(fs::file_size(trace), 8u);
     resetWith(home);
-    EXPECT_EQ(fs::file_size(home / "logs/kxhost.log"), 0u);
-    fs::remove(home / "logs/kxhost.log");
+    EXPECT_EQ(fs::file_size(trace), 0u);
+    fs::remove(trace);
     resetWith(home);
-    EXPECT_EQ(fs::file_size(home / "logs/kxhost.log"), 0u);
+    EXPECT_TRUE(fs::exists(trace));
     fs::remove_all(home / "logs");
     resetWith(home);
     EXPECT_TRUE(fs::is_empty(home));
-}
 
-TEST_F(LocalTrace, ResetLeavesAPathOf256BytesAlone)
-{
-    const std::string file = "/logs/kxhost.log";
-    const size_t rest = 255 - file.size() - (directory_.string().size() + 1);
-    const fs::path fits = makeHome(std::string(rest, 'x'));
-    const fs::path tooLong = makeHome(std::string(rest + 1, 'x'));
-    resetWith(fits);
-    resetWith(tooLong);
-    EXPECT_EQ(fs::file_size(fits.string() + file), 0u);
-    EXPECT_EQ(fs::file_size(tooLong.string() + file), 8u);
+    // A path of 256 bytes is one too many.
+    const size_t others = directory.size() + std::string("//logs/kxhost.log").size();
+    for (const size_t length : {255u, 256u}) {
+        const fs::path longHome = fs::path(directory) / std::string(length - others, 'x');
+        const fs::path longTrace = makeHome(longHome);
+        resetWith(longHome);
+        EXPECT_EQ(fs::file_size(longTrace), length == 255 ? 0u : 8u);
+    }
+    fs::remove_all(directory);
 }
 
 } // namespace
