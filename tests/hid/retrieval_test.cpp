@@ -50,6 +50,7 @@ TEST_F(Retrieval, GoesByTheFirstReportEntryOfTheHidDescriptor)
              {{}, 0},
          }) {
         info.classDescriptors = listed;
+        info.interfaceNumber = 3;
         auto& device = plug(info);
         EXPECT_EQ(retrieve(device.hidPath()).size(), size);
         device.unplug();

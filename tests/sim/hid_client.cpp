@@ -1,5 +1,5 @@
-// A program that knows nothing of the simulation, to be run by kelprobe-sim:
-// opens the HID device VVVV:PPPP and takes the steps that its arguments name.
+// A program that knows nothing of the simulation, to be run by kelprobe-sim: takes with the
+// speakerphone the steps that its arguments name.
 //
 // open       open the device, in ten seconds  w HEX  write the report
 // fail       opening must fail               r HEX  wait for the report, which must be this one
@@ -9,78 +9,53 @@
 #include "hid_handle.h"
 
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <thread>
 
 namespace {
 
-sim::Bytes bytes(const char* text)
+Hid hid;
+
+bool open()
 {
-    return text ? sim::fromHex(text).value_or(sim::Bytes{}) : sim::Bytes{};
+    hid.reset();
+    hid.reset(hid_open(0x0b0e, 0x0410, nullptr));
+    return hid != nullptr;
 }
 
-class Client {
-public:
-    Client(const char* vendor, const char* product)
-        : vendor_(static_cast<uint16_t>(strtoul(vendor, nullptr, 16)))
-        , product_(static_cast<uint16_t>(strtoul(product, nullptr, 16)))
-    {
-    }
+// A device that was unplugged is back only after a while.
+bool openEventually()
+{
+    for (int tries = 0; tries < 1000 && !open(); ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return hid != nullptr;
+}
 
-    // `argument` is the one behind the step's name.
-    bool take(const std::string& step, const char* argument)
-    {
-        if (step == "open")
-            return openEventually();
-        if (step == "fail")
-            return !open();
-        if (step == "gone")
-            return readReport(hid_).empty() && hid_read_timeout(hid_.get(), nullptr, 0, 0) == -1;
-        if (step == "w")
-            return writeReport(hid_, bytes(argument));
-        if (step == "r")
-            return readReport(hid_) == bytes(argument);
-        return step == "kill" && std::raise(SIGKILL);
-    }
-
-private:
-    bool open()
-    {
-        hid_.reset();
-        hid_.reset(hid_open(vendor_, product_, nullptr));
-        return hid_ != nullptr;
-    }
-
-    // A device that was unplugged is back only after a while.
-    bool openEventually()
-    {
-        for (int tries = 0; tries < 1000 && !open(); ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return hid_ != nullptr;
-    }
-
-    const uint16_t vendor_;
-    const uint16_t product_;
-    Hid hid_;
-};
+// Takes a step; `next` points to the argument behind its name.
+bool take(const std::string& step, char**& next)
+{
+    if (step == "open")
+        return openEventually();
+    if (step == "fail")
+        return !open();
+    if (step == "gone")
+        return readReport(hid).empty() && hid_read_timeout(hid.get(), nullptr, 0, 0) == -1;
+    if (step == "kill")
+        return std::raise(SIGKILL) == 0;
+    const sim::Bytes report = sim::fromHex(*next++).value();
+    return step == "w" ? writeReport(hid, report) : readReport(hid) == report;
+}
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int, char** argv)
 {
-    if (argc < 3)
-        return 1;
-    Client client(argv[1], argv[2]);
-    for (int i = 3; i < argc; ++i) {
-        const std::string step = argv[i];
-        const bool hasArgument = step == "w" || step == "r";
-        if (!client.take(step, argv[i + 1])) {
-            fprintf(stderr, "client: argument %d, %s, failed\n", i, argv[i]);
-            return i;
+    for (char** next = argv + 1; *next;) {
+        char** const step = next++;
+        if (!take(*step, next)) {
+            fprintf(stderr, "client: %s failed\n", *step);
+            return static_cast<int>(step - argv);
         }
-        i += hasArgument ? 1 : 0;
     }
     return 0;
 }

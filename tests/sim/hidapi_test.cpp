@@ -19,12 +19,11 @@ protected:
         std::vector<std::wstring> lines;
         hid_device_info* const all = hid_enumerate(0, 0);
         for (const hid_device_info* i = all; i; i = i->next) {
-            const auto text = [](const wchar_t* string) {
-                return string && *string ? std::wstring(string) : std::wstring(L"?");
-            };
+            const auto text
+                = [](const wchar_t* string) { return string && *string ? string : L"?"; };
             wchar_t line[200];
             swprintf(line, std::size(line), L"%s %04x:%04x %ls, %ls", i->path, i->vendor_id,
-                i->product_id, text(i->product_string).c_str(), text(i->serial_number).c_str());
+                i->product_id, text(i->product_string), text(i->serial_number));
             lines.emplace_back(line);
         }
         hid_free_enumeration(all);
@@ -32,6 +31,13 @@ protected:
         return lines;
     }
     using Lines = std::vector<std::wstring>;
+
+    static Hid opened(const sim::UsbDevice& device)
+    {
+        Hid hid = openHid(device);
+        EXPECT_TRUE(hid);
+        return hid;
+    }
 };
 
 TEST_F(HidapiOnBus, ListsWhatIsPluggedIn)
@@ -64,8 +70,7 @@ TEST_F(HidapiOnBus, ReadsAndWritesWithEveryProfile)
         SCOPED_TRACE(profile.name);
         sim::UsbDevice& device = plug(profile.name);
         EXPECT_FALSE(device.inject({3, 1, 0})) << "the kernel's driver has it";
-        const Hid hid = openHid(device);
-        ASSERT_TRUE(hid);
+        const Hid hid = opened(device);
         EXPECT_FALSE(device.driverBound());
 
         const bool numbered = profile.name != "no-report-ids";
@@ -76,6 +81,10 @@ TEST_F(HidapiOnBus, ReadsAndWritesWithEveryProfile)
         EXPECT_TRUE(writeReport(hid, output));
         EXPECT_EQ(device.takeOutputs(), Reports{output}) << "there before hid_write() returned";
         EXPECT_EQ(hid_get_input_report(hid.get(), Bytes(3).data(), 3), -1) << "stalls";
+        device.faults().failWrite.arm(2);
+        for (const bool arrives : {false, false, true})
+            EXPECT_EQ(writeReport(hid, output), arrives);
+        EXPECT_EQ(device.takeOutputs(), Reports{output});
     }
 }
 
@@ -83,8 +92,7 @@ TEST_F(HidapiOnBus, ClosingGivesTheDeviceBack)
 {
     sim::UsbDevice& device = plug();
     for (int i = 1; i <= 3; ++i) {
-        const Hid hid = openHid(device);
-        ASSERT_TRUE(hid);
+        const Hid hid = opened(device);
         EXPECT_FALSE(openHid(device)) << "a second client is refused";
         EXPECT_EQ(device.counters().claims, i);
     }
@@ -97,9 +105,8 @@ TEST_F(HidapiOnBus, KeepsTwoDevicesApart)
 {
     sim::UsbDevice& one = plug("speakerphone");
     sim::UsbDevice& two = plug("speakerphone");
-    const Hid hidOne = openHid(one);
-    const Hid hidTwo = openHid(two);
-    ASSERT_TRUE(hidOne && hidTwo);
+    const Hid hidOne = opened(one);
+    const Hid hidTwo = opened(two);
     ASSERT_TRUE(one.inject({3, 1, 0}) && two.inject({3, 2, 0}));
     EXPECT_EQ(readReport(hidTwo), (Bytes{3, 2, 0}));
     EXPECT_EQ(readReport(hidOne), (Bytes{3, 1, 0}));
@@ -110,49 +117,34 @@ TEST_F(HidapiOnBus, KeepsTwoDevicesApart)
 
 TEST_F(HidapiOnBus, FloodsArriveInOrder)
 {
-    constexpr int kReports = 2000;
-    constexpr int kUnread = 20; // hidapi drops what is more than 30 behind
+    constexpr size_t kReports = 2000;
+    constexpr size_t kUnread = 20; // hidapi drops what is more than 30 behind
     sim::UsbDevice& device = plug();
-    const Hid hid = openHid(device);
-    ASSERT_TRUE(hid);
-    for (int begin = 0; begin < kReports; begin += kUnread) {
-        for (int i = begin; i < begin + kUnread; ++i)
-            ASSERT_TRUE(device.inject({3, sim::highByte(size_t(i)), sim::lowByte(size_t(i))}));
+    const Hid hid = opened(device);
+    const auto report = [](size_t i) { return Bytes{3, sim::highByte(i), sim::lowByte(i)}; };
+    for (size_t begin = 0; begin < kReports; begin += kUnread) {
+        for (size_t i = begin; i < begin + kUnread; ++i)
+            ASSERT_TRUE(device.inject(report(i)));
         ASSERT_TRUE(device.waitUntilRead());
-        for (int i = begin; i < begin + kUnread; ++i)
-            ASSERT_EQ(
-                readReport(hid), (Bytes{3, sim::highByte(size_t(i)), sim::lowByte(size_t(i))}));
+        for (size_t i = begin; i < begin + kUnread; ++i)
+            ASSERT_EQ(readReport(hid), report(i));
     }
-}
-
-TEST_F(HidapiOnBus, AFloodThatOverrunsHidapiLeavesTheNewest)
-{
-    sim::UsbDevice& device = plug();
-    const Hid hid = openHid(device);
-    ASSERT_TRUE(hid);
-    const Bytes last = {3, 0xff, 0xff};
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_TRUE(device.inject({3, 0, 0}));
-    ASSERT_TRUE(device.inject(last));
+    // One that overruns hidapi leaves the newest.
+    for (size_t i = 0; i <= kReports; ++i)
+        ASSERT_TRUE(device.inject(report(i)));
     ASSERT_TRUE(device.waitUntilRead());
     int reports = 1;
-    while (readReport(hid) != last)
+    while (readReport(hid) != report(kReports))
         ASSERT_LE(++reports, 40);
 }
 
 TEST_F(HidapiOnBus, UnplugEndsABlockedReadAndAllLaterCalls)
 {
     sim::UsbDevice& device = plug();
-    Hid hid = openHid(device);
-    ASSERT_TRUE(hid);
-    std::atomic<bool> ended = false;
-    std::thread reader([&] {
-        EXPECT_EQ(readReport(hid), Bytes{});
-        ended = true;
-    });
+    Hid hid = opened(device);
+    std::thread reader([&] { EXPECT_EQ(readReport(hid), Bytes{}); });
     device.unplug();
     reader.join();
-    EXPECT_TRUE(ended);
     EXPECT_EQ(hid_read_timeout(hid.get(), Bytes(64).data(), 64, 0), -1);
     EXPECT_FALSE(writeReport(hid, {3, 8, 0}));
     EXPECT_FALSE(device.inject({3, 1, 0}));
@@ -168,8 +160,7 @@ TEST_F(HidapiOnBus, UnplugEndsABlockedReadAndAllLaterCalls)
 TEST_F(HidapiOnBus, AnOutputCallbackMayInjectAndUnplug)
 {
     sim::UsbDevice& device = plug();
-    const Hid hid = openHid(device);
-    ASSERT_TRUE(hid);
+    const Hid hid = opened(device);
     device.setOutputCallback([&](const Bytes& report) {
         if (report[1] == 1)
             device.inject(report);
@@ -186,12 +177,8 @@ TEST_F(HidapiOnBus, AnOutputCallbackMayInjectAndUnplug)
 TEST_F(HidapiOnBus, RefusalsFailTheOpenUntilTheyEnd)
 {
     sim::UsbDevice& device = plug();
-    device.faults().refuseClaim.arm(1);
-    EXPECT_FALSE(openHid(device));
-    EXPECT_TRUE(openHid(device)) << "only the first claim was refused";
     for (sim::Fault* fault : {&device.faults().refuseClaim, &device.faults().refuseDetach}) {
         fault->arm();
-        EXPECT_FALSE(openHid(device));
         EXPECT_FALSE(openHid(device));
         device.faults().clear();
         EXPECT_TRUE(openHid(device));
@@ -204,21 +191,6 @@ TEST_F(HidapiOnBus, RefusalsFailTheOpenUntilTheyEnd)
     EXPECT_FALSE(openHid(device)) << "that outlasts unplugging";
     device.setOpenable(true);
     EXPECT_TRUE(openHid(device));
-}
-
-TEST_F(HidapiOnBus, FailingWritesReachTheProgramAndNotTheDevice)
-{
-    for (const char* profile : {"speakerphone", "no-out-endpoint"}) {
-        SCOPED_TRACE(profile);
-        sim::UsbDevice& device = plug(profile);
-        const Hid hid = openHid(device);
-        ASSERT_TRUE(hid);
-        device.faults().failWrite.arm(2);
-        EXPECT_FALSE(writeReport(hid, {3, 1, 0}));
-        EXPECT_FALSE(writeReport(hid, {3, 2, 0}));
-        EXPECT_TRUE(writeReport(hid, {3, 3, 0}));
-        EXPECT_EQ(device.takeOutputs(), (Reports{{3, 3, 0}}));
-    }
 }
 
 } // namespace

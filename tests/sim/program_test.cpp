@@ -1,15 +1,18 @@
-#include "sim_process.h"
-
+// kelprobe-sim as a process, its input and output.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <sys/wait.h>
+
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-using Words = std::vector<std::string>;
 
 class KelprobeSim : public testing::Test {
 protected:
@@ -17,132 +20,158 @@ protected:
     {
         directory_ = "/tmp/simXXXXXX"; // short: sockets have their places in it
         ASSERT_NE(mkdtemp(directory_.data()), nullptr);
+        ASSERT_EQ(mkfifo(fifo().c_str(), 0600), 0);
+        setenv("TMPDIR", directory_.c_str(), 1);
     }
     void TearDown() override
     {
+        fs::remove(fifo());
         EXPECT_TRUE(fs::is_empty(directory_)) << "a bus was left behind";
         fs::remove_all(directory_);
     }
 
-    // The client with the speakerphone, unless there are other profiles.
-    SimProcess run(const Words& steps, Words profiles = {}, const std::string& device = "0b0e 0410")
+    // Starts it with arguments as for a shell; the one before must have ended.
+    void start(const std::string& arguments)
     {
-        Words arguments = {"run"};
-        arguments.insert(arguments.end(), profiles.begin(), profiles.end());
-        arguments.insert(
-            arguments.end(), {"--", KELPROBE_SIM_CLIENT, device.substr(0, 4), device.substr(5)});
-        arguments.insert(arguments.end(), steps.begin(), steps.end());
-        return SimProcess(arguments, directory_);
+        const std::string command = "exec <" + fifo() + "; echo $$; exec " KELPROBE_SIM " ";
+        output_ = popen((command + arguments).c_str(), "r");
+        input_ = fopen(fifo().c_str(), "w");
+        pid_ = std::stoi(line());
     }
-    SimProcess runProgram(const Words& arguments) { return SimProcess(arguments, directory_); }
+    // The client with the speakerphone, unless there are other profiles.
+    void startClient(const std::string& steps, const std::string& profiles = "")
+    {
+        start("run " + profiles + " -- " KELPROBE_SIM_CLIENT " " + steps);
+    }
+
+    void command(const std::string& text)
+    {
+        fprintf(input_, "%s\n", text.c_str());
+        fflush(input_);
+    }
+    void endInput() { input_ = freopen("/dev/null", "w", input_); }
+
+    // The next line of standard output; "end" behind the last.
+    std::string line()
+    {
+        char text[500];
+        if (!fgets(text, sizeof text, output_))
+            return "end";
+        return std::string(text, strcspn(text, "\n"));
+    }
+
+    // Of its end, which it is to come to by itself.
+    int exitStatus()
+    {
+        while (line() != "end") { }
+        const int status = pclose(output_);
+        fclose(input_);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string fifo() const { return directory_ + "/in"; }
+
+    pid_t pid_ = -1;
 
 private:
     std::string directory_;
+    FILE* input_ = nullptr;
+    FILE* output_ = nullptr;
 };
 
 TEST_F(KelprobeSim, TellsOfLampsAndPresses)
 {
-    SimProcess sim = run({"open", "w", "030000", "w", "030800", "r", "030100", "w", "030000", "w",
-        "030100", "r", "030900", "r", "030100", "w", "030500", "gone"});
-    EXPECT_EQ(sim.line(), "no change           03 00 00");
-    EXPECT_EQ(sim.line(), "ring lamp on        03 08 00");
-    sim.command("hook");
-    EXPECT_EQ(sim.line(), "hook switch pressed 03 01 00");
-    EXPECT_EQ(sim.line(), "ring lamp off       03 00 00");
-    EXPECT_EQ(sim.line(), "off-hook lamp on    03 01 00");
-    sim.command("mute");
-    EXPECT_EQ(sim.line(), "mute pressed        03 09 00");
-    EXPECT_EQ(sim.line(), "mute released       03 01 00");
-    EXPECT_EQ(sim.line(), "mute lamp on        03 05 00");
-    sim.endInput();
-    sim.signal(SIGTERM);
-    EXPECT_EQ(sim.exitStatus(), 128 + SIGTERM);
+    startClient(
+        "open w 030000 w 030800 r 030100 w 030000 w 030100 r 030900 r 030100 w 030500 gone");
+    EXPECT_EQ(line(), "no change           03 00 00");
+    EXPECT_EQ(line(), "ring lamp on        03 08 00");
+    command("hook");
+    EXPECT_EQ(line(), "hook switch pressed 03 01 00");
+    EXPECT_EQ(line(), "ring lamp off       03 00 00");
+    EXPECT_EQ(line(), "off-hook lamp on    03 01 00");
+    command("mute");
+    EXPECT_EQ(line(), "mute pressed        03 09 00");
+    EXPECT_EQ(line(), "mute released       03 01 00");
+    EXPECT_EQ(line(), "mute lamp on        03 05 00");
+    endInput();
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
 }
 
 TEST_F(KelprobeSim, AnswersEveryCommand)
 {
-    SimProcess sim = runProgram({"run", "speakerphone", "webcam", "--", "sleep", "60"});
-    const struct {
-        const char* command;
-        std::vector<const char*> answers;
-    } cases[] = {
-        {"raw 01 02", {"1: raw report          01 02  (no program listens)"}},
-        {" 1 : hook off ", {"1: hook switch pressed 03 01 00  (no program listens)"}},
-        {"", {}},
-        {"2:mute\r",
-            {"2: mute pressed        08 01  (no program listens)",
-                "2: mute released       08 00  (no program listens)"}},
-        {"2: flash", {"2: the device has no such button"}},
-        {"3: mute", {"1: no such device"}},
-        {"x: mute", {"1: no such device"}},
-        {"raw 0", {"1: not understood: raw 0 (try help)"}},
-        {"dance", {"1: not understood: dance (try help)"}},
-        {"hook up", {"1: not understood: hook up (try help)"}},
-        {"fault claim x", {"1: not understood: fault claim x (try help)"}},
-        {"fault short", {"1: not understood: fault short (try help)"}},
-        {"fault write 3", {"1: fault write 3"}},
-        {"fault flood 2147483647", {"1: fault flood 2147483647"}},
-        {"fault none", {"1: fault none"}},
-        {"unplug", {"1: unplugged"}},
-        {"replug", {"1: plugged in"}},
-    };
-    for (const auto& testCase : cases) {
-        sim.command(testCase.command);
-        for (const char* answer : testCase.answers)
-            EXPECT_EQ(sim.line(), answer) << testCase.command;
+    start("run speakerphone webcam -- sleep 60");
+    for (const auto& [words, answer] : {
+             std::pair{"raw 01 02", "1: raw report          01 02  (no program listens)"},
+             {" 1 : hook off ", "1: hook switch pressed 03 01 00  (no program listens)"},
+             {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
+             {"", "2: mute released       08 00  (no program listens)"}, // of the one before
+             {"2: flash", "2: the device has no such button"},
+             {"3: mute", "1: no such device"},
+             {"0: mute", "1: no such device"},
+             {"x: mute", "1: no such device"},
+             {"raw 0", "1: not understood: raw 0 (try help)"},
+             {"dance", "1: not understood: dance (try help)"},
+             {"hook up", "1: not understood: hook up (try help)"},
+             {"fault claim x", "1: not understood: fault claim x (try help)"},
+             {"fault short", "1: not understood: fault short (try help)"},
+             {"fault write 3", "1: fault write 3"},
+             {"fault flood 2147483647", "1: fault flood 2147483647"},
+             {"fault none", "1: fault none"},
+             {"unplug", "1: unplugged"},
+             {"replug", "1: plugged in"},
+             {"help", R"(Commands, a line each; "2: mute" is for the second device:)"},
+         }) {
+        command(words);
+        EXPECT_EQ(line(), answer) << words;
     }
-    sim.command("help");
-    EXPECT_EQ(sim.line().value_or("").substr(0, 8), "Commands");
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
 }
 
 TEST_F(KelprobeSim, FaultsReachTheProgram)
 {
-    for (const char* fault : {"claim", "detach", "open"}) {
-        SimProcess sim = run({"open", "w", "030000", "r", "01", "fail"});
-        ASSERT_TRUE(sim.line()) << "the program listens";
-        sim.command(std::string("fault ") + fault);
-        sim.command("raw 01");
-        EXPECT_EQ(sim.exitStatus(), 0) << fault;
+    for (const std::string fault : {"claim", "detach", "open"}) {
+        startClient("open w 030000 r 01 fail");
+        EXPECT_NE(line(), "end") << "the program listens";
+        command("fault " + fault);
+        command("raw 01");
+        EXPECT_EQ(exitStatus(), 0) << fault;
     }
 }
 
 TEST_F(KelprobeSim, ADeviceComesBack)
 {
-    SimProcess sim
-        = run({"open", "w", "030000", "gone", "open", "w", "030800"}, {"webcam", "speakerphone"});
-    EXPECT_EQ(sim.line(), "2: no change           03 00 00");
-    sim.command("2: replug");
-    EXPECT_EQ(sim.rest(), "2: plugged in\n2: ring lamp on        03 08 00\n");
-    EXPECT_EQ(sim.exitStatus(), 0);
+    startClient("open w 030000 gone open w 030800", "webcam speakerphone");
+    EXPECT_EQ(line(), "2: no change           03 00 00");
+    command("2: replug");
+    EXPECT_EQ(line(), "2: plugged in");
+    EXPECT_EQ(line(), "2: ring lamp on        03 08 00");
+    EXPECT_EQ(exitStatus(), 0);
 }
 
 TEST_F(KelprobeSim, AKilledProgramLeavesTheDeviceUsable)
 {
-    const std::string client = std::string(KELPROBE_SIM_CLIENT) + " 0b0e 0410 open ";
-    SimProcess sim = runProgram({"run", "--", "sh", "-c", client + "kill; " + client + "w 030800"});
-    EXPECT_EQ(sim.rest(), "ring lamp on        03 08 00\n");
-    EXPECT_EQ(sim.exitStatus(), 0);
+    start(
+        "run -- sh -c '" KELPROBE_SIM_CLIENT " open kill; " KELPROBE_SIM_CLIENT " open w 030800'");
+    EXPECT_EQ(line(), "ring lamp on        03 08 00");
+    EXPECT_EQ(exitStatus(), 0);
 }
 
 TEST_F(KelprobeSim, EndsAsTheProgramDoes)
 {
-    const struct {
-        Words arguments;
-        int status;
-    } cases[] = {
-        {{"run", "--", "sh", "-c", "exit 37"}, 37},
-        {{"run", "--", "sh", "-c", "kill -KILL $$"}, 128 + SIGKILL},
-        {{"run", "--", "no-such-program"}, 127},
-        {{"run", "--", "/"}, 126},
-        {{"run", "no-such-profile", "--", "true"}, 2},
-        {{"run", "speakerphone"}, 2},
-        {{"help"}, 0},
-        {{}, 2},
-    };
-    for (const auto& testCase : cases) {
-        SimProcess sim = runProgram(testCase.arguments);
-        sim.endInput();
-        EXPECT_EQ(sim.exitStatus(), testCase.status) << testing::PrintToString(testCase.arguments);
+    for (const auto& [arguments, status] : {
+             std::pair{"run -- sh -c 'exit 37'", 37},
+             {"run -- sh -c 'kill -KILL $$'", 128 + SIGKILL},
+             {"run -- no-such-program", 127},
+             {"run -- /", 126},
+             {"run no-such-profile -- true", 2},
+             {"run speakerphone", 2},
+             {"help", 0},
+             {"", 2},
+         }) {
+        start(arguments);
+        EXPECT_EQ(exitStatus(), status) << arguments;
     }
 }
 
