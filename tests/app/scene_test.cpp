@@ -138,8 +138,8 @@ TEST_F(Scene, FollowsAMeetingAndListsItsLog)
     EXPECT_EQ(text(kLine + ".selectedText"), "KXHost");
     click("id_clearlog");
     EXPECT_EQ(text("id_line4.count"), "0");
-    click("id_incoming");
-    EXPECT_EQ(text("id_line4.count"), "1");
+    QTest::mouseDClick(window_, Qt::LeftButton, {}, middle("id_incoming"));
+    EXPECT_EQ(text("id_line4.count"), "2") << "both presses count";
 }
 
 TEST_F(Scene, ADeviceIsChosenFromTheList)
@@ -164,12 +164,10 @@ TEST_F(Scene, ADevicesNamesAreNoMarkup)
     plug(info);
     open();
     click(kChoice);
-    const auto* const row = item("id_line2.children[1].popup.contentItem.itemAt(20, 20)");
-    ASSERT_TRUE(row);
-    EXPECT_EQ(window_->grabWindow().isNull(), false);
-    const auto* const shown = row->property("contentItem").value<QQuickItem*>();
-    EXPECT_EQ(shown->property("text"), item(kChoice)->property("displayText"));
-    EXPECT_EQ(shown->property("textFormat"), QVariant(Qt::PlainText));
+    const std::string row = kChoice + ".popup.contentItem.itemAt(20, 20).contentItem";
+    EXPECT_EQ(text(row + ".text"), text(kChoice + ".displayText"));
+    EXPECT_EQ(value(row + ".textFormat"), QVariant(Qt::PlainText));
+    EXPECT_FALSE(window_->grabWindow().isNull()); // drawing it loads no image
 }
 
 TEST_F(Scene, IsLaidOutAndDrawn)
