@@ -60,14 +60,15 @@ TEST_F(Devices, ChoosingARowSelectsTheIdOfItsLine)
     for (const int outside : {-1, 3, INT_MAX, INT_MIN})
         manager.slt_onSelectDevice(outside);
     EXPECT_EQ(log(), "");
-    std::string before = "none";
+    QString before = QStringLiteral("none");
     for (int row = 0; row < 3; ++row) {
         const QString line = manager.deviceListModel()->stringList()[row];
-        const std::string id
+        const QString id
             = line.startsWith(u"046d:0944 ") ? "0x046d-HID-0x0944#" : "0x0b0e-HID-0x0410#";
         manager.slt_onSelectDevice(row);
-        EXPECT_EQ(log(), // rows of one vendor and product share a host
-            id == before ? "" : before + " KXHost Destroyed; " + id + " KXHost Created");
+        const QString change = QStringLiteral("%1 KXHost Destroyed; %2 KXHost Created");
+        // Rows of one vendor and product share a host.
+        EXPECT_EQ(log(), id == before ? "" : change.arg(before, id).toStdString());
         before = id;
     }
     QMetaObject::invokeMethod(&manager, "slt_onSelectDevice"); // the first, by default

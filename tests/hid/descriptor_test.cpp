@@ -126,9 +126,9 @@ TEST(Descriptor, AReportLargerThanUsbCanDescribeIsNotFound)
         = [&](const std::string& field) { return Input(begin + field + "8102 c0", 0x20).size(); };
     EXPECT_EQ(size("97fdff0000 7508"), 65535u);
     EXPECT_EQ(size("97feff0000 7508"), 0u);
-    for (const std::string bits : {"ffffff7f", "ffffffff", "00000080"})
-        for (const std::string count : {"ffffff7f", "ffffffff", "00000080"})
-            EXPECT_LE(size("97" + count + "77" + bits), 65535u) << bits << count;
+    for (const char* count : {"97ffffff7f", "97ffffffff", "9700000080"})
+        for (const char* bits : {"77ffffff7f", "77ffffffff", "7700000080"})
+            EXPECT_LE(size(std::string(count).append(bits)), 65535u) << count << bits;
 
     std::string many = begin + "77ffffff7f 97ffffff7f";
     for (int i = 0; i < 30'000; ++i)
