@@ -57,9 +57,11 @@ TEST_F(MediaConfig, WithoutAFileAnswersDefaultsAndBuildsNoEnvironment)
     EXPECT_EQ(media_config_t().build_environment(&untouched), 0);
     EXPECT_EQ(untouched, &none);
     media_config_t::free_environment(nullptr);
-    setenv("MIVOMEDIA_INI_PATH", "/no/such/file", 1);
-    EXPECT_EQ(answers(), defaults);
-    EXPECT_EQ(environment(), "MIVOMEDIA_INI_PATH=/no/such/file|");
+    for (const std::string path : {"/no/such/file", ""}) {
+        setenv("MIVOMEDIA_INI_PATH", path.c_str(), 1);
+        EXPECT_EQ(answers(), defaults);
+        EXPECT_EQ(environment(), "MIVOMEDIA_INI_PATH=" + path + "|");
+    }
 }
 
 TEST_F(MediaConfig, AnswersWhatTheFileSaysWithinItsRanges)
