@@ -156,6 +156,7 @@ TEST_F(KelprobeSim, AKilledProgramLeavesTheDeviceUsable)
 {
     start(
         "run -- sh -c '" KELPROBE_SIM_CLIENT " open kill; " KELPROBE_SIM_CLIENT " open w 030800'");
+    endInput(); // which does not end the program
     EXPECT_EQ(line(), "ring lamp on        03 08 00");
     EXPECT_EQ(exitStatus(), 0);
 }
