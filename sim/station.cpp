@@ -53,8 +53,8 @@ void Station::unplug()
 void Station::replug()
 {
     device_.unplug();
+    say("plugged in"); // first: the program may light a lamp at once
     device_.plug();
-    say("plugged in");
 }
 
 bool Station::setFault(std::string_view name, std::optional<int> number)
