@@ -64,9 +64,8 @@ void in_threads(size_t threads, const routine_t& routine)
 void write_lines(int file, size_t lines)
 {
     constexpr std::string_view line
-        = "11/21/2026 14:44:39:022\tBENCH\t[7394:7394:709425152]\tINFO\treport read, vendor = "
-          "2830, "
-          "product = 1040, sequence = 1000, path = /dev/hidraw3\n";
+        = "11/21/2026 14:44:39:022\tBENCH\t[7394:7394:709425152]\tINFO\t"
+          "report read, vendor = 2830, product = 1040, sequence = 1000, path = /dev/hidraw3\n";
     for (size_t i = 0; i < lines; ++i)
         bench::keep(write(file, line.data(), line.size()));
 }

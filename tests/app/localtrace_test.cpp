@@ -1,4 +1,5 @@
 #include "hidcontroller.h"
+#include "temp_directory.h"
 #include "trace.h"
 
 #include <gtest/gtest.h>
@@ -31,9 +32,8 @@ void resetWith(const fs::path& home)
 
 TEST(LocalTrace, ResetEmptiesOrCreatesTheFileOfAHomeWithLogs)
 {
-    std::string directory = testing::TempDir() + "kelprobe-XXXXXX";
-    ASSERT_NE(mkdtemp(directory.data()), nullptr);
-    const fs::path home = fs::path(directory) / "home";
+    const test::TempDirectory directory;
+    const fs::path home = directory.path() + "home";
     const fs::path trace = makeHome(home);
     KX::Trace(KX::kTraceError, "dropped");
     EXPECT_EQ(fs::file_size(trace), 8u);
@@ -47,14 +47,13 @@ TEST(LocalTrace, ResetEmptiesOrCreatesTheFileOfAHomeWithLogs)
     EXPECT_TRUE(fs::is_empty(home));
 
     // A path of 256 bytes is one too many.
-    const size_t others = directory.size() + std::string("//logs/kxhost.log").size();
+    const size_t others = directory.path().size() + std::string("/logs/kxhost.log").size();
     for (const size_t length : {255u, 256u}) {
-        const fs::path longHome = fs::path(directory) / std::string(length - others, 'x');
+        const fs::path longHome = directory.path() + std::string(length - others, 'x');
         const fs::path longTrace = makeHome(longHome);
         resetWith(longHome);
         EXPECT_EQ(fs::file_size(longTrace), length == 255 ? 0u : 8u);
     }
-    fs::remove_all(directory);
 }
 
 } // namespace
