@@ -1,7 +1,7 @@
-#include "devicemanager.h"
+#include "app/devicemanager.h"
 
-#include "devicetext.h"
-#include "hidcontroller.h"
+#include "app/devicetext.h"
+#include "app/hidcontroller.h"
 
 DeviceManager::DeviceManager()
     : m_enumeration(hid_enumerate(0, 0)) // of every vendor, every product

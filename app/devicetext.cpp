@@ -1,4 +1,4 @@
-#include "devicetext.h"
+#include "app/devicetext.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "hidcontroller.h"
+#include "app/hidcontroller.h"
 
-#include "logrecorder.h"
+#include "app/logrecorder.h"
 
 HidController::HidController()
 {

@@ -5,7 +5,7 @@
 // order of the three on purpose; the order of reports and lines can be relied on.
 #pragma once
 
-#include "IKXHost.h"
+#include "host/IKXHost.h"
 
 #include <QMetaType>
 #include <QObject>

@@ -1,6 +1,6 @@
-#include "localtrace.h"
+#include "app/localtrace.h"
 
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
 
 #include <cstdio>
 #include <cstdlib>

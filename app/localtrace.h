@@ -1,7 +1,7 @@
 // The program's receiver of the diagnostic traces of the host and the stack.
 #pragma once
 
-#include "trace.h"
+#include "base/src/trace.h"
 
 // Keeps no state: any thread may call it at any time. The one object of it is what
 // KX::traceSettings holds from load to exit.

@@ -1,6 +1,6 @@
-#include "devicemanager.h"
-#include "hidcontroller.h"
-#include "logrecorder.h"
+#include "app/devicemanager.h"
+#include "app/hidcontroller.h"
+#include "app/logrecorder.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

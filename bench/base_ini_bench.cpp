@@ -1,8 +1,8 @@
 // Reading ini files, and looking up in them, against inih and SimpleIni.
-#include "measure.h"
+#include "bench/measure.h"
 
-#include "base_ini_peers.h"
-#include "ini.h"
+#include "base/src/ini/ini.h"
+#include "bench/base_ini_peers.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "base_ini_peers.h"
+#include "bench/base_ini_peers.h"
 
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>

@@ -1,8 +1,8 @@
 // Logging against spdlog, formatting against fmt, a disabled call against a load.
-#include "measure.h"
+#include "bench/measure.h"
 
-#include "log.h"
-#include "logger_file_default.h"
+#include "base/src/log/log.h"
+#include "base/src/log/logger_file_default.h"
 
 #include <fmt/format.h>
 #include <spdlog/sinks/basic_file_sink.h>

@@ -1,7 +1,7 @@
 // Bounded copies against the platform's unbounded memcpy and libbsd's strlcpy.
-#include "measure.h"
+#include "bench/measure.h"
 
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
 
 #include <bsd/string.h>
 

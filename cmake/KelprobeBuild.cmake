@@ -36,18 +36,30 @@ target_compile_options(kelprobe_warnings INTERFACE
   -Wformat=2 -Wcast-qual -Wundef
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
 
-# kelprobe_library(NAME SOURCES file... [INCLUDE dir] [LINK target...] [PRIVATE target...])
+# kelprobe_headers(TARGET SCOPE)
 #
-# A static library kelprobe_NAME, alias Kelprobe::NAME. Its headers are found
+# Lets TARGET (with SCOPE PUBLIC or INTERFACE: those who link it, too) include the headers of the
+# current folder by their path from the root, "hid/model/Root.h", and those of no other folder: its
+# include directory holds nothing but a link to the folder.
+function(kelprobe_headers target scope)
+  get_filename_component(root "${CMAKE_CURRENT_FUNCTION_LIST_DIR}" DIRECTORY)
+  file(RELATIVE_PATH folder "${root}" "${CMAKE_CURRENT_SOURCE_DIR}")
+  set(directory "${CMAKE_BINARY_DIR}/layers/${target}")
+  get_filename_component(parent "${directory}/${folder}" DIRECTORY)
+  file(MAKE_DIRECTORY "${parent}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${directory}/${folder}" SYMBOLIC)
+  target_include_directories(${target} ${scope} "${directory}")
+endfunction()
+
+# kelprobe_library(NAME SOURCES file... [LINK target...] [PRIVATE target...])
+#
+# A static library kelprobe_NAME, alias Kelprobe::NAME, of the current folder. Its headers are found
 # only by targets that link it, which is what keeps the layers apart.
 function(kelprobe_library name)
-  cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;LINK;PRIVATE" ${ARGN})
-  if(NOT ARG_INCLUDE)
-    set(ARG_INCLUDE "${CMAKE_CURRENT_SOURCE_DIR}")
-  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE" ${ARGN})
   add_library(kelprobe_${name} STATIC ${ARG_SOURCES})
   add_library(Kelprobe::${name} ALIAS kelprobe_${name})
-  target_include_directories(kelprobe_${name} PUBLIC "${ARG_INCLUDE}")
+  kelprobe_headers(kelprobe_${name} PUBLIC)
   target_link_libraries(kelprobe_${name}
     PUBLIC ${ARG_LINK}
     PRIVATE ${ARG_PRIVATE} Kelprobe::warnings)
@@ -64,6 +76,7 @@ function(kelprobe_test name)
     set(ARG_TIMEOUT 60)
   endif()
   add_executable(test-${name} ${ARG_SOURCES})
+  kelprobe_headers(test-${name} PRIVATE)
   target_link_libraries(test-${name} PRIVATE ${ARG_LINK} GTest::gtest_main Kelprobe::warnings)
   set(properties TIMEOUT ${ARG_TIMEOUT})
   set(environment ${KELPROBE_TEST_ENVIRONMENT} ${ARG_ENVIRONMENT})

@@ -1,7 +1,7 @@
 // A report descriptor, its lookups and its dump. Input: the descriptor's bytes.
-#include "DescriptorDump.h"
-#include "Root.h"
-#include "TelephonyControls.h"
+#include "hid/model/DescriptorDump.h"
+#include "hid/model/Root.h"
+#include "hid/model/TelephonyControls.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // The device filter's JSON. Input: the text; a NUL in it ends it.
-#include "DeviceFilter.h"
-#include "IKXHost.h"
+#include "host/DeviceFilter.h"
+#include "host/IKXHost.h"
 
 #include <cstdlib>
 #include <exception>

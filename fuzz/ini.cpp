@@ -1,5 +1,5 @@
 // An ini file and its look-ups. Input: the file's bytes.
-#include "ini.h"
+#include "base/src/ini/ini.h"
 
 #include <cstdint>
 #include <cstdlib>

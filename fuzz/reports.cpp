@@ -1,8 +1,8 @@
 // Input reports against any masks in any state. Input: a byte of flags and hook position, four
 // masks and a report, each a length (of at most 8) and its bytes; then a script of operations and
 // further reports, which a stack without a device goes through.
-#include "CKXHostStackStdHid.h"
-#include "ReportTemplate.h"
+#include "hid/CKXHostStackStdHid.h"
+#include "hid/model/ReportTemplate.h"
 
 #include <algorithm>
 #include <cstdlib>

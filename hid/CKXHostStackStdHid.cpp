@@ -1,9 +1,9 @@
 // What the host asks for; CKXHostStackStdHidReader.cpp has what the device says.
-#include "CKXHostStackStdHid.h"
+#include "hid/CKXHostStackStdHid.h"
 
-#include "DescriptorCache.h"
-#include "ReportTemplate.h"
-#include "trace.h"
+#include "base/src/trace.h"
+#include "hid/DescriptorCache.h"
+#include "hid/model/ReportTemplate.h"
 
 #include <mutex>
 

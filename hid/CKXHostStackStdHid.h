@@ -7,12 +7,12 @@
 // them, as the user's finger and the window may.
 #pragma once
 
-#include "HidDevice.h"
-#include "IHostHidStack.h"
-#include "IMivoAudioSdkSink.h"
-#include "TelephonyControls.h"
-#include "thread.h"
-#include "thread_mutex.h"
+#include "base/src/util/thread.h"
+#include "base/src/util/thread_mutex.h"
+#include "hid/IHostHidStack.h"
+#include "hid/IMivoAudioSdkSink.h"
+#include "hid/model/TelephonyControls.h"
+#include "hid/usb/HidDevice.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 // What the device says: the reader thread.
-#include "CKXHostStackStdHid.h"
+#include "hid/CKXHostStackStdHid.h"
 
-#include "ReportTemplate.h"
+#include "hid/model/ReportTemplate.h"
 
 #include <array>
 #include <chrono>

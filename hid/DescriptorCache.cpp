@@ -1,6 +1,6 @@
-#include "DescriptorCache.h"
+#include "hid/DescriptorCache.h"
 
-#include "BuiltInDescriptor.h"
+#include "hid/model/BuiltInDescriptor.h"
 
 namespace KX {
 

@@ -1,7 +1,7 @@
 // Parsed report descriptors of the devices met so far, for the life of the process.
 #pragma once
 
-#include "Root.h"
+#include "hid/model/Root.h"
 
 #include <map>
 #include <memory>

@@ -1,8 +1,8 @@
-#include "CKXHostHidImp.h"
+#include "host/CKXHostHidImp.h"
 
-#include "CKXHostStackStdHid.h"
-#include "DeviceFilter.h"
-#include "trace.h"
+#include "base/src/trace.h"
+#include "hid/CKXHostStackStdHid.h"
+#include "host/DeviceFilter.h"
 
 #include <sstream>
 

@@ -3,9 +3,9 @@
 // window's buttons mean is the application's business, what the lamps do is the stack's.
 #pragma once
 
-#include "IHostHidStack.h"
-#include "IKXHost.h"
-#include "IMivoAudioSdkSink.h"
+#include "hid/IHostHidStack.h"
+#include "hid/IMivoAudioSdkSink.h"
+#include "host/IKXHost.h"
 
 #include <memory>
 #include <string>

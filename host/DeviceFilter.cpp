@@ -1,6 +1,6 @@
-#include "DeviceFilter.h"
+#include "host/DeviceFilter.h"
 
-#include "IKXHost.h"
+#include "host/IKXHost.h"
 
 #include <json/json.h>
 

@@ -1,5 +1,5 @@
 // Where hosts begin and end.
-#include "CKXHostHidImp.h"
+#include "host/CKXHostHidImp.h"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 // The checks by device name that IKXHost.h declares.
-#include "DeviceNames.h"
-#include "IKXHost.h"
+#include "host/DeviceNames.h"
+#include "host/IKXHost.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
-#include "media_config.h"
+#include "mediaenv/media_config.h"
 
-#include "media_text.h"
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
+#include "mediaenv/media_text.h"
 
 #include <cstdlib>
 

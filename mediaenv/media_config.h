@@ -1,8 +1,8 @@
 // The settings of the media component: where it is, what it may do, how it logs.
 #pragma once
 
-#include "ini.h"
-#include "no_copy.h"
+#include "base/src/ini/ini.h"
+#include "base/src/util/no_copy.h"
 
 #include <memory>
 #include <string>

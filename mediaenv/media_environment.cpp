@@ -1,8 +1,8 @@
 // The environment of a child process.
-#include "media_config.h"
+#include "mediaenv/media_config.h"
 
-#include "media_text.h"
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
+#include "mediaenv/media_text.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "media_text.h"
+#include "mediaenv/media_text.h"
 
 #include <cstdlib>
 

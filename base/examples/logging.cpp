@@ -1,9 +1,9 @@
 // A program that logs: it reads its configuration file, registers a module, logs from threads
 // until the log rotates, and looks at what it wrote. See README.md for its output.
-#include "ini.h"
-#include "ini_config.h"
-#include "log.h"
-#include "thread.h"
+#include "base/src/ini/ini.h"
+#include "base/src/ini/ini_config.h"
+#include "base/src/log/log.h"
+#include "base/src/util/thread.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "trace.h"
+#include "base/src/trace.h"
 
 #include <cstdarg>
 #include <cstdio>

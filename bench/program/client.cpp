@@ -1,4 +1,4 @@
-#include "client.h"
+#include "bench/program/client.h"
 
 #include <array>
 #include <cerrno>

@@ -2,7 +2,7 @@
 // it.
 #pragma once
 
-#include "channel.h"
+#include "bench/program/channel.h"
 
 #include <chrono>
 #include <optional>

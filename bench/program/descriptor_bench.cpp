@@ -1,10 +1,10 @@
 // Parsing report descriptors, which is done once for each kind of device.
-#include "measurements.h"
-#include "samples.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
 
-#include "BuiltInDescriptor.h"
-#include "Root.h"
-#include "device_file.h"
+#include "hid/model/BuiltInDescriptor.h"
+#include "hid/model/Root.h"
+#include "tests/support/device_file.h"
 
 #include <span>
 

@@ -1,7 +1,7 @@
 // One event on its way: from the device to the log list, and from a button to the device.
-#include "measurements.h"
-#include "samples.h"
-#include "stage.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
+#include "bench/program/stage.h"
 
 #include <atomic>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 // What waiting costs. All wait at the same time, so that the machine does the same to them.
-#include "measurements.h"
-#include "samples.h"
-#include "stage.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
+#include "bench/program/stage.h"
 
 #include <array>
 #include <thread>

@@ -1,8 +1,8 @@
 // What another line costs when there are many.
-#include "measurements.h"
-#include "samples.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
 
-#include "log_list.h"
+#include "bench/program/log_list.h"
 
 namespace bench {
 namespace {

@@ -1,11 +1,11 @@
 // log-list: Kelprobe's window twice, with few lines in its log list and with many.
-#include "log_list.h"
+#include "bench/program/log_list.h"
 
-#include "channel.h"
+#include "bench/program/channel.h"
 
-#include "devicemanager.h"
-#include "hidcontroller.h"
-#include "logrecorder.h"
+#include "app/devicemanager.h"
+#include "app/hidcontroller.h"
+#include "app/logrecorder.h"
 
 #include <QAbstractEventDispatcher>
 #include <QGuiApplication>

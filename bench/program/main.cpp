@@ -1,7 +1,7 @@
 // bench-program [PART...]: measures Kelprobe beside bare programs that do the same, and prints a
 // table. Needs a display of its own.
-#include "measurements.h"
-#include "samples.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
 
 #include <algorithm>
 #include <array>

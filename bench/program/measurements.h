@@ -1,8 +1,8 @@
 // The rows of the table. Each function measures and prints its own.
 #pragma once
 
-#include "client.h"
-#include "usb_device.h"
+#include "bench/program/client.h"
+#include "sim/bus/usb_device.h"
 
 namespace bench {
 

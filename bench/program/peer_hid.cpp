@@ -1,5 +1,5 @@
 // peer-hid PATH: the bare hidapi program. Reads all the time, writes one report on each command.
-#include "read_loop.h"
+#include "bench/program/read_loop.h"
 
 #include <thread>
 

@@ -1,8 +1,8 @@
 // peer-window SCENE [PATH]: a window with a scene that is compiled ahead of time as Kelprobe's is:
 // "peer_window", "peer_text", or "main", which is Kelprobe's own over plain values. With a path it
 // reads that device meanwhile.
-#include "plain_values.h"
-#include "read_loop.h"
+#include "bench/program/plain_values.h"
+#include "bench/program/read_loop.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

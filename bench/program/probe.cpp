@@ -2,7 +2,7 @@
 // frames are on the screen and lines in the log list, and clicks on demand. It takes hold where the
 // program enters its event loop and uses nothing of the program's but its window and its
 // properties.
-#include "channel.h"
+#include "bench/program/channel.h"
 
 #include <QAbstractItemModel>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 // The least that hears a device: hid_read_timeout in a loop, as Kelprobe's reader waits.
 #pragma once
 
-#include "channel.h"
+#include "bench/program/channel.h"
 
 #include <hidapi/hidapi.h>
 

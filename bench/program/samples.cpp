@@ -1,4 +1,4 @@
-#include "samples.h"
+#include "bench/program/samples.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
-#include "stage.h"
+#include "bench/program/stage.h"
 
-#include "profiles.h"
+#include "sim/device/profiles.h"
 
 #include <stdexcept>
 

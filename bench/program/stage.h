@@ -1,8 +1,8 @@
 // Kelprobe and its peers on the simulated bus.
 #pragma once
 
-#include "client.h"
-#include "usb_device.h"
+#include "bench/program/client.h"
+#include "sim/bus/usb_device.h"
 
 namespace bench {
 

@@ -1,7 +1,7 @@
 // How long a window takes to show, and what it takes of memory.
-#include "measurements.h"
-#include "samples.h"
-#include "stage.h"
+#include "bench/program/measurements.h"
+#include "bench/program/samples.h"
+#include "bench/program/stage.h"
 
 #include <array>
 #include <thread>

@@ -1,8 +1,8 @@
 // The meeting against simulated devices and the real host: every report that a device gets, every
 // log line and every change the window sees, in one order.
-#include "bus_test.h"
-#include "hidcontroller.h"
-#include "logrecorder.h"
+#include "app/hidcontroller.h"
+#include "app/logrecorder.h"
+#include "tests/support/bus_test.h"
 
 #include <QCoreApplication>
 

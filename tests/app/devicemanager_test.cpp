@@ -1,8 +1,8 @@
 // The list of devices, over a simulated bus.
-#include "bus_test.h"
-#include "devicemanager.h"
-#include "hidcontroller.h"
-#include "logrecorder.h"
+#include "app/devicemanager.h"
+#include "app/hidcontroller.h"
+#include "app/logrecorder.h"
+#include "tests/support/bus_test.h"
 
 #include <climits>
 

@@ -1,6 +1,6 @@
-#include "hidcontroller.h"
-#include "temp_directory.h"
-#include "trace.h"
+#include "app/hidcontroller.h"
+#include "base/src/trace.h"
+#include "tests/support/temp_directory.h"
 
 #include <gtest/gtest.h>
 

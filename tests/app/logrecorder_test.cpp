@@ -1,4 +1,4 @@
-#include "logrecorder.h"
+#include "app/logrecorder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // The window as the user has it: the real scene on a display, clicked with mouse events, with the
 // three objects behind it and a simulated device behind them.
-#include "bus_test.h"
-#include "devicemanager.h"
-#include "hidcontroller.h"
-#include "logrecorder.h"
+#include "app/devicemanager.h"
+#include "app/hidcontroller.h"
+#include "app/logrecorder.h"
+#include "tests/support/bus_test.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

@@ -1,6 +1,6 @@
-#include "ini.h"
-#include "ini_config.h"
-#include "temp_directory.h"
+#include "base/src/ini/ini.h"
+#include "base/src/ini/ini_config.h"
+#include "tests/support/temp_directory.h"
 
 #include <optional>
 #include <tuple>

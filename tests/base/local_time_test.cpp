@@ -1,4 +1,4 @@
-#include "local_time.h"
+#include "base/src/util/local_time.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "log_fixture.h"
+#include "tests/base/log_fixture.h"
 
 #include <algorithm>
 #include <pthread.h>

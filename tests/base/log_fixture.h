@@ -1,10 +1,10 @@
 // What the tests of logging, and of what is logged, share.
 #pragma once
 
-#include "local_time.h"
-#include "log.h"
-#include "logger_file_default.h"
-#include "temp_directory.h"
+#include "base/src/log/log.h"
+#include "base/src/log/logger_file_default.h"
+#include "base/src/util/local_time.h"
+#include "tests/support/temp_directory.h"
 
 #include <cstdio>
 #include <vector>

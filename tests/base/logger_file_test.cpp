@@ -1,6 +1,6 @@
-#include "log_file_name.h"
-#include "log_fixture.h"
-#include "toolkit.h"
+#include "base/src/log/log_file_name.h"
+#include "base/src/toolkit/toolkit.h"
+#include "tests/base/log_fixture.h"
 
 #include <csignal>
 #include <sys/resource.h>

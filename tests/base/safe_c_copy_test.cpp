@@ -1,6 +1,6 @@
 // The bounded copies, over every arrangement of a few bytes and at their largest sizes.
-#include "log_fixture.h"
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
+#include "tests/base/log_fixture.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The bounded functions but for the copies.
-#include "log_fixture.h"
-#include "safe_c.h"
+#include "base/src/safe_c/safe_c.h"
+#include "tests/base/log_fixture.h"
 
 #include <cstdarg>
 #include <tuple>

@@ -1,5 +1,5 @@
-#include "local_time.h"
-#include "text_stream.h"
+#include "base/src/auxi/text_stream.h"
+#include "base/src/util/local_time.h"
 
 #include <gtest/gtest.h>
 

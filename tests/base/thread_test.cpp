@@ -1,5 +1,5 @@
-#include "thread.h"
-#include "thread_mutex.h"
+#include "base/src/util/thread.h"
+#include "base/src/util/thread_mutex.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Runs a fuzz target once over each file of the directories given. A file *.hex is read as
 // hexadecimal digits with # lines left out, any other as it is.
-#include "device_file.h"
+#include "tests/support/device_file.h"
 
 #include <cstdio>
 #include <iterator>

@@ -1,9 +1,9 @@
 // Report descriptors: what real devices' controls come out as, and what the rules make of others.
-#include "BuiltInDescriptor.h"
-#include "DescriptorDump.h"
-#include "Root.h"
-#include "TelephonyControls.h"
-#include "device_file.h"
+#include "hid/model/BuiltInDescriptor.h"
+#include "hid/model/DescriptorDump.h"
+#include "hid/model/Root.h"
+#include "hid/model/TelephonyControls.h"
+#include "tests/support/device_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Templates and masks: what is sent, and which reports are heard.
-#include "BuiltInDescriptor.h"
-#include "ReportTemplate.h"
-#include "Root.h"
-#include "TelephonyControls.h"
-#include "device_file.h"
+#include "hid/model/BuiltInDescriptor.h"
+#include "hid/model/ReportTemplate.h"
+#include "hid/model/Root.h"
+#include "hid/model/TelephonyControls.h"
+#include "tests/support/device_file.h"
 
 #include <gtest/gtest.h>
 

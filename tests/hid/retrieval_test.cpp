@@ -1,7 +1,7 @@
 // Reading a report descriptor from a device that may not want to tell it.
-#include "DescriptorRetrieval.h"
-#include "HidDevice.h"
-#include "bus_test.h"
+#include "hid/usb/DescriptorRetrieval.h"
+#include "hid/usb/HidDevice.h"
+#include "tests/support/bus_test.h"
 
 #include <algorithm>
 

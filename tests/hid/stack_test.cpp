@@ -1,6 +1,6 @@
 // The stack against simulated devices: the exact reports, the exact events, in one order.
-#include "CKXHostStackStdHid.h"
-#include "bus_test.h"
+#include "hid/CKXHostStackStdHid.h"
+#include "tests/support/bus_test.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,6 +1,6 @@
 // The device filter sets are process-wide, and each test here runs in a process of its own.
-#include "DeviceFilter.h"
-#include "IKXHost.h"
+#include "host/DeviceFilter.h"
+#include "host/IKXHost.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The host's mapping, against the real stack and a simulated device.
-#include "DeviceFilter.h"
-#include "IKXHost.h"
-#include "bus_test.h"
+#include "host/DeviceFilter.h"
+#include "host/IKXHost.h"
+#include "tests/support/bus_test.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "media_config.h"
+#include "mediaenv/media_config.h"
 
-#include "temp_directory.h"
+#include "tests/support/temp_directory.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "util_init.h"
+#include "mediaenv/util_init.h"
 
-#include "log.h"
-#include "logger_file_default.h"
-#include "temp_directory.h"
+#include "base/src/log/log.h"
+#include "base/src/log/logger_file_default.h"
+#include "tests/support/temp_directory.h"
 
 #include <tuple>
 

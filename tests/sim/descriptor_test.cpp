@@ -1,4 +1,4 @@
-#include "bus_test.h"
+#include "tests/support/bus_test.h"
 
 #include <libusb.h>
 

@@ -6,7 +6,7 @@
 // gone       wait until the device is gone   kill   end by SIGKILL
 //
 // Exit status: the number of the argument that failed, or 0.
-#include "hid_handle.h"
+#include "tests/sim/hid_handle.h"
 
 #include <csignal>
 #include <string>

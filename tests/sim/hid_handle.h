@@ -1,7 +1,7 @@
 // hidapi as the simulator's tests use it.
 #pragma once
 
-#include "usb_device.h"
+#include "sim/bus/usb_device.h"
 
 #include <hidapi/hidapi.h>
 

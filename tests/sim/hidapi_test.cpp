@@ -1,5 +1,5 @@
-#include "bus_test.h"
-#include "hid_handle.h"
+#include "tests/sim/hid_handle.h"
+#include "tests/support/bus_test.h"
 
 #include <algorithm>
 #include <string>

@@ -1,5 +1,5 @@
-#include "panel.h"
-#include "profiles.h"
+#include "sim/device/panel.h"
+#include "sim/device/profiles.h"
 
 #include <gtest/gtest.h>
 

@@ -6,9 +6,9 @@
 // By hand such a test is started with that LD_PRELOAD too.
 #pragma once
 
-#include "profiles.h"
-#include "story.h"
-#include "usb_device.h"
+#include "sim/bus/usb_device.h"
+#include "sim/device/profiles.h"
+#include "tests/support/story.h"
 
 #include <gtest/gtest.h>
 

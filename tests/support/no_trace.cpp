@@ -1,4 +1,4 @@
 // Test programs without the application's trace observer trace to nobody.
-#include "trace.h"
+#include "base/src/trace.h"
 
 constinit KX::TraceSettings KX::traceSettings{nullptr};

@@ -1,0 +1,66 @@
+#include "base/src/auxi/log_stream.h"
+
+#include "base/src/auxi/auxi_digits.h"
+#include "base/src/util/local_time.h"
+#include "base/src/util/util.h"
+
+#include <utility>
+
+namespace rkb {
+
+namespace {
+
+// A line is built with cold caches, right behind the system call that wrote the one before: what
+// stays the same from line to line is formatted once per thread.
+struct cached_text_t {
+    char text[48] = {};
+    size_t length = 0;
+
+    template <typename... pieces_t>
+    void set(const pieces_t&... pieces)
+    {
+        text_stream_t stream(text, sizeof text);
+        (stream << ... << pieces);
+        length = stream.length();
+    }
+};
+
+// "03/14/2026 09:05:07:042\t", of which only the milliseconds change within a second.
+std::string_view time_text()
+{
+    thread_local constinit cached_text_t cache;
+    thread_local constinit local_time_t cached_second{};
+    local_time_t second = local_time();
+    const uint32_t milliseconds = std::exchange(second.milliseconds, uint16_t{0});
+    if (cache.length == 0 || second != cached_second) {
+        cached_second = second;
+        cache.set(second, "\t");
+    }
+    put_three_digits(cache.text + cache.length - sizeof "042", milliseconds);
+    return {cache.text, cache.length};
+}
+
+// "[process:thread:handle]\t"
+std::string_view ids_text()
+{
+    thread_local constinit cached_text_t cache;
+    if (cache.length == 0)
+        cache.set("[", process_id(), ":", thread_id(), ":", thread_handle(), "]\t");
+    return {cache.text, cache.length};
+}
+
+} // namespace
+
+log_stream_t::log_stream_t(
+    char* buffer, size_t size, const char* level_name, const char* module_name)
+    : text_stream_t(buffer, size)
+{
+    *this << time_text();
+    if (module_name)
+        *this << module_name << "\t";
+    *this << ids_text();
+    if (level_name)
+        *this << level_name << "\t";
+}
+
+} // namespace rkb

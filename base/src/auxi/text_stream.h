@@ -1,0 +1,146 @@
+// Formats text into a buffer of the caller's, without allocating and without throwing.
+#pragma once
+
+#include "base/src/auxi/auxi_number.h"
+#include "base/src/util/no_copy.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace rkb {
+
+struct local_time_t;
+
+// Shown as 32 upper-case hexadecimal digits in the order of the bytes, grouped by dashes.
+struct identifier_t {
+    uint8_t bytes[16];
+};
+
+// The buffer stays the caller's and outlives the stream; it always holds a NUL-terminated text. A
+// stream over no buffer, or over none of its bytes, is empty and stays so. Not thread-safe: a
+// stream belongs to one thread.
+//
+// What does not fit is cut or left out, by its kind:
+// - NUL-terminated text is cut (in a hexadecimal radix: between two bytes);
+// - text with a length is written whole or not at all;
+// - values (integers, booleans, floating-point numbers, pointers, times, identifiers) are written
+//   only when the widest text of their type and one more byte would fit, so that whether a value
+//   appears does not depend on the value, and none is ever cut. Otherwise good() turns false until
+//   a later value fits. Floating-point numbers have two forms, short and long, each with a
+//   reserve of its own: see auxi_fixed.h; for integers see auxi_number.h.
+class text_stream_t : no_copy {
+public:
+    // `size` counts the bytes of `buffer`, of which one is kept for the terminating NUL.
+    text_stream_t(char* buffer, size_t size);
+    virtual ~text_stream_t() = default;
+
+    // Empties the text; decimal radix; good() is true.
+    virtual void reset();
+
+    [[nodiscard]] size_t length() const { return static_cast<size_t>(m_cursor - m_begin); }
+    [[nodiscard]] const char* text() const { return m_begin; }
+
+    // Whether the last value written was written whole.
+    [[nodiscard]] bool good() const { return m_good; }
+
+    // One of radix_binary .. radix_hex_lower. Under any other radix an integer is not written:
+    // the stream skips, over NULs, to its last free byte, so that no more than one byte follows.
+    void set_radix(uint32_t radix);
+    [[nodiscard]] uint32_t radix() const { return m_radix; }
+
+    // Text up to its NUL; null writes nothing. In the hexadecimal radices texts are written as two
+    // digits per byte. Inline, because the length of a literal is then a constant.
+    text_stream_t& operator<<(const char* text)
+    {
+        return text ? append_cut(text, __builtin_strlen(text)) : *this;
+    }
+
+    // Strings, and bytes with a length.
+    text_stream_t& operator<<(std::string_view text);
+
+    // A character is a number of 8 bits, like the integers of that size.
+    text_stream_t& operator<<(char value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(signed char value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(unsigned char value) { return put_unsigned(value, sizeof value); }
+    text_stream_t& operator<<(short value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(unsigned short value) { return put_unsigned(value, sizeof value); }
+    text_stream_t& operator<<(int value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(unsigned value) { return put_unsigned(value, sizeof value); }
+    text_stream_t& operator<<(long value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(unsigned long value) { return put_unsigned(value, sizeof value); }
+    text_stream_t& operator<<(long long value) { return put_signed(value, sizeof value); }
+    text_stream_t& operator<<(unsigned long long value)
+    {
+        return put_unsigned(value, sizeof value);
+    }
+
+    // "true" or "false", in every radix.
+    text_stream_t& operator<<(bool value);
+
+    // "0x" and 16 lower-case digits, in every radix.
+    text_stream_t& operator<<(const void* pointer);
+
+    // Two decimals, in every radix. Up to 2147483648.0 (float) and 9223372036854775808.0 (double)
+    // the library's own routine does it. What that cannot hold, numbers as far below zero and
+    // not-a-number, is left out and reported as an assert line of module 1.
+    text_stream_t& operator<<(float value);
+    text_stream_t& operator<<(double value);
+
+    // month/day/year hour:minute:second:milliseconds, two digits each but for the year (as it is)
+    // and the milliseconds (three). Of a field out of its range the last digits are shown.
+    text_stream_t& operator<<(const local_time_t& time);
+
+    text_stream_t& operator<<(const identifier_t& identifier);
+
+private:
+    text_stream_t& put_signed(long long value, size_t bytes)
+    {
+        return put(static_cast<uint64_t>(value), bytes, value < 0);
+    }
+    text_stream_t& put_unsigned(unsigned long long value, size_t bytes)
+    {
+        return put(value, bytes, false);
+    }
+
+    text_stream_t& append_cut(const char* text, size_t length)
+    {
+        if (!m_hex_digits && length <= remaining()) [[likely]] {
+            append(text, length);
+            return *this;
+        }
+        return append_cut_or_hex({text, length});
+    }
+
+    text_stream_t& put(uint64_t bits, size_t bytes, bool negative);
+    text_stream_t& append_cut_or_hex(std::string_view text);
+    text_stream_t& put_hex_bytes(std::string_view bytes);
+    text_stream_t& put_real(double value, double limit, size_t short_reserve, size_t long_reserve,
+        const char* complaint);
+
+    size_t remaining() const { return static_cast<size_t>(m_end - m_cursor); }
+    bool reserve(size_t bytes) { return m_good = remaining() >= bytes; }
+    void end_at(char* end)
+    {
+        m_cursor = end;
+        *end = '\0';
+    }
+    void append(const char* bytes, size_t length)
+    {
+        if (length)
+            memcpy(m_cursor, bytes, length);
+        end_at(m_cursor + length);
+    }
+    void skip_to_last_byte();
+
+    char m_nothing = '\0'; // the text of a stream that has no buffer
+    bool m_good = true;
+    uint32_t m_radix = radix_decimal;
+    const char* m_hex_digits = nullptr; // of the hexadecimal radices
+    char* m_begin;
+    char* m_cursor; // the text's NUL
+    char* m_end;    // the buffer's last byte
+};
+
+} // namespace rkb

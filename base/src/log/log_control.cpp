@@ -1,0 +1,251 @@
+#include "base/src/log/log_control.h"
+
+#include "base/src/log/log_gate.h"
+#include "base/src/log/logger_file_default.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace rkb {
+
+namespace {
+
+constexpr uint8_t gate_off = 255;
+constexpr uint8_t gate_initial = 32;
+constexpr const char* unnamed = "N/A";
+constexpr const char* module_unregistered
+    = "NN/AA"; // deliberately not the name of the never-registered
+constexpr std::array<const char*, 6> level_names{
+    "FATAL", "ERROR", "WARNING", "INFO", "DEBUG", "FUNC"};
+
+constinit std::atomic<log_it*> the_custom_sink{nullptr};
+constinit std::atomic<uint8_t> the_default_flags{log_to_primary | log_to_secondary};
+
+bool is_module(uint32_t module_id)
+{
+    return module_id < log_module_count;
+}
+
+bool is_level(uint32_t level)
+{
+    return level < log_level_count;
+}
+
+uint32_t call(log_it& sink, uint32_t module_id, uint32_t level, const char* data, size_t length)
+{
+    try {
+        return sink.write(module_id, level, data, length);
+    } catch (...) {
+        return log_sink_failed;
+    }
+}
+
+} // namespace
+
+log_control_t::log_control_t()
+    : m_gate(gate_initial)
+    , m_modules(log_module_count)
+{
+    for (uint32_t level = 0; level < log_level_count; ++level) {
+        m_levels[level].number = level;
+        if (level < level_names.size())
+            m_levels[level].name = level_names[level];
+    }
+}
+
+uint32_t log_control_t::register_module(
+    uint32_t module_id, const char* name, uint32_t max_level, log_it* sink, uint32_t sink_flags)
+{
+    if (!is_module(module_id) || !is_level(max_level))
+        return log_bad_argument;
+    const std::lock_guard lock(m_mutex);
+    log_module_t& module = m_modules[module_id];
+    module.id = module_id;
+    module.name.store(keep(name), std::memory_order_release);
+    module.max_level = max_level;
+    for (log_slot_t& slot : module.slots)
+        slot.flags = sink_flags;
+    for (uint32_t level = 0; level <= max_level; ++level)
+        module.slots[level].store(sink, sink_flags);
+    open_levels(module_id);
+    return 0;
+}
+
+uint32_t log_control_t::unregister_module(uint32_t module_id)
+{
+    if (!is_module(module_id))
+        return log_bad_argument;
+    const std::lock_guard lock(m_mutex);
+    if (!is_registered(module_id))
+        return log_not_registered;
+    m_modules[module_id].reset(module_unregistered);
+    open_levels(module_id);
+    return 0;
+}
+
+uint32_t log_control_t::set_sink(uint32_t module_id, uint32_t level, log_it* sink)
+{
+    if (!is_module(module_id) || !is_level(level))
+        return log_bad_argument;
+    const std::lock_guard lock(m_mutex);
+    if (!is_registered(module_id))
+        return log_not_registered;
+    m_modules[module_id].slots[level].store(sink, log_to_primary);
+    return 0;
+}
+
+uint32_t log_control_t::set_flags(uint32_t module_id, uint32_t sink_flags)
+{
+    if (!is_module(module_id))
+        return log_bad_argument;
+    const std::lock_guard lock(m_mutex);
+    if (!is_registered(module_id))
+        return log_not_registered;
+    for (log_slot_t& slot : m_modules[module_id].slots)
+        slot.flags = sink_flags;
+    return 0;
+}
+
+uint32_t log_control_t::set_sink_everywhere(log_it* sink, uint32_t sink_flags)
+{
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            slot.store(sink, sink_flags);
+    return 0;
+}
+
+uint32_t log_control_t::set_level_name(uint32_t level, const char* name)
+{
+    if (!is_level(level))
+        return log_bad_value;
+    const std::lock_guard lock(m_mutex);
+    m_levels[level].name.store(keep(name), std::memory_order_release);
+    return 0;
+}
+
+const char* log_control_t::level_name(uint32_t level) const
+{
+    if (!is_level(level) || m_levels[level].number != level)
+        return nullptr;
+    return m_levels[level].name.load(std::memory_order_acquire);
+}
+
+void log_control_t::set_gate(uint32_t max_level)
+{
+    const std::lock_guard lock(m_mutex);
+    m_gate.store(static_cast<uint8_t>(max_level), std::memory_order_relaxed);
+    for (uint32_t module_id = 0; module_id < log_module_count; ++module_id)
+        open_levels(module_id);
+}
+
+int log_control_t::gate() const
+{
+    const uint8_t gate = m_gate.load(std::memory_order_relaxed);
+    return gate == gate_off ? -1 : gate;
+}
+
+bool log_control_t::is_enabled(
+    uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name)
+{
+    if (!log_may_pass(module_id, level))
+        return false;
+    if (!m_attached.load(std::memory_order_acquire))
+        attach();
+    module_name = m_modules[module_id].name.load(std::memory_order_acquire);
+    level_name = m_levels[level].name.load(std::memory_order_acquire);
+    return true;
+}
+
+uint32_t log_control_t::attach()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_attached.load(std::memory_order_relaxed))
+        return log_already_attached;
+    const uint32_t flags = default_flags();
+    log_it* const primary = flags & log_to_primary ? custom_sink() : nullptr;
+    log_it* const secondary = flags & log_to_secondary ? default_file_sink() : nullptr;
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            slot.set(flags, primary, secondary);
+    m_attached.store(true, std::memory_order_release);
+    return 0;
+}
+
+void log_control_t::detach(const log_it* sink)
+{
+    const std::lock_guard lock(m_mutex);
+    bool found = false;
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            found = slot.forget(sink) || found;
+    if (found)
+        m_attached.store(false, std::memory_order_release);
+}
+
+void log_control_t::forget_sinks()
+{
+    const std::lock_guard lock(m_mutex);
+    set_custom_sink(nullptr);
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            slot.set(slot.flags, nullptr, nullptr);
+    m_attached.store(false, std::memory_order_release);
+}
+
+uint32_t log_control_t::write(
+    uint32_t module_id, uint32_t level, const char* data, size_t length, log_it* override_sink)
+{
+    if (!is_module(module_id) || !is_level(level))
+        return log_bad_argument;
+    const std::lock_guard lock(m_mutex);
+    if (!is_registered(module_id))
+        return log_not_registered;
+    const log_module_t& module = m_modules[module_id];
+    if (level > module.max_level)
+        return 0;
+    if (override_sink)
+        return call(*override_sink, module_id, level, data, length);
+    const log_slot_t& slot = module.slots[level];
+    log_it* const primary = slot.primary.load(std::memory_order_acquire);
+    log_it* const secondary = slot.secondary.load(std::memory_order_acquire);
+    if (primary && slot.flags & log_to_primary)
+        call(*primary, module_id, level, data, length);
+    if (secondary && secondary != primary && slot.flags & log_to_secondary)
+        call(*secondary, module_id, level, data, length);
+    return 0;
+}
+
+void log_control_t::set_custom_sink(log_it* sink)
+{
+    the_custom_sink.store(sink, std::memory_order_release);
+}
+
+log_it* log_control_t::custom_sink()
+{
+    return the_custom_sink.load(std::memory_order_acquire);
+}
+
+void log_control_t::set_default_flags(uint8_t sink_flags)
+{
+    the_default_flags.store(sink_flags, std::memory_order_relaxed);
+}
+
+uint8_t log_control_t::default_flags()
+{
+    return the_default_flags.load(std::memory_order_relaxed);
+}
+
+const char* log_control_t::keep(const char* name)
+{
+    return name ? m_names.emplace(name).first->c_str() : unnamed;
+}
+
+void log_control_t::open_levels(uint32_t module_id)
+{
+    const uint32_t gate = m_gate.load(std::memory_order_relaxed);
+    const uint32_t last = std::min(gate, m_modules[module_id].max_level);
+    const uint32_t open = gate == gate_off || !is_registered(module_id) ? 0 : last + 1;
+    log_open_levels[module_id].store(static_cast<uint8_t>(open), std::memory_order_relaxed);
+}
+
+} // namespace rkb

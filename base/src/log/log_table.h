@@ -1,0 +1,46 @@
+// The rows of the logging control's two tables.
+#pragma once
+
+#include "base/src/log/log_it.h"
+#include "base/src/log/log_level.h"
+
+#include <array>
+#include <atomic>
+
+namespace rkb {
+
+// Where the lines of one level of one module go. The sinks are atomic because setting a sink for
+// all modules takes no lock.
+struct log_slot_t {
+    uint32_t flags = 0;
+    std::atomic<log_it*> primary = nullptr;   // used when flags has log_to_primary
+    std::atomic<log_it*> secondary = nullptr; // used when flags has log_to_secondary
+
+    void clear();
+    void set(uint32_t sink_flags, log_it* primary_sink, log_it* secondary_sink);
+
+    // Stores into the primary place when `sink_flags` has log_to_primary, else into the secondary
+    // one when it has log_to_secondary, else nowhere.
+    void store(log_it* sink, uint32_t sink_flags);
+
+    // Empties the places that hold `sink`; whether there was one.
+    bool forget(const log_it* sink);
+};
+
+// Names are atomic because a call site reads them without the lock. They live as long as the
+// control.
+struct log_module_t {
+    uint32_t id = 0; // the module counts as registered while this is its own index
+    std::atomic<const char*> name = "N/A";
+    uint32_t max_level = log_debug;
+    std::array<log_slot_t, log_level_count> slots;
+
+    void reset(const char* placeholder);
+};
+
+struct log_level_entry_t {
+    uint32_t number = 0;
+    std::atomic<const char*> name = "N/A";
+};
+
+} // namespace rkb

@@ -1,0 +1,57 @@
+#include "sim/bus/pty_node.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <termios.h>
+
+namespace sim {
+namespace {
+
+void require(bool ok, const char* what)
+{
+    if (!ok)
+        throw std::system_error(errno, std::generic_category(), what);
+}
+
+} // namespace
+
+// O_NOCTTY: a terminal that became a process's controlling terminal would end
+// that process with SIGHUP at unplug.
+PtyNode::PtyNode()
+    : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
+{
+    require(master_.get() >= 0, "pseudo terminal");
+    require(grantpt(master_.get()) == 0 && unlockpt(master_.get()) == 0, "pseudo terminal");
+    char path[64];
+    require(ptsname_r(master_.get(), path, sizeof path) == 0, "pseudo terminal's name");
+    path_ = path;
+    slave_ = FileDescriptor(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
+    require(slave_.get() >= 0, path);
+    setOpenable(true);
+    setReady(false);
+}
+
+void PtyNode::setReady(bool ready)
+{
+    if (ready == ready_)
+        return;
+    ready_ = ready;
+    tcflow(slave_.get(), ready ? TCOON : TCOOFF);
+}
+
+// Whoever has it open keeps it. The preload library makes a mode of 0 hold
+// for root as well.
+void PtyNode::setOpenable(bool openable)
+{
+    require(chmod(path_.c_str(), openable ? 0666 : 0) == 0, path_.c_str());
+}
+
+void PtyNode::hangUp()
+{
+    master_.reset();
+}
+
+} // namespace sim

@@ -1,0 +1,49 @@
+#include "sim/bus/uevent.h"
+
+#include "sim/bus/file_descriptor.h"
+
+#include <filesystem>
+#include <string_view>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace sim {
+namespace {
+
+// Without the "libudev" header that udevd's own messages have: libudev takes
+// it for one of the kernel's, which need no hashes.
+std::string messageFor(const Uevent& event)
+{
+    std::string message = event.action + "@" + event.devicePath + '\0';
+    for (const std::string& field : {"ACTION=" + event.action, "DEVPATH=" + event.devicePath,
+             "DEVNAME=" + event.node, std::string("SUBSYSTEM=usb"),
+             std::string("DEVTYPE=usb_device"), std::string("SEQNUM=1")})
+        message += field + '\0';
+    return message;
+}
+
+void send(const std::string& message, const std::string& socketPath)
+{
+    sockaddr_un to = {AF_UNIX, {}};
+    if (socketPath.size() >= sizeof to.sun_path)
+        return;
+    socketPath.copy(to.sun_path, socketPath.size());
+    const FileDescriptor from(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    // A listener that has gone leaves its socket behind: no error.
+    sendto(from.get(), message.data(), message.size(), MSG_NOSIGNAL,
+        reinterpret_cast<const sockaddr*>(&to), sizeof to);
+}
+
+} // namespace
+
+void broadcast(const std::string& root, const Uevent& event)
+{
+    constexpr std::string_view prefix = "event"; // what umockdev calls a listener's socket
+    const std::string message = messageFor(event);
+    for (const auto& entry : std::filesystem::directory_iterator(root)) {
+        if (entry.path().filename().native().starts_with(prefix))
+            send(message, entry.path().native());
+    }
+}
+
+} // namespace sim

@@ -1,0 +1,127 @@
+#include "sim/bus/usb_bus.h"
+
+#include "sim/bus/uevent.h"
+#include "sim/bus/usbfs_server.h"
+#include "sim/device/usb_descriptors.h"
+
+#include <umockdev.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace sim {
+namespace {
+
+constexpr size_t kMaxRootLength = 60; // paths of sockets below it have at most 107 characters
+
+void letEveryoneUse(const std::string& path)
+{
+    fs::permissions(path, fs::perms::all);
+}
+
+std::string nodeFor(int address)
+{
+    std::array<char, 32> node;
+    snprintf(node.data(), node.size(), "/dev/bus/usb/001/%03d", address);
+    return node.data();
+}
+
+std::string descriptorAttribute(const UsbDeviceInfo& info)
+{
+    Bytes bytes = deviceDescriptor(info);
+    const Bytes configuration = configurationDescriptor(info);
+    bytes.insert(bytes.end(), configuration.begin(), configuration.end());
+    std::string text = toHex(bytes);
+    std::erase(text, ' ');
+    return text;
+}
+
+// What libusb looks at, and no more.
+std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDeviceInfo& info)
+{
+    return "P: " + place.sysfsPath
+        + "\n"
+          "E: SUBSYSTEM=usb\n"
+          "E: DEVTYPE=usb_device\n"
+          "E: DEVNAME="
+        + place.node
+        + "\n"
+          "A: busnum=1\\n\n"
+          "A: devnum="
+        + std::to_string(address)
+        + "\\n\n"
+          "A: bConfigurationValue=1\\n\n"
+          "H: descriptors="
+        + descriptorAttribute(info) + "\n";
+}
+
+// umockdev_testbed_new() aborts where it cannot make its directory.
+UMockdevTestbed* makeTestbed()
+{
+    const char* const directory = g_get_tmp_dir();
+    if (access(directory, W_OK | X_OK) != 0)
+        throw std::runtime_error(std::string("cannot write in TMPDIR: ") + directory);
+    return umockdev_testbed_new();
+}
+
+} // namespace
+
+UsbBus::UsbBus()
+    : testbed_(makeTestbed())
+{
+    char* const root = umockdev_testbed_get_root_dir(testbed_);
+    root_ = root;
+    g_free(root);
+    if (root_.size() > kMaxRootLength) {
+        g_object_unref(testbed_);
+        throw std::runtime_error("the path of TMPDIR is too long for sockets below it: " + root_);
+    }
+    letEveryoneUse(root_); // clients put the sockets for their uevents there
+    letEveryoneUse(root_ + "/ioctl/_default");
+}
+
+UsbBus::~UsbBus()
+{
+    g_object_unref(testbed_);
+}
+
+// The socket before the node: a client that found a node without a socket
+// would be led to a handler that knows no call. So the socket also stays when
+// the device is unplugged.
+UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs)
+{
+    const int address = ++lastAddress_;
+    Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
+    serveIoctls(testbed_, place.node, usbfs);
+    letEveryoneUse(root_ + "/ioctl" + place.node);
+    makeNode(place.node, *usbfs);
+    if (!umockdev_testbed_add_from_string(
+            testbed_, sysfsRecord(place, address, info).c_str(), nullptr))
+        throw std::runtime_error("cannot add " + place.sysfsPath + " to the testbed");
+    if (!umockdev_in_mock_environment()) // otherwise umockdev has just done so
+        broadcast(root_, {"add", place.sysfsPath, place.node});
+    return place;
+}
+
+void UsbBus::makeNode(const std::string& node, const Usbfs& usbfs) const
+{
+    const fs::path path = root_ + node;
+    fs::create_directories(path.parent_path()); // umockdev removes it with its last device
+    fs::create_symlink(usbfs.nodePath(), path);
+}
+
+// The node goes first, so that nobody opens what is about to go.
+void UsbBus::unplug(const Place& place, Usbfs& usbfs)
+{
+    fs::remove(root_ + place.node);
+    usbfs.disconnect();
+    umockdev_testbed_remove_device(testbed_, ("/sys" + place.sysfsPath).c_str());
+    broadcast(root_, {"remove", place.sysfsPath, place.node});
+}
+
+} // namespace sim

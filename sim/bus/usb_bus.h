@@ -1,0 +1,47 @@
+// An emulated USB bus that libusb programs find instead of the machine's.
+#pragma once
+
+#include "sim/bus/usbfs.h"
+
+#include <umockdev.h>
+
+#include <string>
+
+namespace sim {
+
+// One at a time in a process: it sets UMOCKDEV_DIR, by which this process (if
+// umockdev's library is preloaded) and those started later find the bus. Has a
+// directory below TMPDIR, open to all users, that goes with it. Outlives its
+// devices. Not for several threads at once.
+class UsbBus {
+public:
+    UsbBus(); // throws std::runtime_error
+    ~UsbBus();
+    UsbBus(const UsbBus&) = delete;
+    UsbBus& operator=(const UsbBus&) = delete;
+
+    // The next place for a device, counted from 1.
+    int takePort() { return ++lastPort_; }
+
+    struct Place {
+        std::string sysfsPath; // below /sys
+        std::string node;      // "/dev/bus/usb/001/NNN"
+    };
+
+    // Makes a device appear with an address of its own, as each plugging-in
+    // does. Throws std::runtime_error.
+    Place plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs);
+
+    // Makes it disappear, its transfers failed first.
+    void unplug(const Place& place, Usbfs& usbfs);
+
+private:
+    void makeNode(const std::string& node, const Usbfs& usbfs) const;
+
+    UMockdevTestbed* testbed_;
+    std::string root_; // where the emulated /sys and /dev are
+    int lastPort_ = 0;
+    int lastAddress_ = 1; // the root hub's, which is not emulated
+};
+
+} // namespace sim

@@ -1,0 +1,274 @@
+#include "sim/bus/usbfs.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <linux/usbdevice_fs.h>
+#include <sys/ioctl.h>
+#include <utility>
+
+namespace sim {
+namespace {
+
+// libusb makes one URB of each transfer, and reaps those that unplugging failed.
+constexpr uint32_t kCapabilities = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_NO_PACKET_SIZE_LIM
+    | USBDEVFS_CAP_REAP_AFTER_DISCONNECT;
+
+// The longest report or descriptor, behind a setup packet.
+constexpr int kMaxTransfer = 0xffff + int{DeviceModel::SetupPacket::kSize};
+
+// The size of what the ioctl's argument points to; 0 if it is not looked at,
+// or is itself the value (an address of the client's, for DISCARDURB).
+size_t targetSize(unsigned long request)
+{
+    switch (request) {
+    case USBDEVFS_GET_CAPABILITIES:
+        return sizeof(uint32_t);
+    case USBDEVFS_SUBMITURB:
+        return sizeof(usbdevfs_urb);
+    case USBDEVFS_REAPURBNDELAY:
+        return sizeof(void*);
+    case USBDEVFS_GETDRIVER:
+        return sizeof(usbdevfs_getdriver);
+    case USBDEVFS_IOCTL:
+        return sizeof(usbdevfs_ioctl);
+    case USBDEVFS_CLAIMINTERFACE:
+    case USBDEVFS_RELEASEINTERFACE:
+        return sizeof(unsigned);
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+Usbfs::Usbfs(std::shared_ptr<DeviceModel> device)
+    : device_(std::move(device))
+    , owner_(*device_)
+{
+}
+
+bool Usbfs::inject(const Bytes& report)
+{
+    const std::lock_guard lock(mutex_);
+    if (!connected_ || owner_.driverBound() || !urbs_.addInput(report))
+        return false;
+    stateChanged();
+    return true;
+}
+
+bool Usbfs::waitUntilRead(std::chrono::milliseconds limit)
+{
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, limit, [this] { return !connected_ || urbs_.allInputReaped(); });
+    return connected_ && urbs_.allInputReaped();
+}
+
+void Usbfs::setOpenable(bool openable)
+{
+    const std::lock_guard lock(mutex_);
+    if (connected_)
+        node_.setOpenable(openable);
+}
+
+void Usbfs::disconnect()
+{
+    const std::lock_guard lock(mutex_);
+    if (!connected_)
+        return;
+    urbs_.finishAllWaiting(-ESHUTDOWN);
+    stateChanged();
+    connected_ = false;
+    node_.hangUp();
+    changed_.notify_all();
+}
+
+bool Usbfs::driverBound()
+{
+    const std::lock_guard lock(mutex_);
+    return owner_.driverBound();
+}
+
+bool Usbfs::claimed()
+{
+    const std::lock_guard lock(mutex_);
+    return owner_.claimed();
+}
+
+void Usbfs::handleIoctl(UMockdevIoctlClient* client)
+{
+    {
+        const std::lock_guard lock(mutex_);
+        const long result = answer(client);
+        stateChanged();
+        umockdev_ioctl_client_complete(
+            client, result < 0 ? -1 : result, result < 0 ? static_cast<int>(-result) : 0);
+    }
+    device_->notify(); // unlocked: the callback may inject or unplug
+}
+
+void Usbfs::forget(UMockdevIoctlClient* client)
+{
+    const std::lock_guard lock(mutex_);
+    urbs_.dropOwner(client);
+    owner_.forget(client);
+    stateChanged();
+}
+
+long Usbfs::answer(UMockdevIoctlClient* client)
+{
+    UMockdevIoctlData* const argument = umockdev_ioctl_client_get_arg(client);
+    const unsigned long request = umockdev_ioctl_client_get_request(client);
+    const size_t size = targetSize(request);
+    UMockdevIoctlData* const target = size ? resolve(argument, 0, size) : argument;
+    if (!target)
+        return -EFAULT;
+    if (request == USBDEVFS_REAPURBNDELAY)
+        return reap(client, target);
+    return connected_ ? answerConnected(client, request, target) : -ENODEV;
+}
+
+long Usbfs::answerConnected(
+    UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target)
+{
+    switch (request) {
+    case USBDEVFS_GET_CAPABILITIES:
+        store<uint32_t>(target, kCapabilities);
+        return 0;
+    case USBDEVFS_SUBMITURB:
+        return submit(client, target);
+    case USBDEVFS_DISCARDURB:
+        return urbs_.discard(client, load<unsigned long>(target)) ? 0 : -EINVAL;
+    case USBDEVFS_GETDRIVER:
+        return getDriver(target);
+    case USBDEVFS_IOCTL:
+        return driverIoctl(target);
+    case USBDEVFS_CLAIMINTERFACE:
+        return owner_.claim(client, load<unsigned>(target));
+    case USBDEVFS_RELEASEINTERFACE:
+        return owner_.release(client, load<unsigned>(target));
+    case USBDEVFS_SETINTERFACE:
+    case USBDEVFS_SETCONFIGURATION:
+    case USBDEVFS_CLEAR_HALT:
+    case USBDEVFS_RESET:
+        return 0;
+    default:
+        return -ENOTTY; // libusb has a way round each of the others
+    }
+}
+
+long Usbfs::getDriver(UMockdevIoctlData* target) const
+{
+    const char* const name = owner_.driverName();
+    if (!name)
+        return -ENODATA;
+    auto answer = load<usbdevfs_getdriver>(target);
+    snprintf(answer.driver, sizeof answer.driver, "%s", name);
+    store(target, answer);
+    return 0;
+}
+
+long Usbfs::driverIoctl(UMockdevIoctlData* target)
+{
+    const auto request = load<usbdevfs_ioctl>(target);
+    const auto number = static_cast<unsigned>(request.ifno);
+    switch (static_cast<unsigned>(request.ioctl_code)) {
+    case USBDEVFS_CONNECT: {
+        const long result = owner_.connectDriver(number);
+        if (result > 0)
+            urbs_.forgetInput(); // the driver takes it
+        return result;
+    }
+    case USBDEVFS_DISCONNECT:
+        return owner_.disconnectDriver(number);
+    default:
+        return -ENOTTY;
+    }
+}
+
+long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
+{
+    const auto request = load<usbdevfs_urb>(target);
+    if (request.buffer_length < 0 || request.buffer_length > kMaxTransfer)
+        return -EINVAL;
+    const auto length = static_cast<size_t>(request.buffer_length);
+    Urb urb{.owner = client, .request = keep(target)};
+    urb.buffer = length ? resolve(target, offsetof(usbdevfs_urb, buffer), length) : nullptr;
+    if (length && !urb.buffer)
+        return -EFAULT;
+    switch (request.type) {
+    case USBDEVFS_URB_TYPE_CONTROL:
+        return submitControl(std::move(urb));
+    case USBDEVFS_URB_TYPE_INTERRUPT:
+        return submitInterrupt(std::move(urb), request.endpoint);
+    default:
+        return -EINVAL;
+    }
+}
+
+long Usbfs::submitControl(Urb urb)
+{
+    const auto bytes = urb.buffer ? bytesOf(urb.buffer) : std::span<uint8_t>{};
+    if (bytes.size() < DeviceModel::SetupPacket::kSize)
+        return -EINVAL;
+    auto setup = DeviceModel::SetupPacket::from(bytes);
+    if (setup.toInterface()) {
+        if (const long result = owner_.claim(urb.owner, lowByte(setup.index)))
+            return result;
+    }
+    urb.dataOffset = DeviceModel::SetupPacket::kSize;
+    const auto stage = bytes.subspan(urb.dataOffset);
+    setup.length = static_cast<uint16_t>(std::min<size_t>(setup.length, stage.size()));
+    auto reply = device_->control(setup, stage.first(setup.length));
+    urb.data = std::move(reply.data);
+    urb.transferred = reply.transferred;
+    urbs_.finish(std::move(urb), reply.stalled ? -EPIPE : 0);
+    return 0;
+}
+
+long Usbfs::submitInterrupt(Urb urb, uint8_t endpoint)
+{
+    const bool output = endpoint == kEndpointOut && device_->info.hasOutEndpoint;
+    if (endpoint != kEndpointIn && !output)
+        return -ENOENT;
+    if (const long result = owner_.claim(urb.owner, device_->info.interfaceNumber))
+        return result;
+    if (!output) {
+        urbs_.waitForInput(std::move(urb));
+        return 0;
+    }
+    const auto bytes = urb.buffer ? bytesOf(urb.buffer) : std::span<uint8_t>{};
+    const bool received = device_->receive(bytes);
+    urb.transferred = received ? bytes.size() : 0;
+    urbs_.finish(std::move(urb), received ? 0 : -EPIPE);
+    return 0;
+}
+
+// Results go into umockdev's copy of the client's memory only here, on
+// umockdev's thread: written by inject() they would race with the end of
+// SUBMITURB, when umockdev sends that copy back to the client.
+long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* target)
+{
+    const std::optional<Urb> urb = urbs_.reap(client);
+    if (!urb)
+        return connected_ ? -EAGAIN : -ENODEV;
+    auto request = load<usbdevfs_urb>(urb->request.get());
+    request.status = urb->status;
+    request.actual_length = static_cast<int>(urb->transferred);
+    store(urb->request.get(), request);
+    if (!urb->data.empty())
+        std::memcpy(urb->buffer->data + urb->dataOffset, urb->data.data(), urb->data.size());
+    umockdev_ioctl_data_set_ptr(target, 0, urb->request.get());
+    return 0;
+}
+
+void Usbfs::stateChanged()
+{
+    if (connected_)
+        node_.setReady(urbs_.anyFinished());
+    if (urbs_.allInputReaped())
+        changed_.notify_all();
+}
+
+} // namespace sim

@@ -1,0 +1,57 @@
+// What the kernel's usbfs does for one plugged-in device: answers the ioctls
+// of every client that has the device node open.
+#pragma once
+
+#include "sim/bus/interface_owner.h"
+#include "sim/bus/pty_node.h"
+#include "sim/bus/urb_queue.h"
+#include "sim/device/device_model.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+namespace sim {
+
+class Usbfs {
+public:
+    explicit Usbfs(std::shared_ptr<DeviceModel> device);
+
+    const std::string& nodePath() const { return node_.path(); }
+
+    // Any thread, except that the last three are umockdev's alone.
+    bool inject(const Bytes& report);
+    [[nodiscard]] bool waitUntilRead(std::chrono::milliseconds limit);
+    void setOpenable(bool openable);
+    void disconnect();
+    bool driverBound();
+    bool claimed();
+    void handleIoctl(UMockdevIoctlClient* client);
+    void forget(UMockdevIoctlClient* client);
+
+private:
+    // These return the ioctl's result, or -errno. `target` is what the ioctl's
+    // argument points to.
+    long answer(UMockdevIoctlClient* client);
+    long answerConnected(
+        UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target);
+    long getDriver(UMockdevIoctlData* target) const;
+    long driverIoctl(UMockdevIoctlData* target);
+    long submit(UMockdevIoctlClient* client, UMockdevIoctlData* target);
+    long submitControl(Urb urb);
+    long submitInterrupt(Urb urb, uint8_t endpoint);
+    long reap(UMockdevIoctlClient* client, UMockdevIoctlData* target);
+
+    void stateChanged();
+
+    const std::shared_ptr<DeviceModel> device_;
+
+    std::mutex mutex_; // guards all below
+    std::condition_variable changed_;
+    PtyNode node_;
+    bool connected_ = true;
+    InterfaceOwner owner_;
+    UrbQueue urbs_;
+};
+
+} // namespace sim

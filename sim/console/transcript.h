@@ -1,0 +1,30 @@
+// What kelprobe-sim prints about its devices.
+#pragma once
+
+#include "sim/device/wire_bytes.h"
+
+#include <mutex>
+#include <string>
+
+namespace sim {
+
+// "ring lamp on        03 08 00"
+std::string describe(const std::string& what, const Bytes& report);
+
+// Whole lines to standard output, each flushed. Any thread.
+class Transcript {
+public:
+    // With more than one device each line begins with the device's number.
+    explicit Transcript(size_t devices)
+        : numbered_(devices > 1)
+    {
+    }
+
+    void print(size_t device, const std::string& line);
+
+private:
+    const bool numbered_;
+    std::mutex mutex_;
+};
+
+} // namespace sim

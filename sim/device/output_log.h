@@ -1,0 +1,30 @@
+// The output reports that a device received, in the order of their arrival.
+#pragma once
+
+#include "sim/device/wire_bytes.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace sim {
+
+// Any thread may call any of these.
+class OutputLog {
+public:
+    void add(Bytes report);
+
+    // Waits until at least `count` reports are here that have not been taken.
+    // False if that did not come about within the time.
+    [[nodiscard]] bool waitFor(size_t count, std::chrono::milliseconds limit);
+
+    // All reports since the last call, oldest first.
+    [[nodiscard]] std::vector<Bytes> take();
+
+private:
+    std::mutex mutex_;
+    std::condition_variable arrived_;
+    std::vector<Bytes> reports_;
+};
+
+} // namespace sim
