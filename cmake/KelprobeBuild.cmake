@@ -7,6 +7,8 @@ set(CMAKE_C_STANDARD 11)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(THREADS_PREFER_PTHREAD_FLAG ON)
+include(CheckPIESupported)
+check_pie_supported() # programs are linked position-independent, too
 
 set(KELPROBE_SANITIZER "" CACHE STRING "Value for -fsanitize=, or empty")
 set(KELPROBE_CONFIGURATION "dev" CACHE STRING "Prefix of test names in joint runs")
@@ -27,6 +29,16 @@ if(KELPROBE_SANITIZER)
   if(NOT KELPROBE_SANITIZER STREQUAL "thread")
     add_compile_options(-fno-sanitize-recover=all)
   endif()
+endif()
+
+# What devices, files and the environment contain is hostile. The sanitizers replace most of these.
+if(NOT KELPROBE_SANITIZER)
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection -fcf-protection=full)
+  # Debian's start-up objects carry no mark for indirect branch tracking, so only the shadow stack
+  # can be asked for; our own functions begin with endbr64 all the same.
+  add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack,-z,shstk)
+  # Some distributions define it by default; glibc warns without optimisation.
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
 endif()
 
 add_library(kelprobe_warnings INTERFACE)
