@@ -91,14 +91,6 @@ function(kelprobe_test name)
   kelprobe_headers(test-${name} PRIVATE)
   target_link_libraries(test-${name} PRIVATE ${ARG_LINK} GTest::gtest_main Kelprobe::warnings)
   set(properties TIMEOUT ${ARG_TIMEOUT})
-  set(environment ${KELPROBE_TEST_ENVIRONMENT} ${ARG_ENVIRONMENT})
-  if(environment)
-    # gtest_discover_tests() and the script that it runs split lists five times
-    # over; each semicolon has to outlive that to make one property of them.
-    string(REPEAT "\\" 9 escape)
-    string(REPLACE ";" "${escape};" environment "${environment}")
-    list(APPEND properties ENVIRONMENT "${environment}")
-  endif()
   if(ARG_LABELS)
     list(APPEND properties LABELS "${ARG_LABELS}")
   endif()
@@ -107,6 +99,13 @@ function(kelprobe_test name)
   endif()
   gtest_discover_tests(test-${name}
     TEST_PREFIX "${KELPROBE_CONFIGURATION}."
+    TEST_LIST tests
     DISCOVERY_TIMEOUT 60
     PROPERTIES ${properties})
+  # A list of variables does not survive gtest_discover_tests(), so ctest sets it afterwards.
+  set(environment ${KELPROBE_TEST_ENVIRONMENT} ${ARG_ENVIRONMENT})
+  set(script "${CMAKE_CURRENT_BINARY_DIR}/test-${name}_environment.cmake")
+  file(WRITE "${script}"
+    "if(tests)\n  set_tests_properties(\${tests} PROPERTIES ENVIRONMENT \"${environment}\")\nendif()\n")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
 endfunction()
