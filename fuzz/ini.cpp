@@ -20,11 +20,11 @@ void check(const rkb::ini_t& ini)
     std::unordered_set<std::string_view> names;
     for (const rkb::ini_section_t& section : ini.sections()) {
         if (!names.insert(section.name).second) {
-            require(section.keys.all().empty() && section.comments.empty());
+            require(section.keys.empty() && section.comments.empty());
             continue;
         }
-        require(ini.key_count(section.name) == section.keys.all().size());
-        for (const rkb::ini_key_t& key : section.keys.all())
+        require(ini.key_count(section.name) == section.keys.size());
+        for (const rkb::ini_key_t& key : section.keys)
             require(ini.get_string(section.name, key.name, "missing") == key.value);
     }
 }

@@ -1,40 +1,26 @@
 #include "base/src/ini/ini.h"
 
-#include "base/src/ini/ini_reader.h"
+#include "base/src/ini/ini_line.h"
 
-#include <algorithm>
+#include <cassert>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
 #include <new>
+#include <sstream>
 #include <utility>
 
 namespace rkb {
 
 namespace {
 
-// The lines of a text, as ini_reader_t gives those of a file.
-class text_lines_t {
-public:
-    explicit text_lines_t(std::string_view text)
-        : m_rest(text)
-    {
-    }
-
-    bool is_at_end() const { return true; }
-
-    bool next(std::string_view& line)
-    {
-        if (m_rest.empty())
-            return false;
-        line = m_rest.substr(0, m_rest.find('\n'));
-        m_rest.remove_prefix(std::min(line.size() + 1, m_rest.size()));
-        return true;
-    }
-
-private:
-    std::string_view m_rest;
-};
+void print_unprintable(char character)
+{
+    printf("Failing on int8_t %d\n", static_cast<signed char>(character));
+}
 
 // Qt programs run in the user's locale, whose decimal comma must not change what a file means.
 double to_double(const std::string& text)
@@ -54,48 +40,53 @@ ini_t::~ini_t() = default;
 
 bool ini_t::load()
 try {
-    ini_reader_t reader(m_file_path.c_str());
-    return reader.is_open() && load_lines(reader);
+    std::ifstream file(m_file_path);
+    return file && load_lines(file);
 } catch (const std::bad_alloc&) {
     return false;
 }
 
 bool ini_t::load_text(std::string_view text)
 {
-    return load_lines(text_lines_t(text));
+    std::istringstream lines{std::string(text)};
+    return load_lines(lines);
 }
 
-template <typename source_t>
-bool ini_t::load_lines(source_t&& source)
+bool ini_t::load_lines(std::istream& lines)
 {
-    uint32_t current = m_sections.find({});
-    for (std::string_view text; source.next(text);) {
-        const ini_line_t line = parse_ini_line(text);
+    constexpr std::streamsize buffer_size = max_line_size + 1;
+    const auto buffer = std::make_unique_for_overwrite<char[]>(buffer_size);
+    size_t current = find_section({});
+    while (lines.getline(buffer.get(), buffer_size)) {
+        const size_t length = static_cast<size_t>(lines.gcount()) - (lines.eof() ? 0 : 1);
+        const ini_line_t line = parse_ini_line({buffer.get(), length});
         if (line.kind == ini_line_t::unprintable) {
-            printf("Failing on int8_t %d\n", static_cast<signed char>(text.front()));
+            print_unprintable(buffer[0]);
             return false;
         }
         take_line(line, current);
     }
-    return source.is_at_end() && !sections().empty();
+    const bool is_too_long = !lines.eof() && !lines.bad();
+    if (is_too_long && ini_line_is_unprintable(buffer[0]))
+        print_unprintable(buffer[0]);
+    return lines.eof() && !m_sections.empty();
 }
 
 // `current` is the first section that has the name of the last section line.
-void ini_t::take_line(const ini_line_t& line, uint32_t& current)
+void ini_t::take_line(const ini_line_t& line, size_t& current)
 {
     switch (line.kind) {
     case ini_line_t::key:
-        if (current == m_sections.none)
-            current = m_sections.append({});
-        store(m_sections[current], line.name, line.value);
+        if (current == none)
+            current = add_section({});
+        store(current, line.name, line.value);
         break;
     case ini_line_t::section:
-        m_sections.append(m_text.keep(line.name));
-        current = m_sections.find(line.name);
+        current = add_section(line.name);
         break;
     case ini_line_t::comment:
-        (current == m_sections.none ? m_header_comments : m_sections[current].comments)
-            .push_back(m_text.keep(line.name));
+        (current == none ? m_header_comments : m_sections[current].comments)
+            .push_back(keep(line.name));
         break;
     case ini_line_t::ignored:
     case ini_line_t::unprintable:
@@ -103,112 +94,101 @@ void ini_t::take_line(const ini_line_t& line, uint32_t& current)
     }
 }
 
+// Adds a section even if there is one of that name. Returns the position of the first one.
+size_t ini_t::add_section(std::string_view name)
+{
+    m_sections.push_back({keep(name), {}, {}});
+    const name_t added(0, m_sections.back().name);
+    return m_positions.try_emplace(added, m_sections.size() - 1).first->second;
+}
+
 bool ini_t::set(std::string_view section, std::string_view key, std::string_view value, bool create)
 {
     if (!create && !find_key(section, key))
         return false;
-    uint32_t position = m_sections.find(section);
-    if (position == m_sections.none)
-        position = m_sections.append(m_text.keep(section));
-    store(m_sections[position], key, value);
+    const size_t position = find_section(section);
+    store(position == none ? add_section(section) : position, key, value);
     return true;
 }
 
-void ini_t::store(ini_section_t& section, std::string_view key, std::string_view value)
+void ini_t::store(size_t section, std::string_view key, std::string_view value)
 {
-    uint32_t position = section.keys.find(key);
-    if (position == section.keys.none)
-        position = section.keys.append(m_text.keep(key));
-    std::string_view& stored = section.keys[position].value;
-    const size_t replaced = stored.size();
-    stored = m_text.keep(value);
-    m_garbage += replaced;
-    if (m_garbage > m_text.size() / 2 && m_garbage > m_garbage_limit)
-        drop_garbage();
+    assert(section < m_sections.size());
+    std::vector<ini_key_t>& keys = m_sections[section].keys;
+    const auto at = m_positions.lower_bound({section + 1, key});
+    if (at != m_positions.end() && at->first == name_t(section + 1, key)) {
+        keys[at->second].value = value;
+        return;
+    }
+    keys.push_back({keep(key), std::string(value)});
+    m_positions.try_emplace(at, name_t(section + 1, keys.back().name), keys.size() - 1);
 }
 
-// Copies what is in use to a new storage, so that values which keep being replaced take no more
-// than about twice the memory of the last ones. Nothing can fail once the storage is there. The
-// next time is as far off as there are records to visit: they may be many and all of them empty.
-void ini_t::drop_garbage()
+std::string_view ini_t::keep(std::string_view text)
 {
-    ini_text_t text(m_text.size() - m_garbage);
-    size_t records = m_header_comments.size();
-    for (std::string_view& comment : m_header_comments)
-        comment = text.keep(comment);
-    for (ini_section_t& section : m_sections) {
-        records += 1 + section.comments.size() + section.keys.all().size();
-        section.name = text.keep(section.name);
-        for (std::string_view& comment : section.comments)
-            comment = text.keep(comment);
-        for (ini_key_t& key : section.keys)
-            key = {text.keep(key.name), text.keep(key.value)};
-    }
-    m_text = std::move(text);
-    m_garbage = 0;
-    m_garbage_limit = std::max(min_garbage_limit, records * sizeof(ini_key_t));
+    if (text.empty())
+        return {};
+    auto* const copy = static_cast<char*>(m_texts.allocate(text.size(), 1));
+    memcpy(copy, text.data(), text.size());
+    return {copy, text.size()};
 }
 
 std::string ini_t::get_string(
     std::string_view section, std::string_view key, std::string_view missing) const
 {
     const ini_key_t* found = find_key(section, key);
-    return std::string(found ? found->value : missing);
+    return found ? found->value : std::string(missing);
 }
 
 int ini_t::get_int(std::string_view section, std::string_view key, int missing) const
 {
     const ini_key_t* found = find_key(section, key);
-    if (!found)
-        return missing;
-    return static_cast<int>(strtol(std::string(found->value).c_str(), nullptr, 10));
+    return found ? static_cast<int>(strtol(found->value.c_str(), nullptr, 10)) : missing;
 }
 
 double ini_t::get_double(std::string_view section, std::string_view key, double missing) const
 {
     const ini_key_t* found = find_key(section, key);
-    return found ? to_double(std::string(found->value)) : missing;
+    return found ? to_double(found->value) : missing;
 }
 
 size_t ini_t::key_count(std::string_view section) const
 {
-    const ini_section_t* found = find_section(section);
-    return found ? found->keys.all().size() : 0;
+    const size_t position = find_section(section);
+    return position == none ? 0 : m_sections[position].keys.size();
 }
 
 std::vector<std::string> ini_t::key_names(std::string_view section) const
 {
     std::vector<std::string> names;
-    if (const ini_section_t* found = find_section(section)) {
-        names.reserve(found->keys.all().size());
-        for (const ini_key_t& key : found->keys.all())
+    const size_t position = find_section(section);
+    if (position != none)
+        for (const ini_key_t& key : m_sections[position].keys)
             names.emplace_back(key.name);
-    }
     return names;
 }
 
 void ini_t::release()
 {
+    m_positions.clear();
     m_sections = {};
     m_header_comments = {};
-    m_text = {};
-    m_garbage = 0;
-    m_garbage_limit = min_garbage_limit;
+    m_texts.release();
 }
 
-const ini_section_t* ini_t::find_section(std::string_view name) const
+size_t ini_t::find_section(std::string_view name) const
 {
-    const uint32_t position = m_sections.find(name);
-    return position == m_sections.none ? nullptr : &m_sections[position];
+    const auto found = m_positions.find({0, name});
+    return found == m_positions.end() ? none : found->second;
 }
 
 const ini_key_t* ini_t::find_key(std::string_view section, std::string_view key) const
 {
-    const ini_section_t* found = find_section(section);
-    if (!found)
+    const size_t position = find_section(section);
+    if (position == none)
         return nullptr;
-    const uint32_t position = found->keys.find(key);
-    return position == found->keys.none ? nullptr : &found->keys[position];
+    const auto found = m_positions.find({position + 1, key});
+    return found == m_positions.end() ? nullptr : &m_sections[position].keys[found->second];
 }
 
 } // namespace rkb

@@ -1,104 +1,123 @@
 // A configuration file of sections, keys, values and comments, held in memory.
 #pragma once
 
-#include "base/src/ini/ini_line.h"
-#include "base/src/ini/ini_list.h"
-#include "base/src/ini/ini_text.h"
 #include "base/src/util/no_copy.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <map>
+#include <memory_resource>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace rkb {
 
+struct ini_line_t;
+
 struct ini_key_t {
     std::string_view name;
-    std::string_view value;
+    std::string value;
 };
 
 struct ini_section_t {
     std::string_view name;
-    ini_list_t<ini_key_t> keys;
+    std::vector<ini_key_t> keys;            // in order of first appearance, no name twice
     std::vector<std::string_view> comments; // without their comment character
 };
 
-// Reads a file of this form; names are case-sensitive, and there is no quoting:
+// Reads a file of this form. Names are case-sensitive, and there is no quoting:
 //
-//     ; a comment, as is a line with #
+//     ; a comment; a line that begins with # is one too
 //     [section]
-//     key = value   ; to the end of the line
+//     key = value   ; a comment up to the end of the line
 //
-// Sections and keys keep the order of first appearance. When two sections have the same name all
-// look-ups, and everything that is added, use the first; the other stays empty.
+// Sections and keys keep the order of first appearance. When several sections have the same name,
+// look-ups use the first one, and new keys and comments go there; the others stay empty.
 //
-// For one thread at a time; concurrent look-ups are safe as long as nobody changes the object.
-// What is returned by reference or view holds until the next load, set or release. No operation
-// throws but for want of memory, and load not even then.
+// Not synchronised: const operations may run at the same time, others need the object for
+// themselves. References and views that an operation returns are valid until the next load, set
+// or release. Operations may throw std::bad_alloc, except load().
 class ini_t : no_copy {
 public:
-    // Nothing is read yet.
+    // The longest line that is read, without its "\n". It bounds what an endless line can take.
+    static constexpr size_t max_line_size = 1'048'576;
+
+    // Only stores the path.
     explicit ini_t(std::string file_path);
     virtual ~ini_t();
 
-    // Reads the file and adds what it says to what is there; release() first for a fresh start.
-    // True if the file was read to its end and there is at least one section. A line that begins
-    // with an unprintable character (ini_line.h) prints "Failing on int8_t %d\n" with it to
-    // standard output and ends the parse with false; so does a read error, without the print.
-    // What was read until then stays. Takes time in proportion to the file; of a pipe it waits for
-    // the writer.
+    // Reads the file and adds its contents to those of the object; call release() first to start
+    // afresh. Returns true if the file was read to its end and the object then has a section.
+    //
+    // Reading stops with false at
+    // - a file that cannot be opened or read;
+    // - a line whose first character is not printable ASCII, as in a binary file; this also prints
+    //   "Failing on int8_t %d\n" with the character to standard output;
+    // - a line longer than max_line_size;
+    // - a lack of memory.
+    // What was read before that stays. Takes time in proportion to the size of the file and to the
+    // logarithm of its number of names. Blocks while the file does: a pipe waits for its writer.
     [[nodiscard]] bool load();
 
-    // load() of a file that holds `text`. Touches no file but standard output.
+    // As load() of a file that holds `text`, but may throw std::bad_alloc.
     [[nodiscard]] bool load_text(std::string_view text);
 
-    // Stores a value. With `create` a missing section or key is added behind the others, without
-    // it false is returned and nothing changes.
+    // Stores a value. If the section or the key is missing, it is added after the others when
+    // `create` is true; otherwise nothing changes and the result is false.
     bool set(std::string_view section, std::string_view key, std::string_view value, bool create);
 
-    // The stored value, or `missing` when there is no such section or key in it.
+    // The stored value, or `missing` if there is no such section or no such key in it.
     std::string get_string(
         std::string_view section, std::string_view key, std::string_view missing) const;
 
-    // The leading decimal number of the stored value as strtol reads it, cut to its low 32 bits:
-    // 0 for a value that is no number.
+    // As get_string, with the value converted by strtol: its leading decimal number, or 0 if it
+    // does not begin with one. A number outside the range of long is limited to it. Only the low
+    // 32 bits are returned.
     int get_int(std::string_view section, std::string_view key, int missing) const;
 
-    // The leading number of the stored value as strtod reads it, with a decimal point whatever
-    // the locale: 0 for a value that is no number.
+    // As get_string, with the value converted by strtod in the C locale: its leading number, or 0
+    // if it does not begin with one.
     double get_double(std::string_view section, std::string_view key, double missing) const;
 
-    // The keys of the first section of that name in file order; a missing section has none.
+    // The number and the names of a section's keys, in order. A missing section has none.
     size_t key_count(std::string_view section) const;
     std::vector<std::string> key_names(std::string_view section) const;
 
-    // Every section in file order, those included that no look-up reaches.
-    const std::vector<ini_section_t>& sections() const { return m_sections.all(); }
+    // Every section in order, including those that share their name with an earlier one.
+    const std::vector<ini_section_t>& sections() const { return m_sections; }
 
     // The comments before the first section.
     const std::vector<std::string_view>& header_comments() const { return m_header_comments; }
 
-    // Forgets everything that was read or set.
+    // Removes all contents.
     void release();
 
 private:
-    static constexpr size_t min_garbage_limit = 65'536;
+    // Identifies a section: 0 and its name; or a key: 1 + its section's position, and its name.
+    using name_t = std::pair<size_t, std::string_view>;
 
-    template <typename source_t>
-    bool load_lines(source_t&& source);
-    void take_line(const ini_line_t& line, uint32_t& current);
-    const ini_section_t* find_section(std::string_view name) const;
+    static constexpr size_t none = SIZE_MAX; // the position of a missing section
+
+    bool load_lines(std::istream& lines);
+    void take_line(const ini_line_t& line, size_t& current);
+    size_t add_section(std::string_view name);
+    void store(size_t section, std::string_view key, std::string_view value);
+    std::string_view keep(std::string_view text);
+    size_t find_section(std::string_view name) const;
     const ini_key_t* find_key(std::string_view section, std::string_view key) const;
-    void store(ini_section_t& section, std::string_view key, std::string_view value);
-    void drop_garbage();
 
     [[maybe_unused]] bool m_flag = true; // a field of the object's layout that nothing reads
     std::string m_file_path;
-    ini_text_t m_text;    // holds every name, value and comment below
-    size_t m_garbage = 0; // the bytes in it of values that were replaced
-    size_t m_garbage_limit = min_garbage_limit;
-    ini_list_t<ini_section_t> m_sections;
+    // Of the names and comments. Nothing of this is ever replaced, as opposed to values.
+    std::pmr::monotonic_buffer_resource m_texts;
+    std::vector<ini_section_t> m_sections;
     std::vector<std::string_view> m_header_comments;
+    // Where the first section or key of a name is. A map and no hash table: names in a file can be
+    // chosen to have the same hash, and this takes logarithmic time with any names.
+    std::pmr::map<name_t, size_t> m_positions{&m_texts};
 };
 
 } // namespace rkb

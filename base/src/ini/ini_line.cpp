@@ -1,55 +1,34 @@
 #include "base/src/ini/ini_line.h"
 
-#include <array>
-#include <cstdint>
+#include <algorithm>
 
 namespace rkb {
 
 namespace {
 
-enum character_t : uint8_t {
-    opens_comment = 1,
-    decides_line = 2,
-    blank = 4,
-};
-
-constexpr std::array<uint8_t, 256> make_characters()
+bool opens_comment(char c)
 {
-    std::array<uint8_t, 256> table{};
-    table[';'] = table['#'] = opens_comment | decides_line;
-    table['['] = table['='] = decides_line;
-    table['\r'] = table['\n'] = table[' '] = table['\t'] = blank;
-    return table;
+    return c == ';' || c == '#';
 }
 
-constexpr std::array<uint8_t, 256> characters = make_characters();
-
-bool is(char c, character_t what)
+bool decides_line(char c)
 {
-    return characters[static_cast<uint8_t>(c)] & what;
-}
-
-size_t find(std::string_view text, character_t what)
-{
-    size_t at = 0;
-    while (at < text.size() && !is(text[at], what))
-        ++at;
-    return at;
+    return opens_comment(c) || c == '[' || c == '=';
 }
 
 std::string_view trimmed(std::string_view text)
 {
-    while (!text.empty() && is(text.front(), blank))
-        text.remove_prefix(1);
-    while (!text.empty() && is(text.back(), blank))
-        text.remove_suffix(1);
-    return text;
+    constexpr std::string_view blanks = "\r\n \t";
+    const size_t begin = text.find_first_not_of(blanks);
+    if (begin == std::string_view::npos)
+        return {};
+    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
 ini_line_t parse_key(std::string_view name, std::string_view rest)
 {
-    const std::string_view value = rest.substr(0, find(rest, opens_comment));
-    return {ini_line_t::key, trimmed(name), trimmed(value)};
+    const auto end = std::find_if(rest.begin(), rest.end(), opens_comment);
+    return {ini_line_t::key, trimmed(name), trimmed({rest.begin(), end})};
 }
 
 ini_line_t parse_section(std::string_view rest)
@@ -71,13 +50,13 @@ ini_line_t parse_ini_line(std::string_view line)
     if (ini_line_is_unprintable(line.front()))
         return {ini_line_t::unprintable, {}, {}};
 
-    const size_t at = find(line, decides_line);
-    if (at == line.size())
+    const auto at = std::find_if(line.begin(), line.end(), decides_line);
+    if (at == line.end())
         return {};
-    const std::string_view rest = line.substr(at + 1);
-    switch (line[at]) {
+    const std::string_view rest(at + 1, line.end());
+    switch (*at) {
     case '=':
-        return parse_key(line.substr(0, at), rest);
+        return parse_key({line.begin(), at}, rest);
     case '[':
         return parse_section(rest);
     default:

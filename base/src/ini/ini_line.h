@@ -5,14 +5,14 @@
 
 namespace rkb {
 
-// What a line says. The views point into the line.
+// What a line means. The views point into the line.
 struct ini_line_t {
     enum kind_t {
         ignored,     // nothing to keep
-        unprintable, // ends the whole file: see ini_line_is_unprintable
+        unprintable, // reading stops here: see ini_line_is_unprintable
         key,         // `name` and `value`, both trimmed
         section,     // `name`, not trimmed
-        comment,     // `name` is the text behind the comment character
+        comment,     // `name` is the text after the comment character, not trimmed
     };
 
     kind_t kind = ignored;
@@ -20,16 +20,17 @@ struct ini_line_t {
     std::string_view value;
 };
 
-// True when a line that begins with the byte `first` ends the parse: anything but the printable
-// characters of ASCII, in every locale. Strict on purpose, as it is what tells a binary file.
+// Whether a line that begins with `first` stops the reading of its file. This holds for everything
+// but the printable ASCII characters, whatever the locale. It is strict on purpose: it keeps binary
+// files out.
 constexpr bool ini_line_is_unprintable(char first)
 {
     return first < ' ' || first > '~';
 }
 
-// `line` is one line without its "\n"; a trailing "\r" is not part of its meaning. The first of
-// the characters ";#[=" decides what the line is. There is no quoting: a value ends at the first
-// ";" or "#", whatever stands around it.
+// `line` is one line without its "\n"; one trailing "\r" is ignored. The first of the characters
+// ";#[=" decides the kind of the line. There is no quoting: a value always ends at the first ";"
+// or "#".
 ini_line_t parse_ini_line(std::string_view line);
 
 } // namespace rkb
