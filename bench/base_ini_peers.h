@@ -1,13 +1,13 @@
-// Other ini parsers, in a file of their own: their headers and ours have the same names.
+// Other ini parsers. They have a source file of their own, as their headers are named like ours.
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace peers {
 
-// inih hands each key to a callback, which only counts it. Returns the count.
+// Parses the file with inih, which stores nothing. Returns the number of keys.
 size_t parse_with_inih(const std::string& path);
 
 struct name_t {
@@ -15,7 +15,7 @@ struct name_t {
     std::string key;
 };
 
-// Loads the file with SimpleIni and returns the lengths of the values found, summed up.
+// Loads the file with SimpleIni, looks the names up and returns the sum of the values' lengths.
 size_t look_up_with_simpleini(const std::string& path, const std::vector<name_t>& names);
 
 } // namespace peers
