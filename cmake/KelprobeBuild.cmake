@@ -41,6 +41,11 @@ if(NOT KELPROBE_SANITIZER)
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
 endif()
 
+# All code, not only the targets: what is not instrumented, libFuzzer cannot see.
+if(KELPROBE_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 add_library(kelprobe_warnings INTERFACE)
 add_library(Kelprobe::warnings ALIAS kelprobe_warnings)
 target_compile_options(kelprobe_warnings INTERFACE
