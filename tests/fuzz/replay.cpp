@@ -1,15 +1,22 @@
-// Runs a fuzz target once over each file of the directories given. A file *.hex is read as
-// hexadecimal digits with # lines left out, any other as it is.
+// Runs a fuzz target over seeds: replay-NAME DIRECTORY...
+// Or writes them to a directory as libFuzzer reads them: replay-NAME --write TO DIRECTORY...
+//
+// A file *.hex is read as hexadecimal digits without the lines that begin with #, any other file as
+// it is.
 #include "tests/support/device_file.h"
 
 #include <cstdio>
 #include <iterator>
+#include <map>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace {
 
-std::vector<uint8_t> contents(const std::filesystem::path& path)
+using Bytes = std::vector<uint8_t>;
+using Seeds = std::map<std::string, Bytes>; // by file name
+
+Bytes contents(const std::filesystem::path& path)
 {
     if (path.extension() == ".hex")
         return test::bytesFromHexFile(path);
@@ -17,23 +24,49 @@ std::vector<uint8_t> contents(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+Seeds seedsOf(char** directories, char** end)
+{
+    Seeds seeds;
+    for (; directories != end; ++directories)
+        for (const auto& entry : std::filesystem::directory_iterator(*directories))
+            seeds[entry.path().filename()] = contents(entry.path());
+    return seeds;
+}
+
+void write(const std::filesystem::path& directory, const Seeds& seeds)
+{
+    std::filesystem::create_directories(directory);
+    for (const auto& [name, bytes] : seeds) {
+        std::ofstream file(directory / std::filesystem::path(name).stem(), std::ios::binary);
+        file.exceptions(std::ios::failbit | std::ios::badbit);
+        std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(file));
+        file.flush();
+    }
+}
+
+// Every beginning of the seed is an input too, which is what a cut-off transfer gives, and so is
+// each of them with its last byte damaged.
+void replay(Bytes seed)
+{
+    for (; !seed.empty(); seed.pop_back()) {
+        LLVMFuzzerTestOneInput(Bytes(seed).data(), seed.size());
+        seed.back() ^= 0xFF;
+        LLVMFuzzerTestOneInput(Bytes(seed).data(), seed.size());
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    int count = 0;
-    for (int i = 1; i < argc; ++i)
-        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
-            std::vector<uint8_t> bytes = contents(entry.path());
-            // Each beginning of a seed is one too: that is what a device's short answer leaves.
-            // With its last byte damaged it is another.
-            for (; !bytes.empty(); bytes.pop_back()) {
-                LLVMFuzzerTestOneInput(std::vector(bytes).data(), bytes.size());
-                bytes.back() ^= 0xFF;
-                LLVMFuzzerTestOneInput(std::vector(bytes).data(), bytes.size());
-            }
-            ++count;
-        }
-    std::printf("%d seeds\n", count);
-    return count > 0 ? 0 : 1;
+    const bool writes = argc > 2 && std::string(argv[1]) == "--write";
+    const Seeds seeds = seedsOf(argv + (writes ? 3 : 1), argv + argc);
+    if (writes) {
+        write(argv[2], seeds);
+    } else {
+        for (const auto& [name, seed] : seeds)
+            replay(seed);
+    }
+    std::printf("%zu seeds\n", seeds.size());
+    return seeds.empty() ? 1 : 0;
 }
