@@ -1,4 +1,4 @@
-// Byte strings: descriptors, and reports as hidapi exchanges them (report id first).
+// Byte strings: descriptors, and reports as hidapi exchanges them, report id first.
 #pragma once
 
 #include <cstdint>

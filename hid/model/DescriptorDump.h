@@ -9,10 +9,13 @@ namespace KX {
 
 class Root;
 
-// The bytes as a list of hexadecimal numbers, 16 a line, and the tree below it.
+// Formats one line of the dump as sprintf does. Cut at 1,023 characters.
+[[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string DumpText(const char* format, ...);
+
+// The bytes as a list of hexadecimal numbers, 16 a line, followed by the tree.
 [[nodiscard]] std::string DescriptorText(const Root& root, std::span<const uint8_t> bytes);
 
-// Prints that on standard output.
+// Prints DescriptorText() on standard output.
 void DumpDescriptor(const Root& root, std::span<const uint8_t> bytes);
 
 } // namespace KX

@@ -1,10 +1,81 @@
 #include "hid/model/DescriptorParser.h"
 
-#include "hid/model/Collection.h"
-#include "hid/model/Usage.h"
 #include "hid/model/UsagePage.h"
 
 namespace KX {
+
+CollectionContents::CollectionContents(IData& collection, uint32_t page, ReportShape& shape)
+    : collection_(collection)
+    , usagePage_(page)
+    , shape_(shape)
+{
+    constexpr size_t usualUsages = 32; // before one field
+    pendingUsages_.reserve(usualUsages);
+    AddGroup(Item{kTagReportId, 0});
+}
+
+void CollectionContents::Add(const Item& item)
+{
+    switch (item.tag) {
+    case kTagUsagePage:
+        usagePage_ = item.value;
+        break;
+    case kTagUsage:
+        pendingUsages_.push_back(item.value);
+        break;
+    case kTagReportSize:
+        shape_.size = item.value;
+        break;
+    case kTagReportCount:
+        shape_.count = item.value;
+        break;
+    case kTagReportId:
+        SetReportId(item);
+        break;
+    case kTagCollection:
+    case kTagFeature:
+        pendingUsages_.clear();
+        break;
+    case kTagInput:
+    case kTagOutput:
+        AddField(item);
+        break;
+    default:
+        break; // extents, units, ranges and the like do not change where a bit is
+    }
+}
+
+void CollectionContents::AddGroup(const Item& item)
+{
+    auto group = std::make_unique<ReportGroup>(item);
+    group_ = group.get();
+    collection_.AddChild(std::move(group));
+}
+
+void CollectionContents::SetReportId(const Item& item)
+{
+    if (group_->reportId == 0)
+        group_->reportId = item.value;
+    else
+        AddGroup(item);
+}
+
+void CollectionContents::AddField(const Item& item)
+{
+    const FieldLayout layout{group_->reportId, static_cast<int32_t>(shape_.size),
+        static_cast<int32_t>(shape_.count), static_cast<uint8_t>(usagePage_)};
+    group_->AddChild(std::make_unique<DataField>(item, layout, TakeUsages()));
+}
+
+// Of more usages than fields, the last ones count.
+std::vector<uint32_t> CollectionContents::TakeUsages()
+{
+    std::vector<uint32_t> usages;
+    if (shape_.count <= pendingUsages_.size())
+        usages.assign(pendingUsages_.end() - shape_.count, pendingUsages_.end());
+    pendingUsages_.clear();
+    return usages;
+}
 
 void DescriptorParser::ParseRoot(IData& root)
 {
@@ -23,7 +94,7 @@ void DescriptorParser::ParseRoot(IData& root)
 void DescriptorParser::ParsePage(IData& page)
 {
     while (const Item* item = reader_.Peek()) {
-        // Both are left for the root level, which opens the next page or skips the stray end.
+        // Both are left to the root level, which opens the next page or skips the stray end.
         if (item->tag == kTagUsagePage || item->tag == kTagEndCollection)
             return;
         if (item->tag == kTagCollection) {
@@ -52,7 +123,7 @@ void DescriptorParser::ParseCollection(IData& collection, uint32_t page)
             ++depth_;
         else if (item->tag == kTagEndCollection)
             --depth_;
-        contents.Take(*item);
+        contents.Add(*item);
         reader_.Consume();
     }
 }

@@ -1,18 +1,55 @@
-// Builds the nodes of a report descriptor, level by level. Pure; see Root::Parse().
+// Builds the nodes of a report descriptor level by level. Pure. Use Root::Parse().
 #pragma once
 
-#include "hid/model/CollectionContents.h"
-#include "hid/model/ItemReader.h"
+#include "hid/model/Item.h"
+#include "hid/model/ReportGroup.h"
 
 namespace KX {
 
+// The current report size (bits) and report count. They are global items: they keep their values
+// until they are set again, also from one collection to the next, since descriptors leave out
+// what has not changed.
+struct ReportShape {
+    uint32_t size = 0;
+    uint32_t count = 0;
+};
+
+// Turns the items inside one top-level collection into its report groups and their fields.
+class CollectionContents {
+public:
+    // Gives `collection` its first report group, with id 0. `page` is the value of the UsagePage
+    // node that the collection belongs to. It is the page of the fields until a Usage Page item
+    // inside this collection sets another one. Those inside an earlier collection have no effect
+    // here, although HID's global items would keep theirs. Both references must outlive this
+    // object.
+    CollectionContents(IData& collection, uint32_t page, ReportShape& shape);
+
+    // Takes the next item. The caller counts nested collections: their fields belong to the same
+    // groups.
+    void Add(const Item& item);
+
+private:
+    void AddGroup(const Item& item);
+    void SetReportId(const Item& item);
+    void AddField(const Item& item);
+    [[nodiscard]] std::vector<uint32_t> TakeUsages();
+
+    IData& collection_;
+    ReportGroup* group_ = nullptr; // the current one; owned by the collection
+    uint32_t usagePage_;
+    ReportShape& shape_;
+    std::vector<uint32_t> pendingUsages_;
+};
+
 class DescriptorParser {
 public:
+    // `descriptor` must outlive the parser.
     explicit DescriptorParser(std::span<const uint8_t> descriptor)
         : reader_(descriptor)
     {
     }
 
+    // Adds a UsagePage node to `root` for each top-level Usage Page item.
     void ParseRoot(IData& root);
 
 private:
@@ -21,7 +58,7 @@ private:
 
     ItemReader reader_;
     ReportShape shape_;
-    size_t depth_ = 0; // of collections open now
+    size_t depth_ = 0; // number of collections that are open
 };
 
 } // namespace KX

@@ -1,9 +1,12 @@
 #include "hid/model/IData.h"
 
+#include <cassert>
+
 namespace KX {
 
 void IData::AddChild(std::unique_ptr<IData> child)
 {
+    assert(child);
     children.push_back(std::move(child));
 }
 

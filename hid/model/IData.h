@@ -1,8 +1,8 @@
 // The base of every node in a parsed report descriptor.
 //
-// A tree answers one question: in the application collection of a usage page and a usage, which
-// bit of which report carries a control? It is built once by Root::Parse() and read only after
-// that, then from any thread.
+// A tree is for one question: in the application collection of a given usage page and usage, which
+// bit of which report carries a given control? Root::Parse() builds a tree once. After that it is
+// only read, from any thread.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -28,27 +28,28 @@ public:
     IData(const IData&) = delete;
     IData& operator=(const IData&) = delete;
 
-    // Appends a child, never null, and owns it. A node that takes no such child deletes it.
+    // Appends `child`, which must not be null, and owns it. A node that takes no children of that
+    // class deletes it.
     virtual void AddChild(std::unique_ptr<IData> child);
 
     [[nodiscard]] virtual std::string_view GetClassName() const = 0;
 
-    // The node's text with its children's, for diagnosis; `indent` begins each line.
+    // The text of the node and its children, for diagnosis. Each line begins with `indent`.
     [[nodiscard]] virtual std::string Dump(const std::string& indent) const = 0;
 
-    // The report template of the control `usage` in the collection of `collectionUsage`: report id
-    // first (0 when the device uses none), then the report with only the control's bit set. False
-    // when there is none; `out` is then as before.
+    // Writes the report template of the control `usage` in the collection `collectionUsage`: the
+    // report id first (0 when the device uses none), then the report with only the control's bit
+    // set. False, with `out` unchanged, when there is no such control.
     [[nodiscard]] virtual bool FindInput(
         uint32_t collectionUsage, uint32_t usage, Bytes& out) const;
     [[nodiscard]] virtual bool FindOutput(
         uint32_t collectionUsage, uint32_t usage, Bytes& out) const;
 
-    // The same below one collection.
+    // The same within one collection or report group.
     [[nodiscard]] virtual bool FindInputUsage(uint32_t usage, Bytes& out) const;
     [[nodiscard]] virtual bool FindOutputUsage(uint32_t usage, Bytes& out) const;
 
-    // The position of a usage in a field, kNotFound when it has none such.
+    // The position of the first such usage in a field, or kNotFound.
     [[nodiscard]] virtual uint32_t IndexOfUsage(uint32_t usage) const;
 
     const uint8_t tag;

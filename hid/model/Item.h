@@ -1,7 +1,9 @@
 // Short items of a HID report descriptor (USB Device Class Definition for HID 1.11, 6.2.2).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace KX {
 
@@ -21,7 +23,32 @@ enum ItemTag : uint8_t {
 
 struct Item {
     uint8_t tag;
-    uint32_t value; // little-endian and unsigned, whatever the item means
+    uint32_t value; // read as little-endian and unsigned for every tag
+};
+
+// Splits a report descriptor into short items. Pure. Does not own the bytes.
+class ItemReader {
+public:
+    explicit ItemReader(std::span<const uint8_t> descriptor)
+        : rest_(descriptor)
+    {
+        Consume();
+    }
+
+    // The next item, or null at the end. An item whose data would run past the end counts as the
+    // end. The item belongs to the reader and is valid until Consume(). Long items are not
+    // recognised: their bytes are read as short items.
+    [[nodiscard]] const Item* Peek() const { return hasItem_ ? &item_ : nullptr; }
+
+    // Goes on to the item after the one that Peek() returns.
+    void Consume();
+
+private:
+    std::span<const uint8_t> rest_; // after item_
+    bool hasItem_ = false;
+    // An item without data keeps the value of the item before it. This is deliberate: the trees of
+    // existing devices depend on it.
+    Item item_{0, 0xFFFF};
 };
 
 } // namespace KX

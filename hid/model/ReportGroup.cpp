@@ -1,13 +1,20 @@
 #include "hid/model/ReportGroup.h"
 
-#include "hid/model/DumpText.h"
+#include "hid/model/DescriptorDump.h"
 
+#include <algorithm>
+#include <cassert>
 #include <limits>
 #include <optional>
 
 namespace KX {
 
 namespace {
+
+const char* DataType(uint8_t tag)
+{
+    return tag == kTagInput ? "i" : tag == kTagOutput ? "o" : "f";
+}
 
 int64_t AddBits(int64_t sum, int64_t bits)
 {
@@ -31,7 +38,7 @@ std::optional<int64_t> FindBit(const ReportGroup::Fields& list, uint32_t usage)
 
 void Append(ReportGroup::Fields& list, std::unique_ptr<DataField> field)
 {
-    constexpr size_t usualFields = 8; // of one direction
+    constexpr size_t usualFields = 8; // in one direction
     if (list.empty())
         list.reserve(usualFields);
     list.push_back(std::move(field));
@@ -47,9 +54,44 @@ std::string DumpFields(const ReportGroup::Fields& list, const std::string& inden
 
 } // namespace
 
+DataField::DataField(Item item, const FieldLayout& fieldLayout, std::vector<uint32_t> usages)
+    : IData(item)
+    , layout(fieldLayout)
+    , usages_(std::move(usages))
+{
+    assert(usages_.empty() || static_cast<int64_t>(usages_.size()) == layout.reportCount);
+}
+
+void DataField::AddChild(std::unique_ptr<IData>) { }
+
+std::string DataField::Dump(const std::string& indent) const
+{
+    const char* in = indent.c_str();
+    std::string text = DumpText("%sreport    id:\t%u\n%sreport  size:\t%d\n%sreport count:\t%d\n"
+                                "%sdata    type:\t%s\n%susage   page:\t%u\n",
+        in, layout.reportId, in, layout.reportSize, in, layout.reportCount, in, DataType(tag), in,
+        layout.usagePage);
+    text += DumpText("%susage: ", in);
+    for (const uint32_t usage : usages_)
+        text += DumpText("0x%02x ", usage);
+    return text + "\n";
+}
+
+uint32_t DataField::IndexOfUsage(uint32_t usage) const
+{
+    const auto found = std::find(usages_.begin(), usages_.end(), usage);
+    return found == usages_.end() ? kNotFound : static_cast<uint32_t>(found - usages_.begin());
+}
+
+int64_t DataField::BitSize() const
+{
+    return int64_t{layout.reportSize} * layout.reportCount;
+}
+
 void ReportGroup::AddChild(std::unique_ptr<IData> child)
 {
-    if (!child || child->GetClassName() != "DataField")
+    assert(child);
+    if (child->GetClassName() != "DataField")
         return;
     std::unique_ptr<DataField> field(static_cast<DataField*>(child.release()));
     if (field->layout.reportId != reportId)
@@ -89,7 +131,7 @@ bool ReportGroup::BuildTemplate(const Fields& list, uint32_t usage, Bytes& out) 
     out.assign(static_cast<size_t>((total + 7) / 8 + 1), 0);
     out[0] = static_cast<uint8_t>(reportId);
     const auto byte = static_cast<size_t>(*bit / 8) + 1;
-    if (byte < out.size()) // a field of no bits can lie behind the report's end
+    if (byte < out.size()) // a field of 0 bits can lie after the report's end
         out[byte] = static_cast<uint8_t>(1u << (*bit % 8));
     return true;
 }

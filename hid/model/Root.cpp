@@ -1,9 +1,10 @@
 #include "hid/model/Root.h"
 
+#include "hid/model/DescriptorDump.h"
 #include "hid/model/DescriptorParser.h"
-#include "hid/model/DumpText.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace KX {
 
@@ -32,6 +33,7 @@ bool Root::FindOutput(uint32_t page, uint32_t collectionUsage, uint32_t usage, B
 
 void Root::Parse(std::span<const uint8_t> descriptor)
 {
+    assert(children.empty());
     DescriptorParser(descriptor).ParseRoot(*this);
 }
 

@@ -1,10 +1,35 @@
 #include "hid/model/UsagePage.h"
 
-#include "hid/model/DumpText.h"
+#include "hid/model/DescriptorDump.h"
 
 #include <algorithm>
 
 namespace KX {
+
+void Usage::AddChild(std::unique_ptr<IData>) { }
+
+std::string Usage::Dump(const std::string& indent) const
+{
+    return DumpText("%sUsage(%02x) %02x:\n", indent.c_str(), tag, value);
+}
+
+std::string Collection::Dump(const std::string& indent) const
+{
+    return DumpText("%sCollection(%lu):\n", indent.c_str(), children.size())
+        + DumpChildren(indent + "\t");
+}
+
+bool Collection::FindInputUsage(uint32_t usage, Bytes& out) const
+{
+    return std::any_of(children.begin(), children.end(),
+        [&](const auto& group) { return group->FindInputUsage(usage, out); });
+}
+
+bool Collection::FindOutputUsage(uint32_t usage, Bytes& out) const
+{
+    return std::any_of(children.begin(), children.end(),
+        [&](const auto& group) { return group->FindOutputUsage(usage, out); });
+}
 
 std::string UsagePage::Dump(const std::string& indent) const
 {

@@ -1,4 +1,4 @@
-#include "hid/model/ItemReader.h"
+#include "hid/model/Item.h"
 
 namespace KX {
 
