@@ -160,7 +160,7 @@ void CKXHostStackStdHid::SendHoldOff()
 void CKXHostStackStdHid::Send(const Bytes& report)
 {
     if (device)
-        (void)hid_write(device->handle, report.data(), report.size());
+        (void)device->Write(report);
 }
 
 } // namespace KX

@@ -34,8 +34,7 @@ void CKXHostStackStdHid::ReadReports()
 {
     std::array<uint8_t, kReadBufferSize> buffer;
     while (!StopRequested()) {
-        const int size
-            = hid_read_timeout(device->handle, buffer.data(), buffer.size(), kReadTimeoutMs);
+        const int size = device->Read(buffer, kReadTimeoutMs);
         if (size > 0)
             HandleReport(std::span(buffer).first(static_cast<size_t>(size)));
         else if (size < 0)

@@ -16,8 +16,7 @@ constexpr uint8_t kReportDescriptorType = 0x22;
 
 constexpr int kAttempts = 4;
 
-// As often as it takes to get it whole, at most kAttempts times. Returns the last answer's length,
-// negative when it failed.
+// Returns the length of the last answer, or a negative error.
 int Read(UsbInterface& interface, Bytes& descriptor)
 {
     int received = 0;

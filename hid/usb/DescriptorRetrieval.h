@@ -1,4 +1,4 @@
-// Reads a HID interface's report descriptor through libusb, with a handle of its own.
+// Reads the report descriptor of a HID interface through libusb, with a handle of its own.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -8,21 +8,26 @@
 
 namespace KX {
 
-// The report descriptor of the HID interface that hidapi names `path`; hidapi must not have it
-// open. Both of hidapi's forms are known: "1-2.3:1.0" (bus-ports:configuration.interface) and
-// "0001:0002:00" (bus:address:interface in hexadecimal).
+// Returns the report descriptor of the HID interface that hidapi names `path`; see HidPath.h for
+// the two forms of a path. hidapi must not have the interface open. A kernel driver is detached for
+// the time of the call.
 //
-// A kernel driver is detached meanwhile and attached again. Blocks for at most four time-outs of
-// 5 s. Failures are told on standard output, in the words of a USB descriptor listing:
-// - no such interface, no permission, a driver that stays, or no report descriptor announced:
-//   empty, nothing printed;
-// - the interface cannot be claimed: as many zeros as the descriptor was announced to have;
-// - four short answers: what the last one brought, padded with zeros;
-// - more than 4,096 bytes announced: zeros, as the kernel does not let libusb ask for so many.
+// Makes up to four attempts, each of which blocks for at most 5 s. Failures are printed on standard
+// output in the usual words of a USB descriptor listing. The result is:
+// - empty, with nothing printed, when there is no such interface, permission is missing, the kernel
+//   driver cannot be detached, or the interface announces no report descriptor;
+// - as many zeros as the interface announces bytes, when it cannot be claimed;
+// - after four short or failed attempts: the bytes that the device sent. Each attempt overwrites
+//   the beginning of what earlier ones left, so that the tail may be from an earlier, longer
+//   answer. Bytes that no attempt sent are 0;
+// - all zeros when more than 4,096 bytes are announced: libusb rejects such requests.
+//
+// Throws std::bad_alloc, with nothing left open.
 [[nodiscard]] Bytes RetrieveReportDescriptor(const char* path);
 
-// The length that an interface's class-specific bytes announce for its report descriptor: that of
-// their first entry of type Report; nothing when there is none. Pure; takes any bytes.
+// The length in bytes that an interface's class-specific descriptor announces for its report
+// descriptor: that of its first entry of type Report. Nothing when there is none. Pure; takes any
+// bytes.
 [[nodiscard]] std::optional<uint16_t> AnnouncedDescriptorLength(std::span<const uint8_t> extra);
 
 } // namespace KX

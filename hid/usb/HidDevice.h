@@ -1,46 +1,69 @@
-// hidapi's open, extended by the device's report descriptor, which hidapi 0.13 does not hand out.
+// hidapi's devices, with the report descriptor added, which hidapi before 0.14 does not offer.
 //
-// hidapi keeps process-wide state without a lock: open and close devices on one thread. Reading
-// and writing an open device from two threads at once is fine.
+// hidapi keeps process-wide state without a lock: all functions and the destructor belong to one
+// thread. An open device may be read on one thread while another writes to it.
 #pragma once
 
 #include "hid/model/Bytes.h"
 
-#include <hidapi/hidapi.h>
 #include <memory>
-#include <string>
+#include <span>
+
+struct hid_device_; // hidapi's handle
 
 namespace KX {
 
 enum class DescriptorFetch { Off, On };
 
-// An open device; closes it when it goes.
+struct CloseHidHandle {
+    void operator()(hid_device_* handle) const;
+};
+using HidHandle = std::unique_ptr<hid_device_, CloseHidHandle>;
+
+// An open device. The destructor closes it and gives the interface back to the kernel driver.
 class HidDevice {
 public:
-    explicit HidDevice(hid_device* opened)
-        : handle(opened)
-    {
-    }
-    ~HidDevice() { hid_close(handle); }
+    // Takes over `handle`, which must not be null. Use hid_open() or hid_open_path().
+    HidDevice(HidHandle handle, Bytes reportDescriptor);
+    ~HidDevice();
     HidDevice(const HidDevice&) = delete;
     HidDevice& operator=(const HidDevice&) = delete;
 
-    hid_device* const handle; // never null; owned
-    Bytes reportDescriptor;   // empty when not fetched
+    // Waits at most `timeoutMs` for an input report. Returns its length in bytes, 0 when none came,
+    // or a negative number when reading failed. A longer report is cut to the buffer. An unplugged
+    // device fails at once.
+    [[nodiscard]] int Read(std::span<uint8_t> buffer, int timeoutMs);
+
+    // Sends an output report, report id first. Blocks until the device has taken it, for at most
+    // 1 s. Returns whether it has.
+    [[nodiscard]] bool Write(std::span<const uint8_t> report);
+
+    // Empty when it was not fetched or the fetch got nothing.
+    [[nodiscard]] const Bytes& ReportDescriptor() const { return reportDescriptor_; }
+
+private:
+    const HidHandle handle_;
+    const Bytes reportDescriptor_;
 };
 
-// The first device of these ids and, unless `serialNumber` is null, of that serial number; null
-// when there is none or it cannot be opened.
+// Opens the first device with these ids and, unless `serialNumber` is null, this serial number.
+// Null when there is none or it cannot be opened.
+//
+// hidapi reads the three name strings of every interface with these ids first. It waits at most
+// 1 s for each transfer, and a string takes up to three transfers.
 [[nodiscard]] std::unique_ptr<HidDevice> hid_open(uint16_t vendorId, uint16_t productId,
     const wchar_t* serialNumber, DescriptorFetch fetchDescriptor);
 
-// The device of a path of hidapi's; null when it cannot be opened. With DescriptorFetch::On the
-// report descriptor is read first, which can take up to 20 s with a device that does not answer.
-// A device whose descriptor cannot be read opens all the same.
+// Opens the device with this path, a name that hidapi made. Null when it cannot be opened.
+// DescriptorFetch::On reads the report descriptor first, see RetrieveReportDescriptor(). A device
+// whose descriptor cannot be read is opened all the same.
 [[nodiscard]] std::unique_ptr<HidDevice> hid_open_path(
     const char* path, DescriptorFetch fetchDescriptor);
 
-// Copies the fetched descriptor; false, and `out` as before, when there is none.
+// Copies the fetched descriptor. False, with `out` unchanged, when `device` is null or has none.
 [[nodiscard]] bool hid_get_report_descriptor_copy(const HidDevice* device, Bytes& out);
+
+// Frees hidapi's process-wide state. No HidDevice may be open in the process. May be repeated.
+void hid_exit();
 
 } // namespace KX

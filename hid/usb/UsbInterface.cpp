@@ -2,6 +2,8 @@
 
 #include "hid/usb/HidPath.h"
 
+#include <algorithm>
+#include <cassert>
 #include <memory>
 #include <span>
 
@@ -18,6 +20,10 @@ struct FreeConfiguration {
     {
         libusb_free_config_descriptor(configuration);
     }
+};
+
+struct FreeDeviceList {
+    void operator()(libusb_device** list) const { libusb_free_device_list(list, 1); }
 };
 
 std::span<const libusb_interface_descriptor> AltSettings(const libusb_interface& interface)
@@ -39,19 +45,20 @@ UsbInterface::~UsbInterface()
 
 bool UsbInterface::Open(const std::string& path)
 {
+    assert(!context_);
     if (libusb_init(&context_) != LIBUSB_SUCCESS)
         return false;
-    libusb_device** list = nullptr;
-    const ssize_t count = libusb_get_device_list(context_, &list);
-    bool opened = false;
-    for (ssize_t i = 0; i < count && !opened; ++i)
-        opened = OpenOn(list[i], path);
-    if (count >= 0)
-        libusb_free_device_list(list, 1);
-    return opened;
+    libusb_device** found = nullptr;
+    const ssize_t count = libusb_get_device_list(context_, &found);
+    if (count < 0)
+        return false;
+    const std::unique_ptr<libusb_device*, FreeDeviceList> list(found);
+    const std::span devices(found, static_cast<size_t>(count));
+    return std::any_of(devices.begin(), devices.end(),
+        [&](libusb_device* device) { return OpenIfNamed(device, path); });
 }
 
-bool UsbInterface::OpenOn(libusb_device* device, const std::string& path)
+bool UsbInterface::OpenIfNamed(libusb_device* device, const std::string& path)
 {
     libusb_config_descriptor* active = nullptr;
     if (libusb_get_active_config_descriptor(device, &active) != LIBUSB_SUCCESS)
@@ -61,14 +68,15 @@ bool UsbInterface::OpenOn(libusb_device* device, const std::string& path)
         for (const auto& descriptor : AltSettings(interface)) {
             if (descriptor.bInterfaceClass == LIBUSB_CLASS_HID
                 && IsHidPath(path, device, *active, descriptor.bInterfaceNumber)
-                && Take(device, descriptor))
+                && OpenInterface(device, descriptor))
                 return true;
         }
     }
     return false;
 }
 
-bool UsbInterface::Take(libusb_device* device, const libusb_interface_descriptor& descriptor)
+bool UsbInterface::OpenInterface(
+    libusb_device* device, const libusb_interface_descriptor& descriptor)
 {
     if (libusb_open(device, &handle_) != LIBUSB_SUCCESS) {
         handle_ = nullptr;
@@ -95,16 +103,19 @@ bool UsbInterface::DetachDriver()
 
 bool UsbInterface::Claim()
 {
+    assert(handle_);
     return libusb_claim_interface(handle_, number_) == LIBUSB_SUCCESS;
 }
 
 void UsbInterface::Release()
 {
+    assert(handle_);
     libusb_release_interface(handle_, number_);
 }
 
 int UsbInterface::GetReportDescriptor(Bytes& descriptor)
 {
+    assert(handle_);
     return libusb_control_transfer(handle_, kRequestType, LIBUSB_REQUEST_GET_DESCRIPTOR,
         kReportDescriptor, static_cast<uint16_t>(number_), descriptor.data(),
         static_cast<uint16_t>(descriptor.size()), kTimeoutMs);

@@ -8,32 +8,35 @@
 
 namespace KX {
 
-// Owns a libusb context and handle. One thread at a time.
+// Owns a libusb context and a handle. For one thread at a time. All operations but Open() need an
+// interface that is open.
 class UsbInterface {
 public:
     UsbInterface() = default;
+    // Closes the handle. Attaches the kernel driver again if Open() detached one.
     ~UsbInterface();
     UsbInterface(const UsbInterface&) = delete;
     UsbInterface& operator=(const UsbInterface&) = delete;
 
-    // Opens the device and takes the interface from a kernel driver; the destructor gives it back.
-    // Goes on to the next interface of that name when one cannot be had, as hidapi does. False
-    // when none can. Once per object.
+    // Opens the device and detaches a kernel driver from the interface. When one interface of that
+    // name cannot be opened the next is tried, as hidapi does. False when none can. Once per
+    // object.
     [[nodiscard]] bool Open(const std::string& path);
 
-    // The bytes behind the interface's descriptor: a HID descriptor comes first.
+    // The class-specific bytes after the interface descriptor. They start with the HID descriptor.
     [[nodiscard]] const Bytes& ClassDescriptor() const { return classDescriptor_; }
 
     [[nodiscard]] bool Claim();
     void Release();
 
-    // Asks for as many bytes as `descriptor` has, within 5 s. Returns the number received, which
-    // overwrite its first bytes, or libusb's negative error.
+    // Asks for as many bytes as `descriptor` has. Blocks for at most 5 s. Returns the number of
+    // bytes received, which overwrite the beginning of `descriptor`, or libusb's negative error.
     [[nodiscard]] int GetReportDescriptor(Bytes& descriptor);
 
 private:
-    [[nodiscard]] bool OpenOn(libusb_device* device, const std::string& path);
-    [[nodiscard]] bool Take(libusb_device* device, const libusb_interface_descriptor& descriptor);
+    [[nodiscard]] bool OpenIfNamed(libusb_device* device, const std::string& path);
+    [[nodiscard]] bool OpenInterface(
+        libusb_device* device, const libusb_interface_descriptor& descriptor);
     [[nodiscard]] bool DetachDriver();
 
     libusb_context* context_ = nullptr;
