@@ -1,40 +1,53 @@
-// What the host asks for; CKXHostStackStdHidReader.cpp has what the device says.
 #include "hid/CKXHostStackStdHid.h"
 
 #include "base/src/trace.h"
-#include "hid/DescriptorCache.h"
-#include "hid/model/ReportTemplate.h"
 
+#include <array>
+#include <cassert>
+#include <chrono>
 #include <mutex>
+#include <thread>
 
 namespace KX {
+
+namespace {
+
+constexpr size_t kReadBufferSize = 64; // a full-speed interrupt packet
+constexpr int kReadTimeoutMs = 100;
+// A device that has been unplugged fails every read at once; without a pause that burns a core.
+constexpr std::chrono::milliseconds kFailedReadPause{1};
+
+// The stack whose reader thread this is, or null.
+thread_local const CKXHostStackStdHid* readingStack = nullptr;
+
+} // namespace
+
+CKXHostStackStdHid::CKXHostStackStdHid(DescriptorCache& descriptorCache)
+    : cache(descriptorCache)
+{
+}
 
 CKXHostStackStdHid::~CKXHostStackStdHid()
 {
     CKXHostStackStdHid::Close();
-    readerThread.join();
 }
 
 int CKXHostStackStdHid::Open(IHostStackSink* eventSink, uint16_t vendor, uint16_t product)
 {
+    assert(!device);
     sink = eventSink;
     vendorId = vendor;
     productId = product;
 
-    const Root* known = DescriptorCache::Instance().Find(vendorId, productId);
-    if (!(known ? OpenKnown(*known) : OpenNew())) {
+    const Root* tree = OpenDevice();
+    if (!tree) {
         TraceThis(this, kTraceError, "cannot open %04x:%04x", vendorId, productId);
         return 0;
     }
-    controls = TelephonyControls::FromDescriptor(*descriptorRoot);
-
-    {
-        const std::lock_guard guard(lock);
-        stopRequested = false;
-    }
-    if (!readerThread.start(ReaderRoutine, this)) {
+    machine.SetControls(TelephonyControls::FromDescriptor(*tree));
+    if (!StartReader()) {
         TraceThis(this, kTraceError, "no reader thread for %04x:%04x", vendorId, productId);
-        GiveUp();
+        CloseDevice();
         return 0;
     }
     Unmute();
@@ -43,32 +56,37 @@ int CKXHostStackStdHid::Open(IHostStackSink* eventSink, uint16_t vendor, uint16_
     return 1;
 }
 
-bool CKXHostStackStdHid::OpenKnown(const Root& tree)
+// Returns the tree of the device's report descriptor, or null when the device is not open.
+const Root* CKXHostStackStdHid::OpenDevice()
+{
+    const Root* known = cache.Find(vendorId, productId);
+    return known ? OpenKnownDevice(*known) : OpenNewDevice();
+}
+
+const Root* CKXHostStackStdHid::OpenKnownDevice(const Root& tree)
 {
     device = hid_open(vendorId, productId, nullptr, DescriptorFetch::Off);
-    descriptorRoot = &tree;
-    return device != nullptr;
+    return device ? &tree : nullptr;
 }
 
-// The tree enters the cache first and stays whatever follows: a device that failed once is not
-// asked again, it opens with the empty tree and without controls.
-bool CKXHostStackStdHid::OpenNew()
+// The empty tree enters the cache first and stays there when the device cannot be opened or returns
+// no descriptor. This is deliberate: such a device is not asked again, it opens without controls.
+const Root* CKXHostStackStdHid::OpenNewDevice()
 {
-    Root& tree = DescriptorCache::Instance().Add(vendorId, productId);
-    descriptorRoot = &tree;
+    Root& tree = cache.Add(vendorId, productId);
     device = hid_open(vendorId, productId, nullptr, DescriptorFetch::On);
     if (!device)
-        return false;
+        return nullptr;
     Bytes descriptor;
     if (!hid_get_report_descriptor_copy(device.get(), descriptor)) {
-        GiveUp();
-        return false;
+        CloseDevice();
+        return nullptr;
     }
     tree.Parse(descriptor);
-    return true;
+    return &tree;
 }
 
-void CKXHostStackStdHid::GiveUp()
+void CKXHostStackStdHid::CloseDevice()
 {
     device.reset();
     hid_exit();
@@ -76,87 +94,71 @@ void CKXHostStackStdHid::GiveUp()
 
 void CKXHostStackStdHid::Close()
 {
+    assert(readingStack != this);
     {
         const std::lock_guard guard(lock);
         stopRequested = true;
     }
     readerThread.join();
-    device.reset();
-    hid_exit();
+    CloseDevice();
 }
 
-void CKXHostStackStdHid::Mute()
+bool CKXHostStackStdHid::StartReader()
 {
-    if (!controls.hasMuteLed || callState != kCallActive)
+    {
+        const std::lock_guard guard(lock);
+        stopRequested = false;
+    }
+    return readerThread.start(ReaderRoutine, this) != 0;
+}
+
+void CKXHostStackStdHid::ReaderRoutine(void* self)
+{
+    auto* const stack = static_cast<CKXHostStackStdHid*>(self);
+    readingStack = stack;
+    stack->ReadReports();
+}
+
+bool CKXHostStackStdHid::StopRequested()
+{
+    const std::lock_guard guard(lock);
+    return stopRequested;
+}
+
+void CKXHostStackStdHid::ReadReports()
+{
+    std::array<uint8_t, kReadBufferSize> buffer;
+    while (!StopRequested()) {
+        const int size = device->Read(buffer, kReadTimeoutMs);
+        if (size > 0)
+            machine.HandleReport(std::span(buffer).first(static_cast<size_t>(size)));
+        else if (size < 0)
+            std::this_thread::sleep_for(kFailedReadPause);
+    }
+}
+
+void CKXHostStackStdHid::Notify(TelephonyStateMachine::Event event)
+{
+    if (!sink)
         return;
-    muteState = kMuted;
-    Send(Combined(controls.muteLedReport, controls.offHookLedReport));
+    using Event = TelephonyStateMachine::Event;
+    switch (event) {
+    case Event::Mute:
+        sink->OnDeviceMute();
+        break;
+    case Event::Unmute:
+        sink->OnDeviceUnmute();
+        break;
+    case Event::OffHook:
+        sink->OnDeviceOffHook();
+        break;
+    case Event::HangUp:
+        sink->OnDeviceHangUp();
+        break;
+    }
 }
 
-void CKXHostStackStdHid::Unmute()
-{
-    if (!controls.hasMuteLed || callState != kCallActive)
-        return;
-    muteState = kUnmuted;
-    Send(ShareReport(controls.muteLedReport, controls.offHookLedReport)
-            ? controls.offHookLedReport
-            : Cleared(controls.muteLedReport));
-}
-
-void CKXHostStackStdHid::HangUp()
-{
-    callState = kCallIdle;
-    hookState = kOnHook;
-    SendRingOff();
-    SendOffHookOff();
-    SendHoldOff();
-}
-
-void CKXHostStackStdHid::OffHook()
-{
-    callState = kCallActive;
-    hookState = kOffHook;
-    SendRingOff();
-    SendOffHookOn();
-}
-
-void CKXHostStackStdHid::Ring()
-{
-    if (!controls.hasRingLed)
-        return;
-    const uint32_t before = callState;
-    if (before == kCallIdle)
-        Send(controls.ringLedReport);
-    else if (before == kCallActive && controls.hasOffHookLed)
-        Send(Combined(controls.ringLedReport, controls.offHookLedReport));
-    callState = kCallRinging; // also when there was nothing to send
-}
-
-void CKXHostStackStdHid::SendRingOff()
-{
-    if (controls.hasRingLed)
-        Send(Cleared(controls.ringLedReport));
-}
-
-void CKXHostStackStdHid::SendOffHookOff()
-{
-    if (controls.hasOffHookLed)
-        Send(Cleared(controls.offHookLedReport));
-}
-
-void CKXHostStackStdHid::SendOffHookOn()
-{
-    if (controls.hasOffHookLed)
-        Send(controls.offHookLedReport);
-}
-
-void CKXHostStackStdHid::SendHoldOff()
-{
-    if (controls.hasHoldLed)
-        Send(Cleared(controls.holdLedReport));
-}
-
-// A lost report shows on the device; there is nobody to tell.
+// A failed write is ignored: the device shows it, and nobody else could act on it.
 void CKXHostStackStdHid::Send(const Bytes& report)
 {
     if (device)

@@ -1,28 +1,27 @@
-// The standard HID stack: drives and hears one USB telephony device through hidapi.
-//
-// Two threads come here. The host's makes all calls of IHostHidStack; the reader thread, running
-// from Open() to Close(), reads input reports, calls the sink and answers presses with output
-// reports of its own. Controls are looked up once before the reader starts and only read after
-// that; the three states are atomics, each good on its own: the two threads may interleave between
-// them, as the user's finger and the window may.
+// The standard HID stack: one USB telephony device, driven through hidapi.
 #pragma once
 
 #include "base/src/util/thread.h"
 #include "base/src/util/thread_mutex.h"
+#include "hid/DescriptorCache.h"
 #include "hid/IHostHidStack.h"
 #include "hid/IMivoAudioSdkSink.h"
-#include "hid/model/TelephonyControls.h"
+#include "hid/model/TelephonyStateMachine.h"
 #include "hid/usb/HidDevice.h"
 
-#include <atomic>
 #include <memory>
-#include <span>
 
 namespace KX {
 
-class CKXHostStackStdHid : public IHostHidStack, public IMivoAudioSdkSink {
+// Owns the device and the reader thread, which runs from Open() to Close(). The reader thread
+// passes input reports to the state machine and sends what the machine answers. The host's thread
+// runs everything else. The device changes only while there is no reader thread.
+class CKXHostStackStdHid final : public IHostHidStack,
+                                 public IMivoAudioSdkSink,
+                                 private TelephonyStateMachine::Output {
 public:
-    CKXHostStackStdHid() = default;
+    // `descriptorCache` must outlive the stack.
+    explicit CKXHostStackStdHid(DescriptorCache& descriptorCache = DescriptorCache::Instance());
     ~CKXHostStackStdHid() override;
     CKXHostStackStdHid(const CKXHostStackStdHid&) = delete;
     CKXHostStackStdHid& operator=(const CKXHostStackStdHid&) = delete;
@@ -32,54 +31,39 @@ public:
     int QueryOptionB() override { return 0; }
     [[nodiscard]] int Open(IHostStackSink* eventSink, uint16_t vendor, uint16_t product) override;
     void Close() override;
-    void Mute() override;
-    void Unmute() override;
-    void HangUp() override;
-    void OffHook() override;
-    void Ring() override;
-    [[nodiscard]] uint32_t GetMuteState() override { return muteState; }
-    [[nodiscard]] uint32_t GetCallState() override { return callState; }
+    void Mute() override { machine.Mute(); }
+    void Unmute() override { machine.Unmute(); }
+    void HangUp() override { machine.HangUp(); }
+    void OffHook() override { machine.OffHook(); }
+    void Ring() override { machine.Ring(); }
+    [[nodiscard]] uint32_t GetMuteState() override { return machine.MuteState(); }
+    [[nodiscard]] uint32_t GetCallState() override { return machine.CallState(); }
     void OnAudioSdkEvent() override { }
 
-protected:
-    // What the reader thread does with one input report.
-    void HandleReport(std::span<const uint8_t> report);
-
-    IHostStackSink* sink = nullptr; // not owned; null: nobody hears
-    uint16_t vendorId = 0;
-    uint16_t productId = 0;
-    std::unique_ptr<HidDevice> device;    // changes only while no reader runs
-    const Root* descriptorRoot = nullptr; // the cache's
-    TelephonyControls controls;
-
 private:
-    enum HookState : uint32_t { kHookNeverSet = 0, kOnHook = 1, kOffHook = 2 };
+    [[nodiscard]] const Root* OpenDevice();
+    [[nodiscard]] const Root* OpenKnownDevice(const Root& tree);
+    [[nodiscard]] const Root* OpenNewDevice();
+    void CloseDevice();
 
-    [[nodiscard]] bool OpenKnown(const Root& tree);
-    [[nodiscard]] bool OpenNew();
-    void GiveUp();
-
+    [[nodiscard]] bool StartReader();
     static void ReaderRoutine(void* self);
     [[nodiscard]] bool StopRequested();
     void ReadReports();
-    void ToggleMute();
-    void HandleRinging(std::span<const uint8_t> report);
-    void AnsweredOnDevice();
-    void RejectedOnDevice();
-    void WaitingCallRefusedOnDevice();
 
-    void SendRingOff();
-    void SendOffHookOff();
-    void SendOffHookOn();
-    void SendHoldOff();
-    void Send(const Bytes& report);
+    // Called by the machine, on either thread.
+    void Notify(TelephonyStateMachine::Event event) override;
+    void Send(const Bytes& report) override;
 
-    std::atomic<uint32_t> muteState = kMuteNeverSet;
-    std::atomic<uint32_t> callState = kCallNeverSet;
-    std::atomic<uint32_t> hookState = kHookNeverSet; // the hook's position before the ring
+    DescriptorCache& cache;
+    IHostStackSink* sink = nullptr; // not owned; may be null
+    uint16_t vendorId = 0;
+    uint16_t productId = 0;
+    std::unique_ptr<HidDevice> device;
+    TelephonyStateMachine machine{*this};
     rkb::thread_t readerThread;
     rkb::thread_mutex_recursive lock;
-    bool stopRequested = false; // under `lock`
+    bool stopRequested = false; // guarded by `lock`
 };
 
 } // namespace KX

@@ -2,6 +2,8 @@
 
 #include "hid/model/BuiltInDescriptor.h"
 
+#include <cassert>
+
 namespace KX {
 
 namespace {
@@ -32,9 +34,15 @@ const Root* DescriptorCache::Find(uint16_t vendorId, uint16_t productId) const
 
 Root& DescriptorCache::Add(uint16_t vendorId, uint16_t productId)
 {
-    auto& tree = trees_[Key(vendorId, productId)];
-    tree = std::make_unique<Root>();
-    return *tree;
+    auto tree = std::make_unique<Root>();
+    const auto [entry, added] = trees_.emplace(Key(vendorId, productId), std::move(tree));
+    assert(added);
+    return *entry->second;
+}
+
+void DescriptorCache::Remove(uint16_t vendorId, uint16_t productId)
+{
+    trees_.erase(Key(vendorId, productId));
 }
 
 } // namespace KX

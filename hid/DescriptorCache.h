@@ -1,4 +1,4 @@
-// Parsed report descriptors of the devices met so far, for the life of the process.
+// Parsed report descriptors of the devices that were opened so far.
 #pragma once
 
 #include "hid/model/Root.h"
@@ -8,21 +8,29 @@
 
 namespace KX {
 
-// Used on the host's thread only.
+// Owns a tree for each pair of vendor and product id. For one thread, the host's; a tree itself may
+// be read on any thread.
 class DescriptorCache {
 public:
-    // The one cache; made on first use with the tree of the built-in descriptor.
+    // The process-wide cache. It is made on first use and destroyed at exit.
     static DescriptorCache& Instance();
 
-    // The tree of a device, or null. Trees are never removed, so the pointer stays good.
+    // Has the tree of the built-in descriptor.
+    DescriptorCache();
+    DescriptorCache(const DescriptorCache&) = delete;
+    DescriptorCache& operator=(const DescriptorCache&) = delete;
+
+    // The tree of a device, or null. It stays where it is until Remove() or the cache's end.
     [[nodiscard]] const Root* Find(uint16_t vendorId, uint16_t productId) const;
 
-    // Enters an empty tree for a device that has none yet; owned by the cache.
+    // Adds an empty tree for a device that must not have one yet. Throws std::bad_alloc, with the
+    // cache unchanged.
     Root& Add(uint16_t vendorId, uint16_t productId);
 
-private:
-    DescriptorCache();
+    // Deletes the tree of a device, if there is one.
+    void Remove(uint16_t vendorId, uint16_t productId);
 
+private:
     std::map<uint32_t, std::unique_ptr<Root>> trees_;
 };
 

@@ -1,62 +1,64 @@
-// The interface between the device host and a HID stack. The order of operations is contract.
+// The interface between the device host and a HID stack. The order of the operations is part of
+// the contract.
 #pragma once
+
+#include "hid/model/TelephonyStates.h"
 
 #include <cstdint>
 
 namespace KX {
 
-// What the user did on the device. Called on the stack's reader thread only, never while or after
-// the stack's Close() returns. An operation must not close or delete the stack that calls it.
+// Receives what the user does on the device. All operations are called on the stack's reader
+// thread, from the time Open() starts it until Close() returns: events still come while Close()
+// waits for the reader thread, none come afterwards. An operation must not close or delete the
+// stack, which would wait for itself, and it delays Close() for as long as it takes.
 class IHostStackSink {
 public:
     virtual void OnDeviceMute() = 0;
     virtual void OnDeviceUnmute() = 0;
     virtual void OnDeviceOffHook() = 0; // answered
-    virtual void OnDeviceHangUp() = 0;  // rejected or ended
+    virtual void OnDeviceHangUp() = 0;  // rejected
 
 protected:
     ~IHostStackSink() = default;
 };
 
-enum StackMuteState : uint32_t {
-    kMuteNeverSet = 0,
-    kMuted = 1,
-    kUnmuted = 2,
-};
-
-enum StackCallState : uint32_t {
-    kCallNeverSet = 0,
-    kCallIdle = 1,   // on hook
-    kCallActive = 2, // off hook
-    kCallRinging = 3,
-};
-
-// One device. All operations belong to one thread, the host's; those that light lamps wait until
-// the device has taken each report, at most a second each. Only one stack of a process may be open:
-// closing it ends hidapi.
+// One device. All operations belong to one thread, the host's. Only one stack of a process may be
+// open at a time: closing one ends hidapi for all.
+//
+// Sending a report blocks until the device has taken it, for at most 1 s.
 class IHostHidStack {
 public:
+    // Closes the device.
     virtual ~IHostHidStack() = default;
 
-    virtual int QuerySupport() = 0; // 1
-    virtual int QueryOptionA() = 0; // 0
-    virtual int QueryOptionB() = 0; // 0
+    virtual int QuerySupport() = 0; // returns 1
+    virtual int QueryOptionA() = 0; // returns 0
+    virtual int QueryOptionB() = 0; // returns 0
 
-    // Opens the first device of these ids and makes it idle, its lamps off. Once per object.
-    // `sink` may be null; else it must live until Close() has returned. Returns 1, or 0 when the
-    // device cannot be opened, tells no report descriptor, or no thread can be started; nothing is
-    // open then. A device without telephony controls opens: what it lacks does nothing.
+    // Opens the first device with these ids and makes it idle with its LEDs off. At most once per
+    // object unless it failed. `sink` is not owned. It may be null, otherwise it must live until
+    // Close() has returned.
+    //
+    // Returns 1 on success. Returns 0 when the device cannot be opened or returns no report
+    // descriptor, no thread can be started or memory runs out. Nothing is open then. A device
+    // without telephony controls opens: operations do nothing where it lacks the control.
+    //
+    // Blocks while hidapi lists the devices (up to 1 s for each string transfer with a device that
+    // does not respond), while the report descriptor is read (up to 4 x 5 s; only for ids that were
+    // not opened before) and while up to three reports are sent.
     [[nodiscard]] virtual int Open(IHostStackSink* sink, uint16_t vendorId, uint16_t productId) = 0;
 
-    // Stops the reader and closes the device; within one read time-out (100 ms), or
-    // when the report that the reader may be sending has been taken. May be repeated.
+    // Stops the reader thread and closes the device. May be repeated. Blocks until the reader
+    // thread has finished its read (up to 100 ms) and, if that returned a report, has called the
+    // sink and sent the one or two reports that follow.
     virtual void Close() = 0;
 
-    virtual void Mute() = 0;    // in a call only
-    virtual void Unmute() = 0;  // in a call only
-    virtual void HangUp() = 0;  // back to idle
-    virtual void OffHook() = 0; // in a call
-    virtual void Ring() = 0;    // an incoming call, also during a call
+    virtual void Mute() = 0;    // sends one report; does nothing unless a call is active
+    virtual void Unmute() = 0;  // the same
+    virtual void HangUp() = 0;  // sends up to three reports
+    virtual void OffHook() = 0; // sends up to two reports
+    virtual void Ring() = 0;    // sends up to one report; also during a call
 
     [[nodiscard]] virtual uint32_t GetMuteState() = 0; // a StackMuteState
     [[nodiscard]] virtual uint32_t GetCallState() = 0; // a StackCallState

@@ -1,4 +1,5 @@
-// The sink of an audio SDK. Host and stack offer it and do nothing in it: nothing calls it here.
+// The sink of an audio SDK. The host and the stack implement it as doing nothing. Nothing in this
+// program calls it.
 #pragma once
 
 class IMivoAudioSdkSink {

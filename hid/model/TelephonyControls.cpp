@@ -1,6 +1,5 @@
 #include "hid/model/TelephonyControls.h"
 
-#include "hid/model/ReportTemplate.h"
 #include "hid/model/Root.h"
 
 namespace KX {
@@ -47,19 +46,6 @@ TelephonyControls TelephonyControls::FromDescriptor(const Root& root)
     found.hasRingLed = FindTemplate(root, kRingLed, found.ringLedReport);
     found.hasHoldLed = FindTemplate(root, kHoldLed, found.holdLedReport);
     return found;
-}
-
-RingAnswer AnswerTo(
-    const TelephonyControls& controls, bool wasOffHook, std::span<const uint8_t> report)
-{
-    const bool hook = controls.hasHookSwitch && Matches(controls.hookSwitchMask, report);
-    if (!wasOffHook)
-        return hook ? RingAnswer::Answer : RingAnswer::Reject;
-    if (hook && controls.hasFlash && Matches(controls.flashMask, report))
-        return RingAnswer::Answer;
-    if (hook && controls.hasLineBusy && Matches(controls.lineBusyMask, report))
-        return RingAnswer::RefuseWaiting;
-    return RingAnswer::Ignore;
 }
 
 } // namespace KX

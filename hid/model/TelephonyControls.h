@@ -1,10 +1,7 @@
-// The telephony controls of one device, as the templates and masks by which the stack drives and
-// hears it. Pure.
+// The telephony controls of one device as report templates and input masks. Pure.
 #pragma once
 
 #include "hid/model/Bytes.h"
-
-#include <span>
 
 namespace KX {
 
@@ -13,11 +10,12 @@ class Root;
 struct TelephonyControls {
     // Output templates.
     Bytes muteLedReport;
-    bool hasMuteLed = false; // only beside an Off-Hook LED: the two are lit together
+    bool hasMuteLed = false; // only together with an Off-Hook LED, as both are lit in a call
     Bytes offHookLedReport;
     bool hasOffHookLed = false;
 
-    // Input masks; without the leading 0 when the device uses no report ids, as its reports come.
+    // Input masks. A device without report ids sends reports without a first byte for the id, so
+    // that its masks have none either.
     Bytes phoneMuteMask;
     bool hasPhoneMute = false;
     Bytes hookSwitchMask;
@@ -33,25 +31,10 @@ struct TelephonyControls {
     Bytes holdLedReport;
     bool hasHoldLed = false;
 
-    // Looks the controls up in the Telephony page's Headset collection, by their usage ids alone,
-    // since LED usages stand there beside telephony usages. What is not found stays absent.
-    static TelephonyControls FromDescriptor(const Root& root);
+    // Finds the controls in the Headset collection of the Telephony page. They are compared by
+    // usage id alone, whatever their page: LED usages stand in that collection too. Controls that
+    // are not found keep their defaults. Throws std::bad_alloc.
+    [[nodiscard]] static TelephonyControls FromDescriptor(const Root& root);
 };
-
-// What an input report says while the device rings.
-enum class RingAnswer {
-    Ignore,
-    Answer,
-    Reject,        // the ringing call; there is no other
-    RefuseWaiting, // the waiting call; the one before it goes on
-};
-
-// `wasOffHook`: the ring came during a call.
-//
-// From idle, any report without the hook switch's bit is a reject, whatever control sent it: a
-// device that reports a release first would otherwise ring on. During a call the hook switch is
-// off already, so only flash or busy beside it decide.
-[[nodiscard]] RingAnswer AnswerTo(
-    const TelephonyControls& controls, bool wasOffHook, std::span<const uint8_t> report);
 
 } // namespace KX

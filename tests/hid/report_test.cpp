@@ -1,8 +1,5 @@
-// Templates and masks: what is sent, and which reports are heard.
-#include "hid/model/BuiltInDescriptor.h"
+// Templates and masks: what is sent, and which reports match.
 #include "hid/model/ReportTemplate.h"
-#include "hid/model/Root.h"
-#include "hid/model/TelephonyControls.h"
 #include "tests/support/device_file.h"
 
 #include <gtest/gtest.h>
@@ -41,32 +38,6 @@ TEST(ReportTemplate, MatchesByInclusionAndExactLength)
          })
         EXPECT_EQ(KX::Matches(bytesFromHex(mask), bytesFromHex(report)), matches)
             << mask << " / " << report;
-}
-
-TEST(RingAnswer, DependsOnWhetherTheRingCameDuringACall)
-{
-    KX::Root root;
-    root.Parse(KX::kBuiltInDescriptor);
-    auto controls = KX::TelephonyControls::FromDescriptor(root);
-
-    using enum KX::RingAnswer;
-    for (const auto& [report, fromIdle, duringCall] : {
-             std::tuple{"03 00 00", Reject, Ignore},
-             {"03 01 00", Answer, Ignore},
-             {"03 02 00", Reject, Ignore},
-             {"03 10 00", Reject, Ignore},
-             {"03 03 00", Answer, RefuseWaiting},
-             {"03 11 00", Answer, Answer},
-             {"03 13 00", Answer, Answer},
-             {"01 01", Reject, Ignore},
-         }) {
-        EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex(report)), fromIdle) << report;
-        EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex(report)), duringCall) << report;
-    }
-    controls.hasFlash = controls.hasLineBusy = false;
-    EXPECT_EQ(KX::AnswerTo(controls, true, bytesFromHex("03 13 00")), Ignore);
-    controls.hasHookSwitch = false;
-    EXPECT_EQ(KX::AnswerTo(controls, false, bytesFromHex("03 01 00")), Reject);
 }
 
 } // namespace

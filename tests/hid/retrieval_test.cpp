@@ -1,6 +1,7 @@
-// Reading a report descriptor from a device that may not want to tell it.
+// Reading a report descriptor, also from a device that returns little or nothing.
 #include "hid/usb/DescriptorRetrieval.h"
 #include "hid/usb/HidDevice.h"
+#include "tests/hid/library_calls.h"
 #include "tests/support/bus_test.h"
 
 #include <algorithm>
@@ -84,6 +85,25 @@ TEST_F(Retrieval, TriesFourTimesAndKeepsWhatItGot)
         EXPECT_EQ(device.counters().reportDescriptorReads - readsBefore, row.reads);
         EXPECT_FALSE(device.claimed());
     }
+}
+
+TEST_F(Retrieval, KeepsTheTailOfAnEarlierLongerAnswer)
+{
+    auto& device = plug("speakerphone");
+    device.faults().shortenReportDescriptor.arm();
+    for (const auto& [lengths, kept, printed] : {
+             std::tuple{std::vector<size_t>{20, 10, 5, 5}, 20, kIncomplete},
+             {{5, 30, 10, 1}, 30, kIncomplete},
+             {{20, 10, 5, 0}, 20, ""},
+         }) {
+        auto next = lengths.begin();
+        calls::beforeDescriptorRequest = [&] { device.faults().shortLength = *next++; };
+        Bytes expected = device.info().reportDescriptor;
+        std::fill(expected.begin() + kept, expected.end(), uint8_t{0});
+        EXPECT_EQ(retrieve(device.hidPath()), expected);
+        EXPECT_EQ(printed_, printed);
+    }
+    calls::beforeDescriptorRequest = nullptr;
 }
 
 TEST_F(Retrieval, WithoutPermissionOrWithADriverThatStaysThereIsNothing)

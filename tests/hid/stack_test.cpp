@@ -1,17 +1,20 @@
 // The stack against simulated devices: the exact reports, the exact events, in one order.
 #include "hid/CKXHostStackStdHid.h"
+#include "hid/model/BuiltInDescriptor.h"
+#include "tests/hid/library_calls.h"
+#include "tests/hid/words.h"
 #include "tests/support/bus_test.h"
 
 #include <atomic>
 #include <chrono>
-#include <map>
-#include <sstream>
 #include <thread>
 
 namespace {
 
 using enum KX::StackCallState;
 using enum KX::StackMuteState;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
 
 #define ON_HOOK "03 00 00; 03 00 00; 03 00 00; "
 
@@ -28,105 +31,74 @@ protected:
         BusTest::TearDown();
     }
 
-    // A stack in place of the one before, which ends first as its end is hidapi's.
+    // Opens a new stack after closing the one before: only one may be open.
     int open(const sim::UsbDevice& device)
     {
         stack_.reset();
-        stack_ = std::make_unique<KX::CKXHostStackStdHid>();
+        stack_ = std::make_unique<KX::CKXHostStackStdHid>(cache_);
         return stack_->Open(this, device.info().vendorId, device.info().productId);
     }
 
-    // Does each of the words: an operation, or a report in hexadecimal that the device sends.
-    // hidapi queues reports, so that the bus cannot tell when the reader is done with one. What
-    // the report causes is waited for by those who expect it.
-    void perform(sim::UsbDevice& device, const std::string& words)
+    // Reports are injected on the bus. The bus cannot tell when the stack is done with one, as
+    // hidapi queues them: wait for what a report causes.
+    void run(sim::UsbDevice& device, const std::string& words)
     {
-        static const std::map<std::string, void (KX::IHostHidStack::*)()> operations = {
-            {"ring", &KX::IHostHidStack::Ring},
-            {"offhook", &KX::IHostHidStack::OffHook},
-            {"hangup", &KX::IHostHidStack::HangUp},
-            {"mute", &KX::IHostHidStack::Mute},
-            {"unmute", &KX::IHostHidStack::Unmute},
-        };
-        std::istringstream stream(words);
-        for (std::string word; stream >> word;) {
-            if (const auto operation = operations.find(word); operation != operations.end())
-                (stack_.get()->*operation->second)();
-            else
-                EXPECT_TRUE(device.inject(sim::fromHex(word).value()) && device.waitUntilRead());
-        }
+        perform(*stack_, words, [&](const Bytes& report) {
+            EXPECT_TRUE(device.inject(report) && device.waitUntilRead());
+        });
     }
 
+    static bool isClosed(const sim::UsbDevice& device)
+    {
+        return !device.claimed() && device.driverBound();
+    }
+
+    KX::DescriptorCache cache_;
     std::unique_ptr<KX::CKXHostStackStdHid> stack_;
 };
 
 struct Row {
-    const char* before; // what it leads to does not count
+    const char* before; // what it leads to is not compared
     const char* step;
     const char* story;
     uint32_t callState;
     uint32_t muteState = kMuteNeverSet;
 };
 
-// clang-format off
 const std::pair<const char*, std::vector<Row>> kKinds[] = {
-    {"speakerphone", {
-        {"", "ring", "03 08 00; ", kCallRinging},
-        {"", "ring ring", "03 08 00; ", kCallRinging},
-        {"", "offhook", "03 00 00; 03 01 00; ", kCallActive},
-        {"offhook", "ring", "03 09 00; ", kCallRinging},
-        {"offhook", "mute", "03 05 00; ", kCallActive, kMuted},
-        {"offhook mute", "unmute", "03 01 00; ", kCallActive, kUnmuted},
-        {"offhook mute", "hangup", ON_HOOK, kCallIdle, kMuted},
-        {"", "mute unmute", "", kCallIdle},
-        {"ring", "mute", "", kCallRinging},
-        // From the device.
-        {"ring", "030100", "off-hook; 03 00 00; 03 01 00; ", kCallActive},
-        {"ring", "030000", "hang-up; 03 00 00; 03 00 00; ", kCallIdle},
-        {"offhook ring", "031100", "off-hook; 03 00 00; 03 01 00; ", kCallActive},
-        {"offhook ring", "030300", "hang-up; 03 00 00; 03 01 00; ", kCallActive},
-        {"offhook ring", "030100 030000 031000 030200 03010000 031300", // only the last decides
-            "off-hook; 03 00 00; 03 01 00; ", kCallActive},
-        {"offhook", "030900 030100 030900", "mute; 03 05 00; unmute; 03 01 00; ",
-            kCallActive, kUnmuted},
-        {"offhook mute", "030800", "unmute; 03 01 00; ", kCallActive, kUnmuted},
-        {"offhook", "030100 030000 0308 08 03080000 030800", "mute; 03 05 00; ",
-            kCallActive, kMuted},
-        {"hangup", "030800 030100", "", kCallIdle},
-    }},
-    {"lamp-per-report", {
-        {"offhook", "ring", "18 01; ", kCallRinging},
-        {"offhook mute", "unmute", "09 00; ", kCallActive, kUnmuted},
-        {"offhook", "hangup", "18 00; 17 00; 20 00; ", kCallIdle},
-        {"ring", "0802 0801", "off-hook; 18 00; 17 01; mute; 09 01; ", kCallActive, kMuted},
-    }},
-    {"no-out-endpoint", {
-        {"offhook", "ring", "05 05; ", kCallRinging},
-        {"offhook", "hangup", "05 00; 05 00; 05 00; ", kCallIdle},
-        {"ring", "0501 0502", "off-hook; 05 00; 05 01; mute; 05 03; ", kCallActive, kMuted},
-    }},
-    {"no-report-ids", {
-        {"", "ring", "00 04 00; ", kCallRinging},
-        {"offhook mute", "unmute", "00 01 00; ", kCallActive, kUnmuted},
-        {"ring", "0100 0400", "off-hook; 00 00 00; 00 01 00; mute; 00 03 00; ",
-            kCallActive, kMuted},
-    }},
-    // A mute lamp alone is not enough to use it.
+    {"speakerphone",
+        {
+            {"ring", "030100 030800 0308 030800",
+                "off-hook; 03 00 00; 03 01 00; mute; 03 05 00; unmute; 03 01 00; ", kCallActive,
+                kUnmuted},
+            {"ring", "030000", "hang-up; 03 00 00; 03 00 00; ", kCallIdle},
+            {"offhook mute ring", "030100 030300", "hang-up; 03 00 00; 03 01 00; ", kCallActive,
+                kMuted},
+        }},
+    {"lamp-per-report",
+        {
+            {"ring", "0802 0801", "off-hook; 18 00; 17 01; mute; 09 01; ", kCallActive, kMuted},
+            {"offhook", "hangup", "18 00; 17 00; 20 00; ", kCallIdle},
+        }},
+    {"no-out-endpoint",
+        {{"ring", "0501 0502", "off-hook; 05 00; 05 01; mute; 05 03; ", kCallActive, kMuted}}},
+    {"no-report-ids",
+        {{"ring", "0100 0400", "off-hook; 00 00 00; 00 01 00; mute; 00 03 00; ", kCallActive,
+            kMuted}}},
     {"webcam", {{"", "offhook mute unmute hangup ring", "", kCallIdle}}},
     {"no-telephony", {{"", "ring offhook mute hangup", "", kCallIdle}}},
 };
-// clang-format on
 
-TEST_F(Stack, EveryOperationAndPressOfEveryKindOfDevice)
+TEST_F(Stack, DrivesEachKindOfDevice)
 {
     for (const auto& [profile, rows] : kKinds) {
         auto& device = record(plug(profile));
         for (const Row& row : rows) {
             SCOPED_TRACE(std::string(profile) + ": " + row.before + " / " + row.step);
             ASSERT_EQ(open(device), 1);
-            perform(device, row.before);
+            run(device, row.before);
             (void)story_.take(); // an operation returns when the device has its reports
-            perform(device, row.step);
+            run(device, row.step);
             std::string story = storyLike(row.story);
             stack_->Close(); // a report too many would come before its end
             EXPECT_EQ(story += story_.take(), row.story);
@@ -137,25 +109,55 @@ TEST_F(Stack, EveryOperationAndPressOfEveryKindOfDevice)
     }
 }
 
-TEST_F(Stack, OpensOnHookAndGivesTheDriverBackInTime)
+TEST_F(Stack, OpensOnHookAndClosesCompletely)
 {
-    for (const auto& [profile, descriptorReads, story] : {
-             std::tuple{"speakerphone", 0, ON_HOOK}, // whose descriptor is built in
-             {"lamp-per-report", 1, "18 00; 17 00; 20 00; "},
+    sim::UsbDeviceInfo builtIn = sim::findProfile("speakerphone")->info;
+    builtIn.vendorId = KX::kBuiltInVendorId;
+    builtIn.productId = KX::kBuiltInProductId;
+    for (const auto& [info, descriptorReads, story] : {
+             std::tuple{builtIn, 0, ON_HOOK},
+             {sim::findProfile("lamp-per-report")->info, 1, "18 00; 17 00; 20 00; "},
          }) {
-        auto& device = record(plug(profile));
-        ASSERT_EQ(open(device), 1);
-        EXPECT_EQ(story_.take(), story);
-        EXPECT_EQ(device.counters().reportDescriptorReads, descriptorReads);
-        EXPECT_FALSE(device.driverBound());
-        const auto start = std::chrono::steady_clock::now();
-        stack_->Close();
-        // Far above a read time-out, so that only a reader that does not stop fails it.
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-        stack_->Close();
-        EXPECT_FALSE(device.claimed());
-        EXPECT_TRUE(device.driverBound());
+        auto& device = record(plug(info));
+        for (int time = 0; time < 2; ++time) {
+            ASSERT_EQ(open(device), 1);
+            EXPECT_EQ(story_.take(), story);
+            EXPECT_EQ(device.counters().reportDescriptorReads, descriptorReads);
+            EXPECT_FALSE(device.driverBound());
+            const int exits = calls::hidExits;
+            const auto start = steady_clock::now();
+            stack_->Close();
+            // Far above a read time-out: only a reader that does not stop fails this.
+            EXPECT_LT(steady_clock::now() - start, seconds(5));
+            EXPECT_TRUE(isClosed(device));
+            EXPECT_EQ(calls::hidExits, exits + 1);
+            stack_->Close();
+            EXPECT_TRUE(isClosed(device));
+        }
     }
+}
+
+TEST_F(Stack, ClosesTheDeviceWhenOpenFails)
+{
+    sim::UsbDeviceInfo info = sim::findProfile("lamp-per-report")->info;
+    info.classDescriptors.emplace();
+    const auto& withoutDescriptor = plug(info);
+    int exits = calls::hidExits;
+    EXPECT_EQ(open(withoutDescriptor), 0);
+    EXPECT_TRUE(isClosed(withoutDescriptor));
+    EXPECT_EQ(withoutDescriptor.counters().claims, withoutDescriptor.counters().releases);
+    EXPECT_GT(withoutDescriptor.counters().claims, 0) << "it was open";
+    EXPECT_EQ(calls::hidExits, exits + 1);
+
+    auto& device = plug("no-out-endpoint");
+    exits = calls::hidExits;
+    calls::refuseThreads = true;
+    EXPECT_EQ(open(device), 0);
+    calls::refuseThreads = false;
+    EXPECT_TRUE(isClosed(device));
+    EXPECT_EQ(calls::hidExits, exits + 2) << "one from the stack before";
+    EXPECT_TRUE(device.takeOutputs().empty());
+    EXPECT_EQ(open(device), 1);
 }
 
 TEST_F(Stack, LosesNoPressInAFlood)
@@ -180,9 +182,9 @@ TEST_F(Stack, AnUnpluggedDeviceHarmsNoneOfTheStates)
         SCOPED_TRACE(state);
         auto& device = plug("speakerphone");
         ASSERT_EQ(open(device), 1);
-        perform(device, state);
+        run(device, state);
         device.unplug();
-        perform(device, "ring offhook mute hangup");
+        run(device, "ring offhook mute hangup");
         EXPECT_EQ(stack_->GetMuteState(), kMuted);
         EXPECT_EQ(stack_->GetCallState(), kCallIdle);
         stack_->Close();
@@ -209,7 +211,7 @@ TEST_F(Stack, UnplugInTheMidstOfPressesAndOperations)
             device.unplug();
         });
         for (int i = 0; i < 30; ++i)
-            perform(device, "offhook ring");
+            run(device, "offhook ring");
         stop = true;
         finger.join();
         hand.join();
@@ -231,7 +233,7 @@ TEST_F(Stack, ADeviceThatFailedToOpenOpensLaterWithoutControls)
     device.faults().clear();
     ASSERT_EQ(open(device), 1);
     EXPECT_EQ(device.counters().reportDescriptorReads, 0);
-    perform(device, "ring offhook mute hangup");
+    run(device, "ring offhook mute hangup");
     EXPECT_EQ(story_.take(), "");
 }
 
@@ -241,7 +243,7 @@ TEST_F(Stack, LostReportsChangeNoState)
     ASSERT_EQ(open(device), 1);
     (void)story_.take();
     device.faults().failWrite.arm(3);
-    perform(device, "offhook mute unmute");
+    run(device, "offhook mute unmute");
     EXPECT_EQ(story_.take(), "03 01 00; ");
     EXPECT_EQ(stack_->GetMuteState(), kUnmuted);
 }

@@ -1,0 +1,148 @@
+#include "hid/model/TelephonyStateMachine.h"
+
+#include "hid/model/ReportTemplate.h"
+
+#include <utility>
+
+namespace KX {
+
+TelephonyStateMachine::TelephonyStateMachine(Output& output)
+    : output_(output)
+{
+}
+
+void TelephonyStateMachine::SetControls(TelephonyControls controls)
+{
+    leds_ = LedReports::FromControls(controls);
+    controls_ = std::move(controls);
+}
+
+void TelephonyStateMachine::Ring()
+{
+    if (!controls_.hasRingLed)
+        return;
+    const uint32_t before = callState_;
+    if (before == kCallIdle)
+        Send(leds_.ringOn);
+    else if (before == kCallActive)
+        Send(leds_.ringAndOffHookOn);
+    callState_ = kCallRinging; // also when nothing was sent
+}
+
+void TelephonyStateMachine::OffHook()
+{
+    callState_ = kCallActive;
+    hookState_ = kOffHook;
+    Send(leds_.ringOff);
+    Send(leds_.offHookOn);
+}
+
+void TelephonyStateMachine::HangUp()
+{
+    callState_ = kCallIdle;
+    hookState_ = kOnHook;
+    Send(leds_.ringOff);
+    Send(leds_.offHookOff);
+    Send(leds_.holdOff);
+}
+
+void TelephonyStateMachine::Mute()
+{
+    if (!controls_.hasMuteLed || callState_ != kCallActive)
+        return;
+    muteState_ = kMuted;
+    Send(leds_.muteOn);
+}
+
+void TelephonyStateMachine::Unmute()
+{
+    if (!controls_.hasMuteLed || callState_ != kCallActive)
+        return;
+    muteState_ = kUnmuted;
+    Send(leds_.muteOff);
+}
+
+// In a call only the mute button counts: the hook switch does not end a call from the device.
+void TelephonyStateMachine::HandleReport(std::span<const uint8_t> report)
+{
+    if (callState_ == kCallActive) {
+        if (!controls_.hasPhoneMute)
+            return;
+        if (Matches(controls_.phoneMuteMask, report))
+            ToggleMute();
+    }
+    if (callState_ == kCallRinging) { // read again: the host may have called Ring() meanwhile
+        if (hookState_ == kOffHook)
+            HandleWaitingCall(report);
+        else
+            HandleIncomingCall(report);
+    }
+}
+
+void TelephonyStateMachine::ToggleMute()
+{
+    if (muteState_ == kMuted) {
+        output_.Notify(Event::Unmute);
+        Unmute();
+    } else {
+        output_.Notify(Event::Mute);
+        Mute();
+    }
+}
+
+// Any report without the hook switch's bit rejects the call, whatever control sent it. This is
+// deliberate: devices differ in the control that they reject with.
+void TelephonyStateMachine::HandleIncomingCall(std::span<const uint8_t> report)
+{
+    if (controls_.hasHookSwitch && Matches(controls_.hookSwitchMask, report))
+        AnswerCall();
+    else
+        RejectCall();
+}
+
+// The hook is off already, so that only flash or line busy together with it decide.
+void TelephonyStateMachine::HandleWaitingCall(std::span<const uint8_t> report)
+{
+    if (!controls_.hasHookSwitch || !Matches(controls_.hookSwitchMask, report))
+        return;
+    if (controls_.hasFlash && Matches(controls_.flashMask, report))
+        AnswerCall();
+    else if (controls_.hasLineBusy && Matches(controls_.lineBusyMask, report))
+        RefuseWaitingCall();
+}
+
+void TelephonyStateMachine::AnswerCall()
+{
+    callState_ = kCallActive;
+    hookState_ = kOffHook;
+    output_.Notify(Event::OffHook);
+    Send(leds_.ringOff);
+    Send(leds_.offHookOn);
+}
+
+void TelephonyStateMachine::RejectCall()
+{
+    callState_ = kCallIdle;
+    hookState_ = kOnHook;
+    output_.Notify(Event::HangUp);
+    Send(leds_.ringOff);
+    Send(leds_.offHookOff);
+}
+
+// The call before it goes on.
+void TelephonyStateMachine::RefuseWaitingCall()
+{
+    callState_ = kCallActive;
+    hookState_ = kOffHook;
+    output_.Notify(Event::HangUp);
+    Send(leds_.ringOff);
+    Send(leds_.offHookOn);
+}
+
+void TelephonyStateMachine::Send(const Bytes& report)
+{
+    if (!report.empty())
+        output_.Send(report);
+}
+
+} // namespace KX

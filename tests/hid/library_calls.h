@@ -1,0 +1,21 @@
+// Calls into other libraries that tests count or let fail. The definitions in library_calls.cpp
+// stand before the libraries' own in the test program and pass the calls on to them.
+#pragma once
+
+#include <atomic>
+#include <functional>
+
+namespace calls {
+
+// Made so far by the whole program.
+extern std::atomic<int> hidExits;
+extern std::atomic<int> failedHidReads;
+
+// While set, this thread cannot start threads with attributes, as rkb::thread_t does. hidapi and
+// libusb start theirs without.
+extern thread_local bool refuseThreads;
+
+// Called before each request for a report descriptor, if set.
+extern std::function<void()> beforeDescriptorRequest;
+
+} // namespace calls
