@@ -1,12 +1,11 @@
 #include "hid/CKXHostStackStdHid.h"
 
 #include "base/src/trace.h"
+#include "hid/model/ReadPause.h"
 
 #include <array>
 #include <cassert>
-#include <chrono>
 #include <mutex>
-#include <thread>
 
 namespace KX {
 
@@ -14,8 +13,6 @@ namespace {
 
 constexpr size_t kReadBufferSize = 64; // a full-speed interrupt packet
 constexpr int kReadTimeoutMs = 100;
-// A device that has been unplugged fails every read at once; without a pause that burns a core.
-constexpr std::chrono::milliseconds kFailedReadPause{1};
 
 // The stack whose reader thread this is, or null.
 thread_local const CKXHostStackStdHid* readingStack = nullptr;
@@ -98,6 +95,7 @@ void CKXHostStackStdHid::Close()
     {
         const std::lock_guard guard(lock);
         stopRequested = true;
+        stopSignal.signal();
     }
     readerThread.join();
     CloseDevice();
@@ -119,21 +117,24 @@ void CKXHostStackStdHid::ReaderRoutine(void* self)
     stack->ReadReports();
 }
 
-bool CKXHostStackStdHid::StopRequested()
+// Waits for Close(), for at most `milliseconds`. May return earlier. Returns whether to stop.
+bool CKXHostStackStdHid::StopRequestedWithin(uint32_t milliseconds)
 {
     const std::lock_guard guard(lock);
+    if (!stopRequested && milliseconds > 0)
+        (void)stopSignal.wait(lock, milliseconds);
     return stopRequested;
 }
 
 void CKXHostStackStdHid::ReadReports()
 {
     std::array<uint8_t, kReadBufferSize> buffer;
-    while (!StopRequested()) {
+    uint32_t pauseMs = 0;
+    while (!StopRequestedWithin(pauseMs)) {
         const int size = device->Read(buffer, kReadTimeoutMs);
+        pauseMs = size < 0 ? NextReadPause(pauseMs) : 0;
         if (size > 0)
             machine.HandleReport(std::span(buffer).first(static_cast<size_t>(size)));
-        else if (size < 0)
-            std::this_thread::sleep_for(kFailedReadPause);
     }
 }
 

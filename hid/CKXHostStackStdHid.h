@@ -48,7 +48,7 @@ private:
 
     [[nodiscard]] bool StartReader();
     static void ReaderRoutine(void* self);
-    [[nodiscard]] bool StopRequested();
+    [[nodiscard]] bool StopRequestedWithin(uint32_t milliseconds);
     void ReadReports();
 
     // Called by the machine, on either thread.
@@ -63,7 +63,8 @@ private:
     TelephonyStateMachine machine{*this};
     rkb::thread_t readerThread;
     rkb::thread_mutex_recursive lock;
-    bool stopRequested = false; // guarded by `lock`
+    rkb::condition_t stopSignal; // stopRequested was set; used with `lock`
+    bool stopRequested = false;  // guarded by `lock`
 };
 
 } // namespace KX

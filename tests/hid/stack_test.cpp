@@ -1,6 +1,7 @@
 // The stack against simulated devices: the exact reports, the exact events, in one order.
 #include "hid/CKXHostStackStdHid.h"
 #include "hid/model/BuiltInDescriptor.h"
+#include "hid/model/ReadPause.h"
 #include "tests/hid/library_calls.h"
 #include "tests/hid/words.h"
 #include "tests/support/bus_test.h"
@@ -13,6 +14,7 @@ namespace {
 
 using enum KX::StackCallState;
 using enum KX::StackMuteState;
+using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
@@ -158,6 +160,38 @@ TEST_F(Stack, ClosesTheDeviceWhenOpenFails)
     EXPECT_EQ(calls::hidExits, exits + 2) << "one from the stack before";
     EXPECT_TRUE(device.takeOutputs().empty());
     EXPECT_EQ(open(device), 1);
+}
+
+TEST_F(Stack, PausesLongerAfterEachFailedReadAndClosesDuringAPause)
+{
+    // A busy machine may be slow to wake the reader, but not each time.
+    milliseconds closed = seconds(5);
+    for (int round = 0; round < 10 && closed >= milliseconds(KX::kMaxReadPauseMs / 2); ++round) {
+        auto& device = plug();
+        ASSERT_EQ(open(device), 1);
+        const int failures = calls::failedHidReads;
+        const auto failed = [&](int count) {
+            return eventually([&] { return calls::failedHidReads >= failures + count; });
+        };
+        const auto unplugged = steady_clock::now();
+        device.unplug();
+        ASSERT_TRUE(failed(8));
+        EXPECT_GE(steady_clock::now() - unplugged, milliseconds(1 + 2 + 4 + 8 + 16 + 32 + 64));
+        ASSERT_TRUE(failed(9)); // the longest pause begins
+        const auto closing = steady_clock::now();
+        stack_->Close();
+        closed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - closing);
+    }
+    EXPECT_LT(closed, milliseconds(KX::kMaxReadPauseMs / 2));
+}
+
+TEST(ReadPause, DoublesUpToItsMaximum)
+{
+    uint32_t pause = 0;
+    for (const uint32_t expected : {1u, 2u, 4u, 8u, 16u, 32u, 64u, 100u, 100u}) {
+        pause = KX::NextReadPause(pause);
+        EXPECT_EQ(pause, expected);
+    }
 }
 
 TEST_F(Stack, LosesNoPressInAFlood)
