@@ -1,7 +1,6 @@
 // The device filter's JSON. Input: the text; a NUL in it ends it.
 #include "fuzz/require.h"
 #include "host/DeviceFilter.h"
-#include "host/IKXHost.h"
 
 #include <exception>
 #include <string>
@@ -9,10 +8,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text(data, data + size);
-    const size_t vendors = KX::VendorWhitelist().size();
+    KX::DeviceFilter filter;
     try {
-        const int loaded = LoadHidFilterConfig(text.c_str(), static_cast<int>(text.size()));
-        Require(loaded || KX::VendorWhitelist().size() == vendors);
+        const bool loaded = filter.Load(text.c_str());
+        const size_t entries = filter.VendorWhitelist().size() + filter.VidPidWhitelist().size()
+            + filter.VidPidBlacklist().size() + filter.NameBlacklist().size();
+        Require(loaded || entries == 0);
     } catch (const std::exception&) {
         // JsonCpp's error for an element of the wrong type goes to the caller.
     }

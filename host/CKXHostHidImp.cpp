@@ -2,21 +2,21 @@
 
 #include "base/src/trace.h"
 #include "hid/CKXHostStackStdHid.h"
-#include "host/DeviceFilter.h"
 
+#include <cassert>
 #include <sstream>
 
 namespace KX {
 
 namespace {
 
-// Where a device key "0xVVVV-HID-0xPPPP#" has its ids, and what it must be longer than.
+// A device key: "0xVVVV-HID-0xPPPP#", which a name may follow.
 constexpr size_t kVendorPosition = 2;
 constexpr size_t kProductPosition = 13;
 constexpr size_t kIdDigits = 4;
-constexpr size_t kKeyTooShort = 17;
+constexpr size_t kMinKeyLength = 18;
 
-// What a text stream makes of the digits; 0 when they are none.
+// The number that a text stream reads from the digits. 0 when there is none.
 uint16_t ParseId(const std::string& key, size_t position)
 {
     std::istringstream digits(key.substr(position, kIdDigits));
@@ -39,7 +39,7 @@ bool MuteValue(uint32_t stackState, uint8_t* value)
     }
 }
 
-// The two numberings run in opposite directions; both are contract with their own side.
+// The two numberings run in opposite directions. Each is the contract of its own side.
 bool CallValue(uint32_t stackState, uint8_t* value)
 {
     switch (stackState) {
@@ -62,15 +62,15 @@ bool CallValue(uint32_t stackState, uint8_t* value)
 
 } // namespace
 
-void CKXHostHidImp::Init(IKXHostCallback* hostCallback)
+CKXHostHidImp::CKXHostHidImp(IKXHostCallback* hostCallback)
+    : callback(hostCallback)
 {
-    FillDefaultFilters();
-    callback = hostCallback;
+    assert(callback);
 }
 
 CKXHostHidImp::~CKXHostHidImp()
 {
-    stack.reset(); // before the callback goes: the reader may be in it
+    stack.reset(); // first, as its reader thread may be using the callback
     callback = nullptr;
 }
 
@@ -89,7 +89,7 @@ void CKXHostHidImp::SelectDevice(const char* key)
         return;
     stack.reset();
     deviceKey = key;
-    if (deviceKey.size() > kKeyTooShort)
+    if (deviceKey.size() >= kMinKeyLength)
         OpenStack();
     else
         deviceKey.clear();

@@ -1,6 +1,6 @@
-// The one implementation of IKXHost: maps states to operations of the HID stack, and the stack's
-// events to the callback. It keeps no state of its own beyond the device's key and ids; what the
-// window's buttons mean is the application's business, what the lamps do is the stack's.
+// The one implementation of IKXHost. It maps states to operations of the HID stack and the stack's
+// events to the callback. It has no state of its own except the selected device's key and ids. What
+// the window's buttons mean is up to the application, what the LEDs show is up to the stack.
 #pragma once
 
 #include "hid/IHostHidStack.h"
@@ -12,17 +12,16 @@
 
 namespace KX {
 
-// The IKXHost operations belong to the application's thread, the sink's to the stack's reader
-// thread, on which the callback is called without a lock or a queue. A stack is destroyed only
-// when its reader has stopped, so no event of an old device comes after SelectDevice().
+// The IKXHost operations belong to the application's thread. The stack calls the sink operations on
+// its reader thread, and they call the callback there, without a lock or a queue. A stack is
+// destroyed only after its reader thread has ended, so that no event of an earlier device comes
+// after SelectDevice().
 class CKXHostHidImp final : public IKXHost, public IMivoAudioSdkSink, private IHostStackSink {
 public:
-    CKXHostHidImp() = default;
+    // `hostCallback` is not owned and must not be null.
+    explicit CKXHostHidImp(IKXHostCallback* hostCallback);
     CKXHostHidImp(const CKXHostHidImp&) = delete;
     CKXHostHidImp& operator=(const CKXHostHidImp&) = delete;
-
-    // Stores the callback (not owned, not null) and fills the default device filter sets.
-    void Init(IKXHostCallback* hostCallback);
 
     int GetDeviceId(uint16_t* vendor, uint16_t* product) override;
     void SelectDevice(const char* key) override;

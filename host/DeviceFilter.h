@@ -1,7 +1,5 @@
-// Process-wide sets for choosing among devices. They exist from before main() to exit, grow and
-// never shrink. Selecting a device does not ask them: a policy that does is yet to come.
-//
-// Not guarded: fill them on the thread that creates hosts.
+// Sets for choosing among devices. Selecting a device does not consult them: no policy for that has
+// been defined.
 #pragma once
 
 #include <cstdint>
@@ -10,19 +8,47 @@
 
 namespace KX {
 
-// Vendor id in the high 16 bits, product id in the low ones.
+// Vendor id in the high 16 bits, product id in the low 16 bits.
 [[nodiscard]] constexpr uint32_t PackVidPid(uint16_t vendorId, uint16_t productId)
 {
     return uint32_t{vendorId} << 16 | productId;
 }
 
-[[nodiscard]] const std::unordered_set<uint32_t>& VendorWhitelist();
-[[nodiscard]] const std::unordered_set<uint32_t>& VidPidWhitelist(); // packed
-[[nodiscard]] const std::unordered_set<uint32_t>& VidPidBlacklist(); // packed
-[[nodiscard]] const std::unordered_set<std::string>& NameBlacklist();
+// The sets grow and never shrink. Not guarded: fill the process-wide instance on the thread that
+// creates hosts.
+class DeviceFilter {
+public:
+    using IdSet = std::unordered_set<uint32_t>;
+    using NameSet = std::unordered_set<std::string>;
 
-// Adds the built-in entries to those whitelists that are empty; once per process, further calls do
-// nothing. A configuration loaded before replaces the built-in entries by that; it is meant to.
-void FillDefaultFilters();
+    // The process-wide filter. It exists from before main() to exit.
+    static DeviceFilter& Instance();
+
+    // All sets are empty.
+    DeviceFilter();
+    DeviceFilter(const DeviceFilter&) = delete;
+    DeviceFilter& operator=(const DeviceFilter&) = delete;
+
+    [[nodiscard]] const IdSet& VendorWhitelist() const { return vendorWhitelist; }
+    [[nodiscard]] const IdSet& VidPidWhitelist() const { return vidPidWhitelist; } // packed
+    [[nodiscard]] const IdSet& VidPidBlacklist() const { return vidPidBlacklist; } // packed
+    [[nodiscard]] const NameSet& NameBlacklist() const { return nameBlacklist; }
+
+    // Adds the built-in entries to each whitelist that is empty. Only the first call that succeeds
+    // does anything. This is deliberate: lists loaded before it replace the built-in entries, lists
+    // loaded after it extend them. Throws std::bad_alloc, with all sets unchanged.
+    void FillDefaults();
+
+    // Adds the lists of a JSON document; see LoadHidFilterConfig() for its rules. False, with all
+    // sets unchanged, when the text does not parse.
+    [[nodiscard]] bool Load(const char* jsonText);
+
+private:
+    IdSet vendorWhitelist;
+    IdSet vidPidWhitelist;
+    IdSet vidPidBlacklist;
+    NameSet nameBlacklist;
+    bool defaultsFilled = false;
+};
 
 } // namespace KX

@@ -1,63 +1,123 @@
-// The device filter sets are process-wide, and each test here runs in a process of its own.
+// The device filter sets: which documents add what, and which are refused.
 #include "host/DeviceFilter.h"
 #include "host/IKXHost.h"
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace {
 
 using Ids = std::unordered_set<uint32_t>;
+using Names = std::unordered_set<std::string>;
 
-int Load(const std::string& json)
+// Loads a document whose "HID" has these members.
+bool LoadMembers(KX::DeviceFilter& filter, const std::string& members)
 {
-    return LoadHidFilterConfig(json.c_str(), static_cast<int>(json.size()));
+    return filter.Load((R"({ "HID": {)" + members + "} } // comment").c_str());
 }
 
-// With the members of "HID".
-int LoadHid(const std::string& members)
+TEST(DeviceFilter, ListsLoadedBeforeTheDefaultsReplaceThemAndThoseLoadedAfterExtendThem)
 {
-    return Load(R"({ "HID": {)" + members + "} } // comment");
-}
-
-TEST(DeviceFilter, AConfigurationBeforeTheDefaultsReplacesThemAfterItExtendsThem)
-{
-    EXPECT_EQ(LoadHid(R"("WhitelistVendorId": [ 4660, 4660 ])"), 1);
-    KX::FillDefaultFilters();
-    EXPECT_EQ(KX::VendorWhitelist(), (Ids{0x1234}));
-    EXPECT_EQ(KX::VidPidWhitelist().size(), 2u);
-    EXPECT_EQ(LoadHid(R"("WhitelistVendorId": [ 1 ], "BlacklistDeviceName": [ "a" ])"), 1);
-    EXPECT_EQ(KX::VendorWhitelist(), (Ids{0x1234, 1}));
-    EXPECT_EQ(KX::NameBlacklist(), std::unordered_set<std::string>{"a"});
+    KX::DeviceFilter filter;
+    EXPECT_TRUE(LoadMembers(filter, R"("WhitelistVendorId": [ 4660, 4660 ])"));
+    filter.FillDefaults();
+    EXPECT_EQ(filter.VendorWhitelist(), (Ids{0x1234}));
+    EXPECT_EQ(filter.VidPidWhitelist(), (Ids{66063718, 77152289}));
+    EXPECT_TRUE(LoadMembers(filter, R"("WhitelistVendorId": [ 1 ], "BlacklistDeviceName": ["a"])"));
+    filter.FillDefaults();
+    EXPECT_EQ(filter.VendorWhitelist(), (Ids{0x1234, 1}));
+    EXPECT_EQ(filter.NameBlacklist(), Names{"a"});
 }
 
 TEST(DeviceFilter, TheVendorBlacklistBoundsBothListsOfPairs)
 {
+    KX::DeviceFilter filter;
     const std::string pairs = R"("WhitelistVidPid": [ 1, 2, 3 ], "BlacklistVidPid": [ 4 ])";
-    EXPECT_EQ(LoadHid(pairs), 1);
-    EXPECT_TRUE(KX::VidPidWhitelist().empty() && KX::VidPidBlacklist().empty());
-    EXPECT_EQ(LoadHid(pairs + R"(, "BlacklistVendorId": [ "never", "read" ])"), 1);
-    EXPECT_EQ(KX::VidPidWhitelist(), (Ids{1, 2}));
-    EXPECT_EQ(KX::VidPidBlacklist(), (Ids{4, 0}));
+    EXPECT_TRUE(LoadMembers(filter, pairs));
+    EXPECT_TRUE(filter.VidPidWhitelist().empty() && filter.VidPidBlacklist().empty());
+    EXPECT_TRUE(LoadMembers(filter, pairs + R"(, "BlacklistVendorId": [ "never", "read" ])"));
+    EXPECT_EQ(filter.VidPidWhitelist(), (Ids{1, 2}));
+    EXPECT_EQ(filter.VidPidBlacklist(), (Ids{4, 0}));
+}
+
+// The sets as text, "threw" in front of it when JsonCpp's error was raised.
+std::string LoadedFrom(const std::string& document)
+{
+    KX::DeviceFilter filter;
+    std::ostringstream text;
+    try {
+        EXPECT_TRUE(filter.Load(document.c_str()));
+    } catch (const std::exception&) {
+        text << "threw ";
+    }
+    const auto append = [&](const char* set, const auto& elements) {
+        for (const auto& element : elements)
+            text << set << element << ' ';
+    };
+    append("vendor:", filter.VendorWhitelist());
+    append("white:", filter.VidPidWhitelist());
+    append("black:", filter.VidPidBlacklist());
+    append("name:", filter.NameBlacklist());
+    return text.str();
+}
+
+TEST(DeviceFilter, OtherTypesThanExpectedAreIgnoredConvertedOrRaiseAnError)
+{
+    for (const auto& [members, loaded] : {
+             // Something else where a list is meant.
+             std::pair{R"("WhitelistVendorId": null)", ""},
+             {R"("WhitelistVendorId": 5)", ""},
+             {R"("WhitelistVendorId": "text", "BlacklistDeviceName": "text")", ""},
+             {R"("WhitelistVendorId": {}, "BlacklistDeviceName": {})", ""},
+             {R"("WhitelistVendorId": { "a": 1 })", "threw "},
+             {R"("BlacklistDeviceName": { "a": "b" })", "threw "},
+             {R"("BlacklistVendorId": 5, "WhitelistVidPid": [ 1 ])", ""},
+             {R"("BlacklistVendorId": { "a": 1 }, "WhitelistVidPid": [ 1 ])", "white:1 black:0 "},
+             {R"("BlacklistVendorId": [ 1 ], "WhitelistVidPid": null)", "white:0 black:0 "},
+             {R"("BlacklistVendorId": [ 1 ], "WhitelistVidPid": 5)", "threw "},
+             {R"("BlacklistVendorId": [ 1 ], "BlacklistVidPid": "text")", "threw white:0 "},
+             {R"("BlacklistVendorId": [], "WhitelistVidPid": 5)", ""},
+             // Something else than a number or a text as an element.
+             {R"("WhitelistVendorId": [ 77, "5", 88 ])", "threw vendor:77 "},
+             {R"("WhitelistVendorId": [ 77, -1 ])", "threw vendor:77 "},
+             {R"("WhitelistVendorId": [ 77, 4294967296 ])", "threw vendor:77 "},
+             {R"("WhitelistVendorId": [ [] ])", "threw "},
+             {R"("WhitelistVendorId": [ 3.7 ])", "vendor:3 "},
+             {R"("WhitelistVendorId": [ true ])", "vendor:1 "},
+             {R"("WhitelistVendorId": [ null ])", "vendor:0 "},
+             {R"("BlacklistDeviceName": [ {} ])", "threw "},
+             {R"("BlacklistDeviceName": [ 1.5 ])", "name:1.5 "},
+             {R"("BlacklistDeviceName": [ true ])", "name:true "},
+             {R"("BlacklistDeviceName": [ null ])", "name: "},
+         })
+        EXPECT_EQ(LoadedFrom(std::string(R"({ "HID": {)") + members + "} }"), loaded) << members;
+
+    for (const char* empty : {"{}", "null", R"({ "HID": null })"})
+        EXPECT_EQ(LoadedFrom(empty), "") << empty;
+    for (const char* other :
+        {"[]", "12", R"("text")", R"({ "HID": [] })", R"({ "HID": 5 })", R"({ "HID": "text" })"})
+        EXPECT_EQ(LoadedFrom(other), "threw ") << other;
 }
 
 TEST(DeviceFilter, TextsThatDoNotParseChangeNothing)
 {
-    EXPECT_EQ(LoadHidFilterConfig(nullptr, 10), 0);
-    EXPECT_EQ(LoadHidFilterConfig("{}", 1), 0);
-    EXPECT_EQ(LoadHidFilterConfig("{}", 1000), 1) << "the length is not a bound";
-    EXPECT_EQ(Load(R"({ "HID": { "WhitelistVendorId": [ 1 ] } )"), 0);
-    EXPECT_EQ(Load(std::string(100'000, '[')), 0);
-    EXPECT_EQ(Load("\xff\xfe{}"), 0);
-    EXPECT_TRUE(KX::VendorWhitelist().empty());
+    KX::DeviceFilter filter;
+    for (const std::string& text : {std::string(R"({ "HID": { "WhitelistVendorId": [ 1 ] } )"),
+             std::string(100'000, '['), std::string("\xff\xfe{}"), std::string()})
+        EXPECT_FALSE(filter.Load(text.c_str())) << text.substr(0, 40);
+    EXPECT_TRUE(filter.VendorWhitelist().empty());
 }
 
-TEST(DeviceFilter, AnElementOfAWrongTypeIsTheCallersToCatch)
+TEST(LoadHidFilterConfig, AddsToTheProcessWideFilter)
 {
-    for (const std::string wrong : {R"("5")", "-1", "4294967296", "[]", "{}"})
-        EXPECT_ANY_THROW(LoadHid(R"("WhitelistVendorId": [ 77, )" + wrong + ", 88 ]")) << wrong;
-    for (const char* document : {"[]", R"({ "HID": [] })", R"({ "HID": "text" })"})
-        EXPECT_ANY_THROW(Load(document)) << document;
-    EXPECT_EQ(KX::VendorWhitelist(), (Ids{77})) << "what came before the error stays";
+    EXPECT_EQ(LoadHidFilterConfig(nullptr, 10), 0);
+    EXPECT_EQ(LoadHidFilterConfig("{}", 1), 0);
+    EXPECT_EQ(LoadHidFilterConfig("{}", 2), 1);
+    EXPECT_EQ(LoadHidFilterConfig("{", 1000), 0);
+    const char* document = R"({ "HID": { "BlacklistDeviceName": [ "a name" ] } })";
+    EXPECT_EQ(LoadHidFilterConfig(document, 2), 1) << "the length does not bound the text";
+    EXPECT_TRUE(KX::DeviceFilter::Instance().NameBlacklist().contains("a name"));
 }
 
 int Differs(const char* a, const char* b)

@@ -3,11 +3,20 @@
 #include "host/IKXHost.h"
 #include "tests/support/bus_test.h"
 
+#include <array>
+#include <cstdio>
+
 namespace {
 
-constexpr const char* kSpeakerphone = "0x0b0e-HID-0x0410#";
-
 constexpr auto kNoState = static_cast<KXState>(2);
+
+std::string keyOf(const sim::UsbDevice& device, const char* name = "")
+{
+    std::array<char, 64> key = {};
+    (void)std::snprintf(key.data(), key.size(), "0x%04x-HID-0x%04x#%s", device.info().vendorId,
+        device.info().productId, name);
+    return key.data();
+}
 
 class Host : public BusTest, protected IKXHostCallback {
 protected:
@@ -25,7 +34,10 @@ protected:
         BusTest::TearDown();
     }
 
-    // The state's value, or -1 when the host does not tell, or -2 when it wrote one all the same.
+    void select(const std::string& key) { host_->SelectDevice(key.c_str()); }
+    void set(KXState state, uint8_t value) { host_->SetState(state, &value); }
+
+    // The state's value; -1 when the host returns none, -2 when it then wrote one all the same.
     int get(KXState state)
     {
         uint8_t value = 99;
@@ -36,19 +48,24 @@ protected:
         uint16_t vendor = 0;
         uint16_t product = 0;
         EXPECT_EQ(host_->GetDeviceId(&vendor, &product), 0);
-        return uint32_t{vendor} << 16 | product;
+        return KX::PackVidPid(vendor, product);
+    }
+    static uint32_t idsOf(const sim::UsbDevice& device)
+    {
+        return KX::PackVidPid(device.info().vendorId, device.info().productId);
     }
 
     IKXHost* host_ = CreateKXHost(this);
 };
 
-// Each state set, each report that the device sends then, what comes of it, and the states told.
+// Each row: a state that is set, a report that the device then sends, the reports and callbacks
+// that follow, and the two states afterwards.
 TEST_F(Host, MapsStatesBothWays)
 {
-    auto& device = record(plug());
+    auto& device = record(plug("speakerphone"));
     EXPECT_EQ(get(KXState::Call), -1) << "no device yet";
     EXPECT_EQ(host_->IsSupported(), 0);
-    host_->SelectDevice(kSpeakerphone);
+    select(keyOf(device));
     EXPECT_EQ(host_->IsSupported(), 1);
     (void)story_.take();
 
@@ -63,7 +80,7 @@ TEST_F(Host, MapsStatesBothWays)
              {KXState::Call, 3, "030800", "state 0:1; 03 05 00; ", 1, 1},
              {kNoState, 1, "030800", "state 0:0; 03 01 00; ", 1, 0},
          }) {
-        host_->SetState(state, &value);
+        set(state, value);
         EXPECT_TRUE(!*press || device.inject(sim::fromHex(press).value()));
         EXPECT_EQ(storyLike(story), story);
         EXPECT_EQ(get(KXState::Call), call);
@@ -77,39 +94,37 @@ TEST_F(Host, MapsStatesBothWays)
 
 TEST_F(Host, OneKeyOneStack)
 {
-    auto& device = record(plug());
+    auto& device = record(plug("speakerphone"));
     auto& other = plug("lamp-per-report");
-    host_->SelectDevice(kSpeakerphone);
+    select(keyOf(device));
     EXPECT_EQ(story_.take(), "03 00 00; 03 00 00; 03 00 00; ");
-    host_->SelectDevice(kSpeakerphone);
+    select(keyOf(device));
     host_->SelectDevice(nullptr);
     EXPECT_EQ(story_.take(), "") << "the open stack stays";
 
-    host_->SelectDevice("0x047F-HID-0xC056#a name");
+    select(keyOf(other, "a name"));
     EXPECT_TRUE(other.claimed() && !device.claimed());
-    EXPECT_EQ(ids(), 0x047FC056u);
-    host_->SelectDevice("0x0b0e-HID-0x0410"); // one short
+    EXPECT_EQ(ids(), idsOf(other));
+    std::string tooShort = keyOf(device);
+    tooShort.pop_back();
+    select(tooShort);
     EXPECT_FALSE(other.claimed());
     EXPECT_EQ(get(KXState::Call), -1);
-    EXPECT_EQ(ids(), 0x047FC056u) << "they stay";
-    host_->SelectDevice("0xzzzz-HID-0xzzzz#");
+    EXPECT_EQ(ids(), idsOf(other)) << "they stay";
+    select("0xzzzz-HID-0xzzzz#");
     EXPECT_EQ(get(KXState::Call), KXCallUnknown) << "open failed, the stack is there";
     EXPECT_EQ(ids(), 0u);
 
-    host_->SelectDevice(kSpeakerphone);
+    select(keyOf(device));
     DestroyKXHost(std::exchange(host_, nullptr));
     EXPECT_FALSE(device.claimed());
     DestroyKXHost(nullptr);
     EXPECT_EQ(CreateKXHost(nullptr), nullptr);
 }
 
-TEST_F(Host, TheFirstFillsInTheFilterDefaults)
+TEST_F(Host, CreationFillsInTheFilterDefaults)
 {
-    const std::unordered_set<uint32_t> vendors = {0x095D, 0x2574, 0x14ED, 0x2ABF, 0x047F, 0x046D,
-        0x0B0E, 0x14BE, 0x6993, 0x1395, 0x2D34, 0x28E6, 0x1656, 0x413C, 0x17EF};
-    EXPECT_EQ(KX::VendorWhitelist(), vendors);
-    EXPECT_EQ(KX::VidPidWhitelist(), (std::unordered_set<uint32_t>{66063718, 77152289}));
-    EXPECT_TRUE(KX::VidPidBlacklist().empty() && KX::NameBlacklist().empty());
+    EXPECT_TRUE(KX::DeviceFilter::Instance().VendorWhitelist().contains(0x0B0E));
 }
 
 } // namespace
