@@ -6,6 +6,7 @@
 #include <array>
 #include <cassert>
 #include <mutex>
+#include <new>
 
 namespace KX {
 
@@ -35,13 +36,12 @@ int CKXHostStackStdHid::Open(IHostStackSink* eventSink, uint16_t vendor, uint16_
     sink = eventSink;
     vendorId = vendor;
     productId = product;
+    ranOutOfMemory = false;
 
-    const Root* tree = OpenDevice();
-    if (!tree) {
+    if (!OpenDevice()) {
         TraceThis(this, kTraceError, "cannot open %04x:%04x", vendorId, productId);
         return 0;
     }
-    machine.SetControls(TelephonyControls::FromDescriptor(*tree));
     if (!StartReader()) {
         TraceThis(this, kTraceError, "no reader thread for %04x:%04x", vendorId, productId);
         CloseDevice();
@@ -53,13 +53,23 @@ int CKXHostStackStdHid::Open(IHostStackSink* eventSink, uint16_t vendor, uint16_
     return 1;
 }
 
-// Returns the tree of the device's report descriptor, or null when the device is not open.
-const Root* CKXHostStackStdHid::OpenDevice()
+bool CKXHostStackStdHid::OpenDevice()
 {
-    const Root* known = cache.Find(vendorId, productId);
-    return known ? OpenKnownDevice(*known) : OpenNewDevice();
+    try {
+        const Root* known = cache.Find(vendorId, productId);
+        const Root* tree = known ? OpenKnownDevice(*known) : OpenNewDevice();
+        if (tree)
+            machine.SetControls(TelephonyControls::FromDescriptor(*tree));
+        return tree != nullptr;
+    } catch (const std::bad_alloc&) {
+        ranOutOfMemory = true;
+        CloseDevice();
+        return false;
+    }
 }
 
+// This and the next return the tree of the device's report descriptor, or null when the device is
+// not open.
 const Root* CKXHostStackStdHid::OpenKnownDevice(const Root& tree)
 {
     device = hid_open(vendorId, productId, nullptr, DescriptorFetch::Off);
@@ -71,16 +81,26 @@ const Root* CKXHostStackStdHid::OpenKnownDevice(const Root& tree)
 const Root* CKXHostStackStdHid::OpenNewDevice()
 {
     Root& tree = cache.Add(vendorId, productId);
+    try {
+        return OpenAndParse(tree) ? &tree : nullptr;
+    } catch (const std::bad_alloc&) {
+        cache.Remove(vendorId, productId); // a part of a tree must not stay
+        throw;
+    }
+}
+
+bool CKXHostStackStdHid::OpenAndParse(Root& tree)
+{
     device = hid_open(vendorId, productId, nullptr, DescriptorFetch::On);
     if (!device)
-        return nullptr;
+        return false;
     Bytes descriptor;
     if (!hid_get_report_descriptor_copy(device.get(), descriptor)) {
         CloseDevice();
-        return nullptr;
+        return false;
     }
     tree.Parse(descriptor);
-    return &tree;
+    return true;
 }
 
 void CKXHostStackStdHid::CloseDevice()

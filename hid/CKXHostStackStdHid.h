@@ -40,10 +40,14 @@ public:
     [[nodiscard]] uint32_t GetCallState() override { return machine.CallState(); }
     void OnAudioSdkEvent() override { }
 
+    // Whether the last Open() failed because memory ran out: it may succeed later.
+    [[nodiscard]] bool RanOutOfMemory() const { return ranOutOfMemory; }
+
 private:
-    [[nodiscard]] const Root* OpenDevice();
+    [[nodiscard]] bool OpenDevice();
     [[nodiscard]] const Root* OpenKnownDevice(const Root& tree);
     [[nodiscard]] const Root* OpenNewDevice();
+    [[nodiscard]] bool OpenAndParse(Root& tree);
     void CloseDevice();
 
     [[nodiscard]] bool StartReader();
@@ -59,6 +63,7 @@ private:
     IHostStackSink* sink = nullptr; // not owned; may be null
     uint16_t vendorId = 0;
     uint16_t productId = 0;
+    bool ranOutOfMemory = false;
     std::unique_ptr<HidDevice> device;
     TelephonyStateMachine machine{*this};
     rkb::thread_t readerThread;

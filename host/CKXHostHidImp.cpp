@@ -4,6 +4,7 @@
 #include "hid/CKXHostStackStdHid.h"
 
 #include <cassert>
+#include <new>
 #include <sstream>
 
 namespace KX {
@@ -88,21 +89,29 @@ void CKXHostHidImp::SelectDevice(const char* key)
     if (!key || deviceKey == key)
         return;
     stack.reset();
-    deviceKey = key;
-    if (deviceKey.size() >= kMinKeyLength)
-        OpenStack();
-    else
-        deviceKey.clear();
+    try {
+        deviceKey = key;
+        if (deviceKey.size() >= kMinKeyLength)
+            stack = OpenStack();
+    } catch (const std::bad_alloc&) {
+        TraceThis(this, kTraceError, "no memory to select %s", key);
+    }
+    if (!stack)
+        deviceKey.clear(); // so that the same key can be tried again
 }
 
-void CKXHostHidImp::OpenStack()
+// Returns a stack also when the device could not be opened. Throws std::bad_alloc.
+std::unique_ptr<IHostHidStack> CKXHostHidImp::OpenStack()
 {
     vendorId = ParseId(deviceKey, kVendorPosition);
     productId = ParseId(deviceKey, kProductPosition);
-    stack = std::make_unique<CKXHostStackStdHid>();
-    const int opened = stack->Open(this, vendorId, productId);
+    auto opened = std::make_unique<CKXHostStackStdHid>();
+    const int isOpen = opened->Open(this, vendorId, productId);
+    if (opened->RanOutOfMemory())
+        throw std::bad_alloc();
     TraceThis(this, kTraceInfo, "selected %s: %s", deviceKey.c_str(),
-        opened ? "open" : "could not be opened");
+        isOpen ? "open" : "could not be opened");
+    return opened;
 }
 
 void CKXHostHidImp::SetState(KXState state, const uint8_t* value)

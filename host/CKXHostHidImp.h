@@ -43,7 +43,7 @@ public:
     virtual ~CKXHostHidImp();
 
 private:
-    void OpenStack();
+    [[nodiscard]] std::unique_ptr<IHostHidStack> OpenStack();
     void ReportMute(uint8_t muted);
     void SetCallState(uint8_t value);
 

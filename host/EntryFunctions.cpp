@@ -1,13 +1,21 @@
 // The entry functions that make and free hosts and load the device filter.
+#include "base/src/trace.h"
 #include "host/CKXHostHidImp.h"
 #include "host/DeviceFilter.h"
+
+#include <new>
 
 IKXHost* CreateKXHost(IKXHostCallback* callback)
 {
     if (!callback)
         return nullptr;
-    KX::DeviceFilter::Instance().FillDefaults();
-    return new KX::CKXHostHidImp(callback);
+    try {
+        KX::DeviceFilter::Instance().FillDefaults();
+        return new KX::CKXHostHidImp(callback);
+    } catch (const std::bad_alloc&) {
+        KX::Trace(KX::kTraceError, "no memory for a host");
+        return nullptr;
+    }
 }
 
 void DestroyKXHost(IKXHost* host)

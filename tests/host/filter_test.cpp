@@ -1,6 +1,7 @@
 // The device filter sets: which documents add what, and which are refused.
 #include "host/DeviceFilter.h"
 #include "host/IKXHost.h"
+#include "tests/host/failing_new.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,21 @@ TEST(DeviceFilter, ListsLoadedBeforeTheDefaultsReplaceThemAndThoseLoadedAfterExt
     filter.FillDefaults();
     EXPECT_EQ(filter.VendorWhitelist(), (Ids{0x1234, 1}));
     EXPECT_EQ(filter.NameBlacklist(), Names{"a"});
+}
+
+TEST(DeviceFilter, DefaultsAreFilledInWholeOrNotAtAll)
+{
+    KX::DeviceFilter filter;
+    FailingNew::forEachAllocation([&](FailingNew& failure) {
+        EXPECT_TRUE(filter.VendorWhitelist().empty() && filter.VidPidWhitelist().empty());
+        try {
+            filter.FillDefaults();
+        } catch (const std::bad_alloc&) {
+            EXPECT_TRUE(failure.struck());
+        }
+    });
+    EXPECT_EQ(filter.VendorWhitelist().size(), 15u);
+    EXPECT_EQ(filter.VidPidWhitelist().size(), 2u);
 }
 
 TEST(DeviceFilter, TheVendorBlacklistBoundsBothListsOfPairs)

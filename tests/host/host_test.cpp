@@ -1,6 +1,7 @@
 // The host's mapping, against the real stack and a simulated device.
 #include "host/DeviceFilter.h"
 #include "host/IKXHost.h"
+#include "tests/host/failing_new.h"
 #include "tests/support/bus_test.h"
 
 #include <array>
@@ -122,9 +123,39 @@ TEST_F(Host, OneKeyOneStack)
     EXPECT_EQ(CreateKXHost(nullptr), nullptr);
 }
 
-TEST_F(Host, CreationFillsInTheFilterDefaults)
+TEST_F(Host, CreationFillsInTheFilterDefaultsOrReturnsNullWithoutMemory)
 {
     EXPECT_TRUE(KX::DeviceFilter::Instance().VendorWhitelist().contains(0x0B0E));
+    IKXHost* created = nullptr;
+    FailingNew::forEachAllocation(
+        [&](FailingNew&) { created = CreateKXHost(this); }, [&] { EXPECT_EQ(created, nullptr); });
+    EXPECT_NE(created, nullptr);
+    DestroyKXHost(created);
+}
+
+TEST_F(Host, SelectsNoDeviceWithoutMemoryAndCanTryAgain)
+{
+    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
+    info.productId = 0xFFFE; // of no other test, so that its descriptor is fetched
+    auto& device = plug(info);
+    const std::string key = keyOf(device);
+    FailingNew::forEachAllocation([&](FailingNew&) { host_->SelectDevice(key.c_str()); },
+        [&] {
+            EXPECT_EQ(get(KXState::Call), -1);
+            EXPECT_FALSE(device.claimed());
+            EXPECT_TRUE(device.driverBound());
+        });
+    EXPECT_EQ(get(KXState::Call), KXCallIdle);
+    (void)record(device);
+    {
+        const FailingNew withoutMemory(1, FailingNew::Then::KeepsFailing);
+        set(KXState::Call, KXCallActive);
+        set(KXState::Mute, 1);
+        set(KXState::Call, KXCallIdle);
+        set(KXState::Call, KXCallRinging);
+    }
+    EXPECT_EQ(
+        story_.take(), "03 00 00; 03 01 00; 03 05 00; 03 00 00; 03 00 00; 03 00 00; 03 08 00; ");
 }
 
 } // namespace
