@@ -179,7 +179,7 @@ void CKXHostStackStdHid::Notify(TelephonyStateMachine::Event event)
     }
 }
 
-// A failed write is ignored: the device shows it, and nobody else could act on it.
+// A failed write is ignored: the host has no use for it, and the states stay as set.
 void CKXHostStackStdHid::Send(const Bytes& report)
 {
     if (device)

@@ -14,8 +14,8 @@
 namespace KX {
 
 // Owns the device and the reader thread, which runs from Open() to Close(). The reader thread
-// passes input reports to the state machine and sends what the machine answers. The host's thread
-// runs everything else. The device changes only while there is no reader thread.
+// passes input reports to the state machine and delivers the events and output reports that follow.
+// The host's thread runs everything else. `device` changes only while there is no reader thread.
 class CKXHostStackStdHid final : public IHostHidStack,
                                  public IMivoAudioSdkSink,
                                  private TelephonyStateMachine::Output {

@@ -1,5 +1,5 @@
-// Names by which devices are known, each in a slot of 256 bytes; matched as case-sensitive
-// substrings of a device's own name.
+// The names of known devices, each in a slot of 256 bytes. They are compared with a device's own
+// name as case-sensitive substrings.
 #pragma once
 
 namespace KX {
@@ -15,8 +15,8 @@ inline constexpr char kSpeakerphoneNames[][kDeviceNameSize] = {
     "Jabra SPEAK 510",
 };
 
-// In the order in which they are tried. The speakerphones stand here once more, and two names in
-// both spellings, since devices in the field report either.
+// In the order in which they are tried. It is deliberate that the speakerphones are listed again
+// and that two names are listed in both spellings: devices report either.
 inline constexpr char kConferenceDeviceNames[][kDeviceNameSize] = {
     "ConferenceCam Connect",
     "Revolabs",

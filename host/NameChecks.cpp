@@ -1,4 +1,4 @@
-// The checks by device name that IKXHost.h declares.
+// The checks by device name that are declared in IKXHost.h.
 #include "host/DeviceNames.h"
 #include "host/IKXHost.h"
 

@@ -40,7 +40,7 @@ public:
     // recognised: their bytes are read as short items.
     [[nodiscard]] const Item* Peek() const { return hasItem_ ? &item_ : nullptr; }
 
-    // Goes on to the item after the one that Peek() returns.
+    // Moves to the item after the one that Peek() returns.
     void Consume();
 
 private:

@@ -72,7 +72,7 @@ void TelephonyStateMachine::HandleReport(std::span<const uint8_t> report)
             ToggleMute();
     }
     if (callState_ == kCallRinging) { // read again: the host may have called Ring() meanwhile
-        if (hookState_ == kOffHook)
+        if (hookState_ == kOffHook) // the ring came during a call
             HandleWaitingCall(report);
         else
             HandleIncomingCall(report);
@@ -129,7 +129,7 @@ void TelephonyStateMachine::RejectCall()
     Send(leds_.offHookOff);
 }
 
-// The call before it goes on.
+// The earlier call continues.
 void TelephonyStateMachine::RefuseWaitingCall()
 {
     callState_ = kCallActive;

@@ -1,7 +1,7 @@
 // The call, mute and hook states of a telephony device: how operations of the host and input
 // reports of the device change them, and which events and output reports follow.
 //
-// Knows no device and starts no thread. Allocates memory in SetControls() only.
+// Uses no device and starts no thread. Only SetControls() allocates memory.
 #pragma once
 
 #include "hid/model/LedReports.h"
@@ -14,9 +14,8 @@
 namespace KX {
 
 // The operations may run on one thread while HandleReport() runs on another. Each of the three
-// states is an atomic of its own and no lock is held, so that an output may take its time: the two
-// threads may interleave between any two steps, as the user of the device and the user of the
-// window may.
+// states is an atomic of its own, and the two threads may interleave between any two steps. No lock
+// is held while the output is called, so that it may block.
 class TelephonyStateMachine {
 public:
     // What the user did on the device.
@@ -27,8 +26,8 @@ public:
         HangUp,  // rejected
     };
 
-    // Receives events and output reports in their order, on the thread of the call that causes
-    // them. The order relative to the state changes is fixed, see below.
+    // Receives events and output reports in order, on the thread of the call that causes them:
+    // events on the thread of HandleReport(), reports on either.
     class Output {
     public:
         virtual void Notify(Event event) = 0;

@@ -1,4 +1,4 @@
-// Report descriptors: what real devices' controls come out as, and what the rules make of others.
+// Report descriptors: the controls of real devices, and the parser's rules on made-up ones.
 #include "hid/model/BuiltInDescriptor.h"
 #include "hid/model/DescriptorDump.h"
 #include "hid/model/Root.h"
@@ -6,6 +6,8 @@
 #include "tests/support/device_file.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 using test::bytesFromHex;
 
@@ -18,7 +20,7 @@ std::unique_ptr<KX::Root> Parsed(const KX::Bytes& descriptor)
     return root;
 }
 
-// The mask of the headset's button; empty if it has none.
+// The mask of the control `usage` of a headset. Empty if it has none.
 KX::Bytes Input(const std::string& descriptor, uint32_t usage)
 {
     KX::Bytes found;
@@ -28,13 +30,13 @@ KX::Bytes Input(const std::string& descriptor, uint32_t usage)
 
 struct Device {
     const char* name;
-    // In hexadecimal: off-hook, mute, ring and hold lamp; mute, hook, line busy and flash button.
+    // In hexadecimal: off-hook, mute, ring and hold LED; mute, hook, line busy and flash button.
     const char* controls[8];
 };
 
 // clang-format off
-// Worked out apart from this parser: each bit counted over all fields of its report, with HID's
-// own rules for usages and pages.
+// Worked out by hand, not with this parser: each bit counted over all fields of its report, with
+// HID's own rules for usages and pages.
 constexpr Device kDevices[] = {
     {"046d-0944", {"", "08 01", "", "", "08 01", "08 02", "", ""}},
     {"046d-0ac4", {"", "", "", "", "", "", "", ""}},
@@ -53,7 +55,7 @@ constexpr Device kDevices[] = {
 };
 // clang-format on
 
-TEST(Descriptor, TheControlsOfRealDevicesAreWhereTheyAre)
+TEST(Descriptor, FindsTheControlsOfRealDevices)
 {
     const auto& builtIn = KX::kBuiltInDescriptor;
     for (const auto& [name, expected] : kDevices) {
@@ -70,7 +72,7 @@ TEST(Descriptor, TheControlsOfRealDevicesAreWhereTheyAre)
     EXPECT_EQ(std::size(kDevices), test::deviceNames().size() + 1) << "a device file has no row";
 }
 
-// A headset's collection, in which each usage gets one bit unless more follows.
+// The start of a headset's collection. Each usage gets one bit unless more items follow.
 #define ONE_BIT "050b 0905 a101 7501 9501 "
 
 struct Rule {
@@ -86,29 +88,30 @@ constexpr Rule kRules[] = {
         "00 04 00"},
     {"the first field with the usage counts", ONE_BIT "0920 8102 0920 8102 c0", 0x20, "00 01"},
     {"one bit a usage, whatever the size", ONE_BIT "7504 9502 0920 0921 8102 c0", 0x21, "00 02"},
-    {"the last usages belong to the field", ONE_BIT "0921 0920 8102 c0", 0x20, "00 01"},
-    {"the others do not", ONE_BIT "0921 0920 8102 c0", 0x21, ""},
-    {"too few usages name none", ONE_BIT "9502 0920 8102 c0", 0x20, ""},
+    {"of too many usages the last ones count", ONE_BIT "0921 0920 8102 c0", 0x20, "00 01"},
+    {"of too many usages the first ones do not count", ONE_BIT "0921 0920 8102 c0", 0x21, ""},
+    {"with too few usages none counts", ONE_BIT "9502 0920 8102 c0", 0x20, ""},
     {"features are never found", ONE_BIT "0920 b102 c0", 0x20, ""},
-    {"features take their usages away", ONE_BIT "0920 b102 8102 c0", 0x20, ""},
-    {"nested collections belong to the outer one", ONE_BIT "a102 0920 8102 c0 0921 8102 c0", 0x21,
-        "00 02"},
-    {"the usage must stand right before its collection",
-        "050b 0905 0901 a101 7501 9501 0920 8102 c0", 0x20, ""},
+    {"features use up their usages", ONE_BIT "0920 b102 8102 c0", 0x20, ""},
+    {"fields of nested collections belong to the outer one",
+        ONE_BIT "a102 0920 8102 c0 0921 8102 c0", 0x21, "00 02"},
+    {"the usage must be right before its collection", "050b 0905 0901 a101 7501 9501 0920 8102 c0",
+        0x20, ""},
     {"only the first of two equal usages is looked at",
         "050b 0905 0905 a101 7501 9501 0920 8102 c0", 0x20, ""},
     {"only the first of two equal pages is looked at",
         "050b 0900 050b 0905 a101 7501 9501 0920 8102 c0", 0x20, ""},
     {"a new report id opens a group of its own", ONE_BIT "9508 8501 8101 8502 9501 0920 8102 c0",
         0x20, "02 01"},
-    {"the first report id takes over the group that began without one",
+    {"the group that began without a report id gets the first one",
         ONE_BIT "0921 8102 8507 0920 8102 c0", 0x21, "07 01"},
     {"an item without data repeats the last value", ONE_BIT "0920 08 8102 c0", 0x20, "00 01"},
-    {"four bytes are read as such", ONE_BIT "0b20000000 8102 c0", 0x20, "00 01"},
-    {"and none of them left out", ONE_BIT "0b20000008 8102 c0", 0x20, ""},
-    {"size and count hold into the next collection",
+    {"data of four bytes", ONE_BIT "0b20000000 8102 c0", 0x20, "00 01"},
+    {"all four bytes count", ONE_BIT "0b20000008 8102 c0", 0x20, ""},
+    {"size and count stay set in the next collection",
         "050b 0904 a101 7501 9501 8102 c0 0905 a101 0920 8102 c0", 0x20, "00 01"},
-    {"size between collections is skipped", "050b 0905 7501 9501 a101 0920 8102 c0", 0x20, ""},
+    {"size and count between collections are skipped", "050b 0905 7501 9501 a101 0920 8102 c0",
+        0x20, ""},
     {"an item cut off at the end is dropped", ONE_BIT "0920 81", 0x20, ""},
     {"collections may stay open at the end", ONE_BIT "0920 8102", 0x20, "00 01"},
 };
@@ -136,7 +139,7 @@ TEST(Descriptor, AReportLargerThanUsbCanDescribeIsNotFound)
     EXPECT_TRUE(Input(many, 0x20).empty());
 }
 
-TEST(Descriptor, MasksLoseTheReportIdThatIsNotThereAndMuteNeedsOffHook)
+TEST(Descriptor, MasksHaveNoByteForAMissingReportIdAndMuteNeedsOffHook)
 {
     KX::Root root;
     root.Parse(bytesFromHex(ONE_BIT "9508 0920 0921 092f 0997 0901 0902 0903 0904 8102 "
@@ -146,6 +149,18 @@ TEST(Descriptor, MasksLoseTheReportIdThatIsNotThereAndMuteNeedsOffHook)
     EXPECT_EQ(controls.phoneMuteMask, bytesFromHex("04"));
     EXPECT_EQ(controls.muteLedReport, bytesFromHex("00 01"));
     EXPECT_FALSE(controls.hasMuteLed);
+}
+
+TEST(Descriptor, FieldsStartWithThePageOfTheirNodeWhateverAnEarlierCollectionSet)
+{
+    const auto root = Parsed(bytesFromHex(
+        "050b 0904 a101 7501 9501 0508 0917 9102 c0 0905 a101 0920 8102 0508 0917 9102 c0"));
+    std::string pages;
+    std::istringstream dump(root->Dump(""));
+    for (std::string line; std::getline(dump, line);)
+        if (const auto at = line.find("page:\t"); at != std::string::npos)
+            pages += line.substr(at + 6) + " ";
+    EXPECT_EQ(pages, "8 11 8 ");
 }
 
 TEST(Descriptor, DumpsByteForByte)

@@ -14,7 +14,7 @@ constexpr const char* kIncomplete = "          Warning: incomplete report descri
 
 class Retrieval : public BusTest {
 protected:
-    // What is retrieved, and in `printed_` what is said about it.
+    // Returns what is retrieved and leaves in `printed_` what is printed.
     Bytes retrieve(const std::string& path)
     {
         testing::internal::CaptureStdout();
@@ -40,7 +40,7 @@ TEST_F(Retrieval, FindsTheInterfaceByEitherFormOfItsPath)
     EXPECT_FALSE(first.claimed());
 }
 
-TEST_F(Retrieval, GoesByTheFirstReportEntryOfTheHidDescriptor)
+TEST_F(Retrieval, UsesTheFirstReportEntryOfTheHidDescriptor)
 {
     sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
     using Class = sim::ClassDescriptor;
@@ -58,7 +58,7 @@ TEST_F(Retrieval, GoesByTheFirstReportEntryOfTheHidDescriptor)
     }
 }
 
-TEST_F(Retrieval, TriesFourTimesAndKeepsWhatItGot)
+TEST_F(Retrieval, TriesFourTimesAndKeepsWhatItReceived)
 {
     auto& device = plug("speakerphone");
     const Bytes& whole = device.info().reportDescriptor;
@@ -106,7 +106,7 @@ TEST_F(Retrieval, KeepsTheTailOfAnEarlierLongerAnswer)
     calls::beforeDescriptorRequest = nullptr;
 }
 
-TEST_F(Retrieval, WithoutPermissionOrWithADriverThatStaysThereIsNothing)
+TEST_F(Retrieval, ReturnsNothingWithoutPermissionOrWhenTheDriverStays)
 {
     auto& device = plug("speakerphone");
     device.faults().refuseDetach.arm(1);

@@ -1,4 +1,4 @@
-// The stack against simulated devices: the exact reports, the exact events, in one order.
+// The stack with simulated devices: which reports and events come, and in which order.
 #include "hid/CKXHostStackStdHid.h"
 #include "hid/model/BuiltInDescriptor.h"
 #include "hid/model/ReadPause.h"
@@ -102,7 +102,7 @@ TEST_F(Stack, DrivesEachKindOfDevice)
             (void)story_.take(); // an operation returns when the device has its reports
             run(device, row.step);
             std::string story = storyLike(row.story);
-            stack_->Close(); // a report too many would come before its end
+            stack_->Close(); // a report too many would come before it returns
             EXPECT_EQ(story += story_.take(), row.story);
             EXPECT_EQ(stack_->GetCallState(), row.callState);
             EXPECT_EQ(stack_->GetMuteState(), row.muteState);
@@ -129,7 +129,7 @@ TEST_F(Stack, OpensOnHookAndClosesCompletely)
             const int exits = calls::hidExits;
             const auto start = steady_clock::now();
             stack_->Close();
-            // Far above a read time-out: only a reader that does not stop fails this.
+            // Far above a read time-out: fails only with a reader that does not stop.
             EXPECT_LT(steady_clock::now() - start, seconds(5));
             EXPECT_TRUE(isClosed(device));
             EXPECT_EQ(calls::hidExits, exits + 1);
@@ -210,7 +210,7 @@ TEST_F(Stack, LosesNoPressInAFlood)
     EXPECT_EQ(story_.length(), presses);
 }
 
-TEST_F(Stack, AnUnpluggedDeviceHarmsNoneOfTheStates)
+TEST_F(Stack, KeepsItsStatesWhileTheDeviceIsUnplugged)
 {
     for (const char* state : {"hangup", "ring", "offhook", "offhook mute", "offhook ring"}) {
         SCOPED_TRACE(state);
@@ -230,30 +230,30 @@ TEST_F(Stack, AnUnpluggedDeviceHarmsNoneOfTheStates)
     EXPECT_EQ(story_.take(), "");
 }
 
-TEST_F(Stack, UnplugInTheMidstOfPressesAndOperations)
+TEST_F(Stack, SurvivesAnUnplugDuringPressesAndOperations)
 {
     for (size_t round = 0; round < 10; ++round) {
         auto& device = plug("speakerphone");
         ASSERT_EQ(open(device), 1);
         std::atomic<bool> stop = false;
-        std::thread finger([&] {
+        std::thread presses([&] {
             while (!stop)
                 (void)(device.inject({3, 9, 0}) && device.waitUntilRead());
         });
-        std::thread hand([&] {
+        std::thread unplug([&] {
             (void)device.waitForOutputs(4 + 3 * round);
             device.unplug();
         });
         for (int i = 0; i < 30; ++i)
             run(device, "offhook ring");
         stop = true;
-        finger.join();
-        hand.join();
+        presses.join();
+        unplug.join();
         stack_->Close();
     }
 }
 
-TEST_F(Stack, ADeviceThatFailedToOpenOpensLaterWithoutControls)
+TEST_F(Stack, ReopensWithoutControlsADeviceThatFailedToOpen)
 {
     auto& device = record(plug("lamp-per-report"));
     device.setOpenable(false);
@@ -271,7 +271,7 @@ TEST_F(Stack, ADeviceThatFailedToOpenOpensLaterWithoutControls)
     EXPECT_EQ(story_.take(), "");
 }
 
-TEST_F(Stack, LostReportsChangeNoState)
+TEST_F(Stack, SetsStatesAlsoWhenAReportIsLost)
 {
     auto& device = record(plug("speakerphone"));
     ASSERT_EQ(open(device), 1);

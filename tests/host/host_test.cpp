@@ -1,4 +1,4 @@
-// The host's mapping, against the real stack and a simulated device.
+// The host with the real stack and simulated devices.
 #include "host/DeviceFilter.h"
 #include "host/IKXHost.h"
 #include "tests/host/failing_new.h"
