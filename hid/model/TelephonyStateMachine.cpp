@@ -72,7 +72,7 @@ void TelephonyStateMachine::HandleReport(std::span<const uint8_t> report)
             ToggleMute();
     }
     if (callState_ == kCallRinging) { // read again: the host may have called Ring() meanwhile
-        if (hookState_ == kOffHook) // the ring came during a call
+        if (hookState_ == kOffHook)
             HandleWaitingCall(report);
         else
             HandleIncomingCall(report);

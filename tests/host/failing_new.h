@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 
 // While one exists, an allocation of the thread that made it throws std::bad_alloc: the Nth from
 // then on, and with Then::KeepsFailing all later ones too.
