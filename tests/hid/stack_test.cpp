@@ -271,15 +271,4 @@ TEST_F(Stack, ReopensWithoutControlsADeviceThatFailedToOpen)
     EXPECT_EQ(story_.take(), "");
 }
 
-TEST_F(Stack, SetsStatesAlsoWhenAReportIsLost)
-{
-    auto& device = record(plug("speakerphone"));
-    ASSERT_EQ(open(device), 1);
-    (void)story_.take();
-    device.faults().failWrite.arm(3);
-    run(device, "offhook mute unmute");
-    EXPECT_EQ(story_.take(), "03 01 00; ");
-    EXPECT_EQ(stack_->GetMuteState(), kUnmuted);
-}
-
 } // namespace

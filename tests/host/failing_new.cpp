@@ -5,20 +5,16 @@
 
 namespace {
 
-struct Countdown {
-    size_t left = 0; // allocations until one fails; 0 when none is to fail
-    bool keepsFailing = false;
-    bool struck = false;
-};
-thread_local Countdown countdown;
+thread_local size_t callsLeft = 0; // until one fails; 0 when none is to fail
+thread_local FailingNew::Then thenWhat = FailingNew::Then::Recovers;
+thread_local bool failed = false;
 
 bool Fails()
 {
-    if (countdown.left == 0 || --countdown.left > 0)
+    if (callsLeft == 0 || --callsLeft > 0)
         return false;
-    if (countdown.keepsFailing)
-        countdown.left = 1;
-    countdown.struck = true;
+    callsLeft = thenWhat == FailingNew::Then::KeepsFailing ? 1 : 0;
+    failed = true;
     return true;
 }
 
@@ -26,17 +22,19 @@ bool Fails()
 
 FailingNew::FailingNew(size_t nth, Then then)
 {
-    countdown = {nth, then == Then::KeepsFailing, false};
+    callsLeft = nth;
+    thenWhat = then;
+    failed = false;
 }
 
 FailingNew::~FailingNew()
 {
-    countdown = {};
+    callsLeft = 0;
 }
 
-bool FailingNew::struck() const
+bool FailingNew::hasFailed()
 {
-    return countdown.struck;
+    return failed;
 }
 
 void* operator new(size_t size)

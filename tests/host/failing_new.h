@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <initializer_list>
 
-// While one exists, an allocation of the thread that made it throws std::bad_alloc: the Nth from
-// then on, and with Then::KeepsFailing all later ones too.
+// While one exists, operator new throws std::bad_alloc on the thread that made it: at the Nth call
+// only (Then::Recovers) or from there on (Then::KeepsFailing).
 class FailingNew {
 public:
     enum class Then { Recovers, KeepsFailing };
@@ -15,32 +15,23 @@ public:
     FailingNew(const FailingNew&) = delete;
     FailingNew& operator=(const FailingNew&) = delete;
 
-    // Whether an allocation has failed.
-    [[nodiscard]] bool struck() const;
+    [[nodiscard]] static bool hasFailed();
+};
 
-    // Calls `attempt` with the first allocation failing, then with the second and so on, until none
-    // fails. Each is tried once with Then::KeepsFailing and once with Then::Recovers. `after`
-    // follows each attempt that failed, with allocations working again.
-    template <typename Attempt, typename After>
-    static void forEachAllocation(Attempt attempt, After after)
-    {
-        for (size_t nth = 1;; ++nth) {
-            for (const Then then : {Then::KeepsFailing, Then::Recovers}) {
-                bool struck = false;
-                {
-                    FailingNew failure(nth, then);
-                    attempt(failure);
-                    struck = failure.struck();
-                }
-                if (!struck)
+// Calls `attempt` with the first allocation failing, then with the second and so on, in both ways,
+// until none fails. `after` follows each attempt in which one did, with allocations working again.
+template <typename Attempt, typename After>
+void forEachAllocation(Attempt attempt, After after)
+{
+    for (size_t nth = 1;; ++nth) {
+        for (const auto then : {FailingNew::Then::KeepsFailing, FailingNew::Then::Recovers}) {
+            {
+                const FailingNew failing(nth, then);
+                attempt();
+                if (!FailingNew::hasFailed())
                     return;
-                after();
             }
+            after();
         }
     }
-    template <typename Attempt>
-    static void forEachAllocation(Attempt attempt)
-    {
-        forEachAllocation(attempt, [] {});
-    }
-};
+}

@@ -127,8 +127,7 @@ TEST_F(Host, CreationFillsInTheFilterDefaultsOrReturnsNullWithoutMemory)
 {
     EXPECT_TRUE(KX::DeviceFilter::Instance().VendorWhitelist().contains(0x0B0E));
     IKXHost* created = nullptr;
-    FailingNew::forEachAllocation(
-        [&](FailingNew&) { created = CreateKXHost(this); }, [&] { EXPECT_EQ(created, nullptr); });
+    forEachAllocation([&] { created = CreateKXHost(this); }, [&] { EXPECT_EQ(created, nullptr); });
     EXPECT_NE(created, nullptr);
     DestroyKXHost(created);
 }
@@ -139,7 +138,7 @@ TEST_F(Host, SelectsNoDeviceWithoutMemoryAndCanTryAgain)
     info.productId = 0xFFFE; // of no other test, so that its descriptor is fetched
     auto& device = plug(info);
     const std::string key = keyOf(device);
-    FailingNew::forEachAllocation([&](FailingNew&) { host_->SelectDevice(key.c_str()); },
+    forEachAllocation([&] { host_->SelectDevice(key.c_str()); },
         [&] {
             EXPECT_EQ(get(KXState::Call), -1);
             EXPECT_FALSE(device.claimed());
