@@ -37,12 +37,7 @@ uint32_t UTIL_INIT(const char* directory, const char* base_name, const char* ext
         = log_file_limits(config.log_max_file_size(), config.log_max_file_count());
     if (!create_default_file_sink(directory, base_name, extension, size, index))
         return log_sink_failed;
-    log_control_t* const control = log_control_t::instance();
-    if (!control)
-        return log_not_registered;
-    // No sink: the binding puts the default file sink there with the first line, which is this.
-    const uint32_t result
-        = control->register_module(log_module_util, "UTIL", max_level, nullptr, mode);
+    const uint32_t result = register_module(log_module_util, "UTIL", max_level, nullptr, mode);
     RKB_LOG(log_module_util, log_info,
         "UTIL_INIT  refer s_init_times = " << init_times << ", module_id = " << log_module_util
                                            << "\n");

@@ -26,6 +26,12 @@ uint32_t register_logger(
         "register_logger  module_id = " << module_id << ", module_name = " << module_name
                                         << ", max_level = " << max_level << ", logger = " << sink
                                         << ", mode = " << mode << "\n");
+    return register_module(module_id, module_name, max_level, sink, mode);
+}
+
+uint32_t register_module(
+    uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode)
+{
     log_control_t* control = log_control_t::instance();
     if (!control)
         return log_not_registered;

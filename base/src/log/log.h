@@ -65,6 +65,10 @@ template <typename pieces_t>
 uint32_t register_logger(
     uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode);
 
+// What register_logger does after it has logged its call.
+uint32_t register_module(
+    uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode);
+
 // Makes `sink` the custom sink and the low byte of `mask` the default flags, so that its own line
 // goes there already if it is the first, and puts the sink into every slot of every module. For
 // set-up: modules registered before keep their flags. The sink stays the caller's; null for none.
