@@ -1,4 +1,5 @@
 #include "tests/base/log_fixture.h"
+#include "tests/support/child_process.h"
 
 #include <algorithm>
 #include <pthread.h>
@@ -50,6 +51,19 @@ TEST_F(LogTest, ALineIsPrefixThenMessage)
     RKB_LOG(9, rkb::log_fatal, "later\n");
     EXPECT_TRUE(sink.lines.back().starts_with("03/14/2026 09:06:07:042\tNINE\t"));
     EXPECT_EQ(sink.lines.size(), 3u);
+}
+
+TEST_F(LogTest, AForkedChildHasItsOwnThreadIdAndTheProcessIdReadAtFirst)
+{
+    Recorder sink;
+    rkb::register_logger_handle(&sink, 2);
+    RKB_LOG(0, rkb::log_info, "of the parent\n");
+    const std::string process = std::to_string(getpid());
+    EXPECT_TRUE(test::passesInChild([&] {
+        RKB_LOG(0, rkb::log_info, "of the child\n");
+        const std::string ids = "[" + process + ":" + std::to_string(gettid()) + ":";
+        EXPECT_NE(sink.lines.back().find(ids), std::string::npos) << sink.lines.back() << ids;
+    }));
 }
 
 TEST_F(LogTest, OnlyWhatGateAndModuleLetThroughIsEnabledAndEvaluated)

@@ -44,8 +44,12 @@ std::string_view time_text()
 std::string_view ids_text()
 {
     thread_local constinit cached_text_t cache;
-    if (cache.length == 0)
-        cache.set("[", process_id(), ":", thread_id(), ":", thread_handle(), "]\t");
+    thread_local constinit uint32_t cached_thread = 0; // differs from thread_id() after fork()
+    const uint32_t thread = thread_id();
+    if (thread != cached_thread) {
+        cached_thread = thread;
+        cache.set("[", process_id(), ":", thread, ":", thread_handle(), "]\t");
+    }
     return {cache.text, cache.length};
 }
 

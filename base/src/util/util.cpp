@@ -10,6 +10,17 @@
 
 namespace rkb {
 
+namespace {
+
+// 0 before the first call of a thread, and again in the only thread of a forked process.
+thread_local constinit uint32_t cached_thread_id = 0;
+
+// False until this initialiser has run: until then nothing is cached.
+const bool is_reset_by_fork
+    = pthread_atfork(nullptr, nullptr, [] { cached_thread_id = 0; }) == 0;
+
+} // namespace
+
 uint32_t process_id()
 {
     static const auto id = static_cast<uint32_t>(getpid());
@@ -18,7 +29,11 @@ uint32_t process_id()
 
 uint32_t thread_id()
 {
-    thread_local const auto id = static_cast<uint32_t>(gettid());
+    if (cached_thread_id)
+        return cached_thread_id;
+    const auto id = static_cast<uint32_t>(gettid());
+    if (is_reset_by_fork)
+        cached_thread_id = id;
     return id;
 }
 
