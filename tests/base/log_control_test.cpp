@@ -15,7 +15,7 @@ struct early_t {
     {
         rkb::register_logger_handle(&sink, rkb::log_to_primary);
         RKB_LOG(0, rkb::log_info, "early\n");
-        log_control_t::instance()->detach(&sink);
+        log_control_t::instance()->forget_sinks();
         rkb::register_logger_handle(nullptr, 3);
     }
     ~early_t()
@@ -161,15 +161,58 @@ TEST_F(LogTest, TheFirstEnabledCallBindsTheDefaultSinksOverTheRegisteredOnes)
     control().register_module(9, "NINE", 5, &registered, 2);
     RKB_LOG(9, rkb::log_func, "to the default file\n");
     EXPECT_TRUE(registered.lines.empty());
-    rkb::destroy_default_file_sink();
+    control().forget_sinks();
     log_control_t::set_custom_sink(&custom);
     RKB_LOG(9, rkb::log_func, "to both\n");
     EXPECT_EQ(custom.message(), "to both\n");
-    std::string written;
-    for (const auto& [name, text] : test::filesIn(directory() + "logs"))
-        written += text;
-    EXPECT_NE(written.find("to the default file\n"), std::string::npos);
-    EXPECT_NE(written.find("to both\n"), std::string::npos);
+    EXPECT_NE(default_log().find("to the default file\n"), std::string::npos);
+    EXPECT_TRUE(default_log().ends_with("to both\n"));
+}
+
+TEST_F(LogTest, DestroyingTheDefaultFileSinkEmptiesOnlyThePlacesThatHeldIt)
+{
+    Recorder registered;
+    Recorder set_later;
+    RKB_LOG(0, rkb::log_info, "binds the default sinks\n");
+    control().register_module(9, "NINE", 5, &registered, 2);
+    control().set_flags(9, 3); // the secondary places still hold the default file sink
+    control().register_module(10, "TEN", 5, &registered, 1);
+    rkb::destroy_default_file_sink();
+    std::filesystem::remove_all(directory() + "logs");
+    control().set_sink(9, rkb::log_error, &set_later);
+    const std::pair<uint32_t, uint32_t> sites[]
+        = {{9, rkb::log_info}, {9, rkb::log_error}, {10, rkb::log_info}, {0, rkb::log_info}};
+    for (const auto& [module_id, level] : sites)
+        RKB_LOG(module_id, level, module_id << "." << level << ";\n");
+    EXPECT_EQ(registered.messages(), "9.3;\n10.3;\n");
+    EXPECT_EQ(set_later.messages(), "9.1;\n");
+    const std::string file = default_log();
+    for (const char* line : {"\t9.3;\n", "\t9.1;\n", "\t0.3;\n"})
+        EXPECT_NE(file.find(line), file.npos) << line << " in " << file;
+    EXPECT_EQ(file.find("10.3"), file.npos) << file;
+}
+
+TEST_F(LogTest, ANullSinkStandsForTheCustomSinkElseTheDefaultFileSink)
+{
+    Recorder custom;
+    rkb::register_logger_handle(nullptr, 2); // every line goes to the custom sink, and there is none
+    control().attach();
+    rkb::register_logger(9, "NINE", 5, nullptr, 2);
+    RKB_LOG(9, rkb::log_info, "of nine\n");
+    EXPECT_TRUE(default_log().ends_with("of nine\n"));
+    rkb::register_logger_handle(&custom, 2);
+    rkb::register_logger(10, "TEN", 5, nullptr, 2);
+    RKB_LOG(10, rkb::log_info, "of ten\n");
+    EXPECT_TRUE(default_log().ends_with("of nine\n"));
+    EXPECT_EQ(custom.message(), "of ten\n");
+    rkb::register_logger_handle(nullptr, 2); // takes the custom sink out of every primary place
+    RKB_LOG(10, rkb::log_info, "to no sink\n");
+    EXPECT_EQ(custom.messages(), "of ten\n");
+
+    rkb::destroy_default_file_sink();
+    rkb::enable_logger(255);
+    rkb::register_logger(11, "ELEVEN", 5, nullptr, 2);
+    EXPECT_EQ(rkb::existing_default_file_sink(), nullptr); // not created while logging is off
 }
 
 TEST_F(LogTest, EntryPointsLogTheirCallAndAct)

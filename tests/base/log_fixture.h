@@ -18,13 +18,24 @@ struct Recorder final : rkb::log_it {
         return answer;
     }
     // The message of the last line: what follows the level's name.
-    std::string message() const
+    std::string message() const { return lines.empty() ? "" : message_of(lines.back()); }
+
+    std::string messages() const
     {
-        return lines.empty() ? "" : lines.back().substr(lines.back().rfind('\t') + 1);
+        std::string text;
+        for (const std::string& line : lines)
+            text += message_of(line);
+        return text;
     }
 
     std::vector<std::string> lines;
     uint32_t answer = 0;
+
+private:
+    static std::string message_of(const std::string& line)
+    {
+        return line.substr(line.rfind('\t') + 1);
+    }
 };
 
 // As messages show it.
@@ -61,6 +72,15 @@ protected:
 
     static rkb::log_control_t& control() { return *rkb::log_control_t::instance(); }
     const std::string& directory() const { return m_directory.path(); }
+
+    // What the default log files hold.
+    std::string default_log() const
+    {
+        std::string log;
+        for (const auto& [name, text] : test::filesIn(directory() + "logs"))
+            log += name.ends_with(".log") ? text : "";
+        return log;
+    }
 
     // From now on the library's own lines go to the sink.
     static void record_library(Recorder& sink)

@@ -149,7 +149,7 @@ bool log_control_t::is_enabled(
 {
     if (!log_may_pass(module_id, level))
         return false;
-    if (!m_attached.load(std::memory_order_acquire))
+    if (m_binding.load(std::memory_order_acquire) != binding_t::complete)
         attach();
     module_name = m_modules[module_id].name.load(std::memory_order_acquire);
     level_name = m_levels[level].name.load(std::memory_order_acquire);
@@ -159,27 +159,53 @@ bool log_control_t::is_enabled(
 uint32_t log_control_t::attach()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_attached.load(std::memory_order_relaxed))
+    const binding_t binding = m_binding.load(std::memory_order_relaxed);
+    if (binding == binding_t::complete)
         return log_already_attached;
-    const uint32_t flags = default_flags();
-    log_it* const primary = flags & log_to_primary ? custom_sink() : nullptr;
-    log_it* const secondary = flags & log_to_secondary ? default_file_sink() : nullptr;
-    for (log_module_t& module : m_modules)
-        for (log_slot_t& slot : module.slots)
-            slot.set(flags, primary, secondary);
-    m_attached.store(true, std::memory_order_release);
+    if (binding == binding_t::none) {
+        const uint32_t flags = default_flags();
+        log_it* const primary = flags & log_to_primary ? custom_sink() : nullptr;
+        log_it* const secondary = flags & log_to_secondary ? vacant_sink() : nullptr;
+        for (log_module_t& module : m_modules)
+            for (log_slot_t& slot : module.slots)
+                slot.set(flags, primary, secondary);
+    }
+    m_binding.store(fill_vacant_places() ? binding_t::complete : binding_t::with_vacant_places,
+        std::memory_order_release);
     return 0;
 }
 
-void log_control_t::detach(const log_it* sink)
+// Returns whether no place is vacant any more.
+bool log_control_t::fill_vacant_places()
+{
+    if (!has_vacant_place())
+        return true;
+    log_it* const sink = default_file_sink();
+    if (!sink)
+        return false;
+    for (log_module_t& module : m_modules)
+        for (log_slot_t& slot : module.slots)
+            slot.replace(vacant_sink(), sink);
+    return true;
+}
+
+bool log_control_t::has_vacant_place() const
+{
+    return std::any_of(m_modules.begin(), m_modules.end(), [](const log_module_t& module) {
+        return std::any_of(module.slots.begin(), module.slots.end(),
+            [](const log_slot_t& slot) { return slot.holds(vacant_sink()); });
+    });
+}
+
+void log_control_t::detach(log_it* sink)
 {
     const std::lock_guard lock(m_mutex);
     bool found = false;
     for (log_module_t& module : m_modules)
         for (log_slot_t& slot : module.slots)
-            found = slot.forget(sink) || found;
-    if (found)
-        m_attached.store(false, std::memory_order_release);
+            found = slot.replace(sink, vacant_sink()) || found;
+    if (found && m_binding.load(std::memory_order_relaxed) == binding_t::complete)
+        m_binding.store(binding_t::with_vacant_places, std::memory_order_release);
 }
 
 void log_control_t::forget_sinks()
@@ -189,7 +215,7 @@ void log_control_t::forget_sinks()
     for (log_module_t& module : m_modules)
         for (log_slot_t& slot : module.slots)
             slot.set(slot.flags, nullptr, nullptr);
-    m_attached.store(false, std::memory_order_release);
+    m_binding.store(binding_t::none, std::memory_order_release);
 }
 
 uint32_t log_control_t::write(

@@ -70,11 +70,12 @@ public:
     // Binds the default sinks: every slot of every module gets the default flags, the custom sink
     // as primary if the flags have log_to_primary, and the default file sink, created if need be,
     // as secondary if they have log_to_secondary. Deliberately overwrites what registration put
-    // there: that decides which lines pass, the binding where they go. 0 or log_already_attached.
+    // there: that decides which lines pass, the binding where they go. After detach() only the
+    // places that the sink has left get a sink, the default file sink. 0 or log_already_attached.
     uint32_t attach();
 
-    // Takes a sink out of every slot and has the next enabled call bind anew if it was in one.
-    void detach(const log_it* sink);
+    // Takes a sink out of every slot. The next enabled call attaches again.
+    void detach(log_it* sink);
 
     // Takes all sinks out of all slots, and the custom sink away; the next enabled call binds anew.
     void forget_sinks();
@@ -100,15 +101,19 @@ private:
     log_control_t();
     ~log_control_t();
 
+    enum class binding_t : uint8_t { none, with_vacant_places, complete };
+
     static log_control_t* create();
 
     bool is_registered(uint32_t module_id) const { return m_modules[module_id].id == module_id; }
+    bool has_vacant_place() const;
+    bool fill_vacant_places();
     const char* keep(const char* name);
     void open_levels(uint32_t module_id);
 
     thread_mutex_recursive m_mutex;
     std::atomic<uint8_t> m_gate;
-    std::atomic<bool> m_attached = false;
+    std::atomic<binding_t> m_binding = binding_t::none;
     std::set<std::string> m_names; // grows by the distinct names given, as readers hold on to them
     std::array<log_level_entry_t, log_level_count> m_levels;
     std::vector<log_module_t> m_modules;

@@ -1,6 +1,23 @@
 #include "base/src/log/log_table.h"
 
+#include "base/src/util/never_destroyed.h"
+
 namespace rkb {
+
+namespace {
+
+struct vacant_sink_t final : log_it {
+    uint32_t write(uint32_t, uint32_t, const char*, size_t) override { return 0; }
+};
+
+constinit never_destroyed_t<vacant_sink_t> vacant;
+
+} // namespace
+
+log_it* vacant_sink()
+{
+    return &vacant.value;
+}
 
 void log_slot_t::clear()
 {
@@ -22,14 +39,18 @@ void log_slot_t::store(log_it* sink, uint32_t sink_flags)
         secondary.store(sink, std::memory_order_release);
 }
 
-bool log_slot_t::forget(const log_it* sink)
+bool log_slot_t::holds(const log_it* sink) const
+{
+    return primary.load(std::memory_order_relaxed) == sink
+        || secondary.load(std::memory_order_relaxed) == sink;
+}
+
+bool log_slot_t::replace(log_it* from, log_it* to)
 {
     bool found = false;
     for (std::atomic<log_it*>* place : {&primary, &secondary}) {
-        if (place->load(std::memory_order_relaxed) != sink)
-            continue;
-        place->store(nullptr, std::memory_order_release);
-        found = true;
+        log_it* expected = from;
+        found = place->compare_exchange_strong(expected, to, std::memory_order_acq_rel) || found;
     }
     return found;
 }

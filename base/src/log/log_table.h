@@ -9,6 +9,9 @@
 
 namespace rkb {
 
+// Stands in a place whose sink was taken out, until the default sink takes that place. Drops lines.
+[[nodiscard]] log_it* vacant_sink();
+
 // Where the lines of one level of one module go. The sinks are atomic because setting a sink for
 // all modules takes no lock.
 struct log_slot_t {
@@ -23,8 +26,10 @@ struct log_slot_t {
     // one when it has log_to_secondary, else nowhere.
     void store(log_it* sink, uint32_t sink_flags);
 
-    // Empties the places that hold `sink`; whether there was one.
-    bool forget(const log_it* sink);
+    [[nodiscard]] bool holds(const log_it* sink) const;
+
+    // Puts `to` into the places that hold `from`. Returns whether there was one.
+    bool replace(log_it* from, log_it* to);
 };
 
 // Names are atomic because a call site reads them without the lock. They live as long as the
