@@ -1,10 +1,12 @@
 #include "base/src/log/log_control.h"
 
+#include "base/src/auxi/log_stream.h"
 #include "base/src/log/log_gate.h"
-#include "base/src/log/logger_file_default.h"
+#include "base/src/util/never_destroyed.h"
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 
 namespace rkb {
 
@@ -21,6 +23,14 @@ constexpr std::array<const char*, 6> level_names{
 constinit std::atomic<log_it*> the_custom_sink{nullptr};
 constinit std::atomic<uint8_t> the_default_flags{log_to_primary | log_to_secondary};
 
+// The one control. All of these are constant-initialised and never destroyed, because lines may be
+// logged before main and after it. The mutex guards creation and destruction.
+enum class stage_t { none, creating, alive, gone };
+constinit std::atomic<log_control_t*> the_control{nullptr};
+constinit std::atomic<stage_t> the_stage{stage_t::none};
+constinit never_destroyed_t<thread_mutex_recursive> the_mutex;
+constinit log_control_t* left_at_exit = nullptr; // so that leak checkers find it
+
 bool is_module(uint32_t module_id)
 {
     return module_id < log_module_count;
@@ -29,6 +39,12 @@ bool is_module(uint32_t module_id)
 bool is_level(uint32_t level)
 {
     return level < log_level_count;
+}
+
+void close_gate()
+{
+    for (std::atomic<uint8_t>& levels : log_open_levels)
+        levels.store(0, std::memory_order_relaxed);
 }
 
 uint32_t call(log_it& sink, uint32_t module_id, uint32_t level, const char* data, size_t length)
@@ -42,6 +58,67 @@ uint32_t call(log_it& sink, uint32_t module_id, uint32_t level, const char* data
 
 } // namespace
 
+struct log_control_t::process_hooks_t : no_copy {
+    process_hooks_t() = default;
+    ~process_hooks_t()
+    {
+        {
+            const std::lock_guard lock(the_mutex.value);
+            left_at_exit = the_control.exchange(nullptr, std::memory_order_acq_rel);
+            the_stage.store(stage_t::gone, std::memory_order_release);
+        }
+        close_gate(); // first, so that threads which log do not keep close() from its lock
+        if (left_at_exit)
+            left_at_exit->close();
+    }
+};
+
+// A static object that logs in its constructor calls this before it is constructed itself, so its
+// destructor can log, too. Without one the hooks are installed before main.
+bool log_control_t::install_process_hooks()
+{
+    static const process_hooks_t hooks;
+    return true;
+}
+
+const bool log_control_t::s_has_process_hooks = install_process_hooks();
+
+log_control_t* log_control_t::instance()
+{
+    log_control_t* control = the_control.load(std::memory_order_acquire);
+    return control ? control : create();
+}
+
+log_control_t* log_control_t::create()
+{
+    if (the_stage.load(std::memory_order_acquire) == stage_t::gone)
+        return nullptr;
+    install_process_hooks();
+    const std::lock_guard lock(the_mutex.value);
+    // Not `none`: another thread was faster, or this one is in the middle of it.
+    if (the_stage.load(std::memory_order_relaxed) != stage_t::none)
+        return the_control.load(std::memory_order_relaxed);
+    the_stage.store(stage_t::creating, std::memory_order_relaxed);
+    log_control_t* control = nullptr;
+    try {
+        control = new log_control_t;
+    } catch (const std::bad_alloc&) { // a log call must not throw
+    }
+    the_control.store(control, std::memory_order_release);
+    the_stage.store(control ? stage_t::alive : stage_t::none, std::memory_order_relaxed);
+    return control;
+}
+
+void log_control_t::release()
+{
+    if (log_control_t* control = the_control.load(std::memory_order_acquire))
+        control->log_own_line("log_control_t::release()\n");
+    const std::lock_guard lock(the_mutex.value);
+    the_stage.store(stage_t::gone, std::memory_order_release);
+    delete the_control.exchange(nullptr, std::memory_order_acq_rel);
+    close_gate();
+}
+
 log_control_t::log_control_t()
     : m_gate(gate_initial)
     , m_modules(log_module_count)
@@ -51,6 +128,38 @@ log_control_t::log_control_t()
         if (level < level_names.size())
             m_levels[level].name = level_names[level];
     }
+}
+
+log_control_t::~log_control_t()
+{
+    log_own_line("log_control_t::~log_control_t()\n");
+}
+
+// Logs what release() would and leaves nothing to write to. A thread that has passed the gate
+// before still finds the control, but no sink.
+void log_control_t::close()
+{
+    const std::lock_guard lock(m_mutex);
+    m_creates_default_sink = false; // the exit does not begin a log
+    forget_sinks();
+    log_own_line("log_control_t::release()\n");
+    log_own_line("log_control_t::~log_control_t()\n");
+    forget_sinks();
+    m_binding.store(binding_t::complete, std::memory_order_release);
+}
+
+void log_control_t::log_own_line(const char* text)
+{
+    const std::lock_guard lock(m_mutex);
+    if (log_info >= passing_levels(log_module_util))
+        return;
+    const char* module_name = nullptr;
+    const char* level_name = nullptr;
+    prepare_line(log_module_util, log_info, module_name, level_name);
+    char buffer[log_line_size];
+    log_stream_t stream(buffer, sizeof buffer, level_name, module_name);
+    stream << text;
+    write(log_module_util, log_info, stream.text(), stream.length());
 }
 
 uint32_t log_control_t::register_module(
@@ -67,7 +176,7 @@ uint32_t log_control_t::register_module(
         slot.flags = sink_flags;
     for (uint32_t level = 0; level <= max_level; ++level)
         module.slots[level].store(sink, sink_flags);
-    open_levels(module_id);
+    update_gate(module_id);
     return 0;
 }
 
@@ -79,7 +188,7 @@ uint32_t log_control_t::unregister_module(uint32_t module_id)
     if (!is_registered(module_id))
         return log_not_registered;
     m_modules[module_id].reset(module_unregistered);
-    open_levels(module_id);
+    update_gate(module_id);
     return 0;
 }
 
@@ -135,7 +244,7 @@ void log_control_t::set_gate(uint32_t max_level)
     const std::lock_guard lock(m_mutex);
     m_gate.store(static_cast<uint8_t>(max_level), std::memory_order_relaxed);
     for (uint32_t module_id = 0; module_id < log_module_count; ++module_id)
-        open_levels(module_id);
+        update_gate(module_id);
 }
 
 int log_control_t::gate() const
@@ -149,11 +258,17 @@ bool log_control_t::is_enabled(
 {
     if (!log_may_pass(module_id, level))
         return false;
+    prepare_line(module_id, level, module_name, level_name);
+    return true;
+}
+
+void log_control_t::prepare_line(
+    uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name)
+{
     if (m_binding.load(std::memory_order_acquire) != binding_t::complete)
         attach();
     module_name = m_modules[module_id].name.load(std::memory_order_acquire);
     level_name = m_levels[level].name.load(std::memory_order_acquire);
-    return true;
 }
 
 uint32_t log_control_t::attach()
@@ -180,7 +295,8 @@ bool log_control_t::fill_vacant_places()
 {
     if (!has_vacant_place())
         return true;
-    log_it* const sink = default_file_sink();
+    log_it* const sink
+        = m_creates_default_sink ? log_default_sink.get() : log_default_sink.existing();
     if (!sink)
         return false;
     for (log_module_t& module : m_modules)
@@ -266,12 +382,18 @@ const char* log_control_t::keep(const char* name)
     return name ? m_names.emplace(name).first->c_str() : unnamed;
 }
 
-void log_control_t::open_levels(uint32_t module_id)
+uint32_t log_control_t::passing_levels(uint32_t module_id) const
 {
     const uint32_t gate = m_gate.load(std::memory_order_relaxed);
-    const uint32_t last = std::min(gate, m_modules[module_id].max_level);
-    const uint32_t open = gate == gate_off || !is_registered(module_id) ? 0 : last + 1;
-    log_open_levels[module_id].store(static_cast<uint8_t>(open), std::memory_order_relaxed);
+    if (gate == gate_off || !is_registered(module_id))
+        return 0;
+    return std::min(gate, m_modules[module_id].max_level) + 1;
+}
+
+void log_control_t::update_gate(uint32_t module_id)
+{
+    log_open_levels[module_id].store(
+        static_cast<uint8_t>(passing_levels(module_id)), std::memory_order_relaxed);
 }
 
 } // namespace rkb

@@ -11,21 +11,34 @@
 
 namespace rkb {
 
-// One per process, made on the first instance() and destroyed by release(), at the latest at exit.
-// Call sites go through log.h. Every operation may be called from any thread; those that change or
-// walk the tables take the control's recursive mutex, and sinks are called with it held. The
-// exceptions are marked.
+// How the control obtains its default sink. The unit of that sink defines the one object, constant
+// and constant-initialised, so that lines can be logged before main.
+struct log_default_sink_t {
+    log_it* (*get)();      // creates the sink if there is none; null when that fails
+    log_it* (*existing)(); // null if there is none
+};
+extern const log_default_sink_t log_default_sink;
+
+// One per process, created by the first instance() and destroyed by release(). Call sites go
+// through log.h. Every operation may be called from any thread; those that change or walk the
+// tables take the control's recursive mutex, and sinks are called with it held. The exceptions are
+// marked.
 //
 // Sinks are referred to, never owned. Names are copied.
 class log_control_t : no_copy {
 public:
     // Null while the control is being created (to its own constructor's callees; other threads
-    // wait) and from its destruction on. Locks only to create.
+    // wait), after its destruction, and from the exit of the process on. Also null when there is no
+    // memory for it; the next call tries again. Locks only to create.
     [[nodiscard]] static log_control_t* instance();
 
-    // Logs its call, destroys the control, and leaves every later log call without effect. Other
-    // threads must have stopped logging. Happens at exit by itself; the lines that it logs then go
-    // to the default file sink at most, as other sinks may have been destroyed before.
+    // Logs its call and destroys the control. Later log calls have no effect. Other threads must
+    // have stopped logging.
+    //
+    // At exit, if this has not been called, the control logs the same lines, to the default file
+    // sink only, because other sinks may have been destroyed before. Later log calls have no effect
+    // then either. The control and the default file sink stay in memory, so that threads may still
+    // be logging while the process exits.
     static void release();
 
     // Registers a module, again if need be: its name (null: "N/A"), its least severe level, the
@@ -103,17 +116,27 @@ private:
 
     enum class binding_t : uint8_t { none, with_vacant_places, complete };
 
+    struct process_hooks_t;
+    static bool install_process_hooks();
+    static const bool s_has_process_hooks;
+
     static log_control_t* create();
 
+    void close();
+    void log_own_line(const char* text);
+    void prepare_line(
+        uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name);
     bool is_registered(uint32_t module_id) const { return m_modules[module_id].id == module_id; }
     bool has_vacant_place() const;
     bool fill_vacant_places();
     const char* keep(const char* name);
-    void open_levels(uint32_t module_id);
+    uint32_t passing_levels(uint32_t module_id) const;
+    void update_gate(uint32_t module_id);
 
     thread_mutex_recursive m_mutex;
     std::atomic<uint8_t> m_gate;
     std::atomic<binding_t> m_binding = binding_t::none;
+    bool m_creates_default_sink = true;
     std::set<std::string> m_names; // grows by the distinct names given, as readers hold on to them
     std::array<log_level_entry_t, log_level_count> m_levels;
     std::vector<log_module_t> m_modules;

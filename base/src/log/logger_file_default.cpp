@@ -1,6 +1,7 @@
 #include "base/src/log/logger_file_default.h"
 
 #include "base/src/log/log_control.h"
+#include "base/src/util/never_destroyed.h"
 
 #include <atomic>
 #include <memory>
@@ -11,49 +12,24 @@ namespace rkb {
 
 namespace {
 
-// Constant-initialised and never destroyed, for whoever asks before main or after it.
-constinit std::atomic<logger_file*> current{nullptr};
-constinit std::atomic<bool> closed{false}; // no sink is created any more
+// Never destroyed: threads may log before main and while the process exits. The mutex guards
+// creating and destroying the sink. It is taken after the control's own, as by attach().
+constinit std::atomic<logger_file*> the_sink{nullptr};
+constinit never_destroyed_t<thread_mutex_recursive> the_mutex;
 
-struct guard_t : no_copy {
-    guard_t() = default;
-    ~guard_t()
-    {
-        create_no_default_file_sink();
-        destroy_default_file_sink();
-    }
-
-    thread_mutex_recursive mutex;
-};
-
-guard_t& guard()
+// No line is written while the tables are locked.
+std::unique_lock<thread_mutex_recursive> lock_tables(log_control_t* control)
 {
-    static guard_t it;
-    return it;
+    return control ? std::unique_lock(control->mutex())
+                   : std::unique_lock<thread_mutex_recursive>();
 }
 
-// Locks the control's tables if there is a control: no line is being written meanwhile. Always
-// taken before the sink's own mutex, as binding the default sinks does.
-class tables_lock_t : no_copy {
-public:
-    tables_lock_t()
-        : m_control(log_control_t::instance())
-    {
-        if (m_control)
-            m_control->mutex().lock();
-    }
-    ~tables_lock_t()
-    {
-        if (m_control)
-            m_control->mutex().unlock();
-    }
-    log_control_t* control() const { return m_control; }
-
-private:
-    log_control_t* m_control;
-};
-
 } // namespace
+
+constinit const log_default_sink_t log_default_sink{
+    []() -> log_it* { return default_file_sink(); },
+    []() -> log_it* { return existing_default_file_sink(); },
+};
 
 logger_file* default_file_sink()
 {
@@ -62,17 +38,17 @@ logger_file* default_file_sink()
 
 logger_file* existing_default_file_sink()
 {
-    return current.load(std::memory_order_acquire);
+    return the_sink.load(std::memory_order_acquire);
 }
 
 logger_file* create_default_file_sink(const char* directory, const char* base_name,
     const char* extension, uint32_t max_size, uint32_t max_index)
 {
     logger_file* sink = existing_default_file_sink();
-    if (sink || closed.load(std::memory_order_acquire))
+    if (sink)
         return sink;
-    const std::lock_guard lock(guard().mutex);
-    sink = current.load(std::memory_order_relaxed);
+    const std::lock_guard lock(the_mutex.value);
+    sink = the_sink.load(std::memory_order_relaxed);
     if (sink)
         return sink;
     try {
@@ -80,34 +56,25 @@ logger_file* create_default_file_sink(const char* directory, const char* base_na
     } catch (const std::bad_alloc&) {
         return nullptr; // a log call must not throw
     }
-    current.store(sink, std::memory_order_release);
+    the_sink.store(sink, std::memory_order_release);
     return sink;
 }
 
 uint32_t configure_default_file_sink(uint32_t max_size, uint32_t max_index)
 {
-    const tables_lock_t tables;
+    const auto tables = lock_tables(log_control_t::instance());
     logger_file* const sink = default_file_sink();
     return sink ? sink->configure(max_size, max_index) : log_sink_failed;
 }
 
 void destroy_default_file_sink()
 {
-    const tables_lock_t tables;
-    const std::lock_guard lock(guard().mutex);
-    const std::unique_ptr<logger_file> sink(current.exchange(nullptr, std::memory_order_acq_rel));
-    if (sink && tables.control())
-        tables.control()->detach(sink.get());
-}
-
-void prepare_default_file_sink()
-{
-    guard();
-}
-
-void create_no_default_file_sink()
-{
-    closed.store(true, std::memory_order_release);
+    log_control_t* const control = log_control_t::instance();
+    const auto tables = lock_tables(control);
+    const std::lock_guard lock(the_mutex.value);
+    const std::unique_ptr<logger_file> sink(the_sink.exchange(nullptr, std::memory_order_acq_rel));
+    if (sink && control)
+        control->detach(sink.get());
 }
 
 } // namespace rkb

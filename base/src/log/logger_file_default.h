@@ -9,8 +9,8 @@ inline constexpr uint32_t default_max_size = 41'943'040; // 40 MiB
 inline constexpr uint32_t default_max_index = 9;
 
 // The sink, created on demand: default directory, named after the program, extension "log", the
-// limits above. It stays the library's, until destroy_default_file_sink() or exit. Null at exit
-// unless it was there before, and when there is no memory for it.
+// limits above. The library owns it until destroy_default_file_sink(). Null when there is no memory
+// for it.
 [[nodiscard]] logger_file* default_file_sink();
 
 // The sink if it has been created, else null. Takes no lock.
@@ -22,18 +22,11 @@ logger_file* create_default_file_sink(const char* directory, const char* base_na
     const char* extension, uint32_t max_size, uint32_t max_index);
 
 // logger_file_base_t::configure on the sink, creating it; not while a line is being written. Also
-// log_sink_failed when there can be no sink any more.
+// log_sink_failed when there is no memory for the sink.
 uint32_t configure_default_file_sink(uint32_t max_size, uint32_t max_index);
 
-// Takes the sink out of the logging control, closes and destroys it; the next enabled line binds
-// the default sinks anew, which creates a new one. Nobody else may be using the sink's pointer.
+// Takes the sink out of the logging control, closes and destroys it. The next enabled line creates
+// a new one for the places that it left. No other thread may be using the sink's pointer.
 void destroy_default_file_sink();
-
-// For the logging control. Makes the mutex now, so that at exit it goes after the control.
-void prepare_default_file_sink();
-
-// For the logging control. From now on no sink is created, so that its last words do not begin a
-// log where there is none; an existing one goes on.
-void create_no_default_file_sink();
 
 } // namespace rkb

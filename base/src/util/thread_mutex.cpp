@@ -5,15 +5,6 @@
 
 namespace rkb {
 
-thread_mutex_recursive::thread_mutex_recursive()
-{
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutex_init(&m_mutex, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-}
-
 thread_mutex_recursive::~thread_mutex_recursive()
 {
     pthread_mutex_destroy(&m_mutex);

@@ -12,7 +12,7 @@ namespace rkb {
 // std::lock_guard works on it. Any thread may lock; only the owner may unlock.
 class thread_mutex_recursive : no_copy {
 public:
-    thread_mutex_recursive();
+    constexpr thread_mutex_recursive() = default;
     ~thread_mutex_recursive();
 
     void lock();
@@ -20,7 +20,7 @@ public:
 
 private:
     friend class condition_t;
-    pthread_mutex_t m_mutex;
+    pthread_mutex_t m_mutex = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
 };
 
 // A condition variable whose time-outs are on the monotonic clock, so that setting the

@@ -1,0 +1,212 @@
+// Logging at the edges of a process. Each test uses child processes, so that every one of them
+// begins without a logging control.
+#include "tests/base/log_fixture.h"
+#include "tests/support/child_process.h"
+
+#include <atomic>
+#include <barrier>
+#include <new>
+#include <set>
+#include <sstream>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr int unlimited = -1;
+std::atomic<int> allocations_left = unlimited;
+
+void* allocate(size_t size)
+{
+    if (allocations_left == 0)
+        return nullptr;
+    if (allocations_left != unlimited)
+        --allocations_left;
+    return malloc(size ? size : 1);
+}
+
+} // namespace
+
+void* operator new(size_t size)
+{
+    if (void* memory = allocate(size))
+        return memory;
+    throw std::bad_alloc();
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void operator delete(void* memory) noexcept
+{
+    free(memory);
+}
+void operator delete(void* memory, size_t) noexcept
+{
+    free(memory);
+}
+
+namespace {
+
+using rkb::log_control_t;
+using test::passesInChild;
+
+constexpr int thread_count = 8;
+constexpr int lines_per_thread = 500;
+
+std::string line_of(int thread, int number)
+{
+    return "line " + std::to_string(thread) + " " + std::to_string(number) + std::string(200, 'x');
+}
+
+// Module 0 passes without registration, so the first lines race to create the control and to bind
+// the sinks.
+void log_from_threads()
+{
+    std::barrier all_at_once(thread_count);
+    std::vector<std::jthread> threads;
+    threads.reserve(thread_count);
+    for (int thread = 0; thread < thread_count; ++thread)
+        threads.emplace_back([&all_at_once, thread] {
+            all_at_once.arrive_and_wait();
+            for (int i = 0; i < lines_per_thread; ++i)
+                RKB_LOG(0, rkb::log_info, line_of(thread, i) << "\n");
+        });
+}
+
+// Every line of every thread is there once and whole.
+void expect_all_lines(const std::string& directory)
+{
+    std::multiset<std::string> expected;
+    for (int i = 0; i < thread_count * lines_per_thread; ++i)
+        expected.insert(line_of(i / lines_per_thread, i % lines_per_thread));
+    std::multiset<std::string> found;
+    for (const auto& [name, text] : test::filesIn(directory)) {
+        std::istringstream stream(name.ends_with(".log") ? text : "");
+        for (std::string line; std::getline(stream, line);)
+            found.insert(line.substr(std::min(line.find("line "), line.size())));
+    }
+    EXPECT_TRUE(found == expected) << found.size(); // without printing them
+}
+
+// Starts threads that log until the control is gone, and waits until they have begun.
+void log_until_exit(int threads)
+{
+    static std::atomic<bool> all_are_there = false;
+    static std::atomic<int> lines = 0;
+    for (int i = 0; i < threads; ++i)
+        std::thread([] {
+            all_are_there.wait(false);
+            for (; log_control_t::instance(); ++lines)
+                RKB_LOG(0, rkb::log_info, "another line\n");
+        }).detach();
+    all_are_there = true;
+    all_are_there.notify_all();
+    while (lines < 100)
+        std::this_thread::yield();
+}
+
+class LogProcess : public testing::Test {
+protected:
+    void SetUp() override { setenv("RKB_HOME", m_directory.path().c_str(), 1); }
+
+    const test::TempDirectory m_directory;
+};
+
+struct Mortal final : rkb::log_it {
+    static inline bool is_gone = false;
+    ~Mortal() override { is_gone = true; }
+    uint32_t write(uint32_t, uint32_t, const char*, size_t) override
+    {
+        if (is_gone)
+            _exit(EXIT_FAILURE);
+        return 0;
+    }
+};
+
+TEST_F(LogProcess, TheLinesAtExitGoToNoSinkThatMayBeDestroyed)
+{
+    EXPECT_TRUE(passesInChild([] {
+        static Mortal sink; // destroyed before the control is closed
+        rkb::register_logger_handle(&sink, 2);
+        rkb::register_logger(1, "UTIL", 5, nullptr, 2);
+        RKB_LOG(1, rkb::log_info, "binds the sink\n");
+    }));
+}
+
+TEST_F(LogProcess, TheLogFileEndsWithTheLinesOfTheExit)
+{
+    EXPECT_TRUE(passesInChild([] {
+        rkb::register_logger(1, "UTIL", 5, nullptr, 1);
+        RKB_LOG(1, rkb::log_info, "creates the file\n");
+    }));
+    std::string text;
+    for (const auto& [name, content] : test::filesIn(m_directory.path() + "logs"))
+        text += name.ends_with(".log") ? content : "";
+    const size_t release = text.find("\tINFO\tlog_control_t::release()\n");
+    EXPECT_LT(text.find("creates the file"), release);
+    EXPECT_LT(release, text.find("\tINFO\tlog_control_t::~log_control_t()\n"));
+    EXPECT_TRUE(text.ends_with("~log_control_t()\n")) << text;
+}
+
+TEST_F(LogProcess, ThreadsMayLogWhileTheProcessExits)
+{
+    for (int run = 0; run < 20; ++run)
+        ASSERT_TRUE(passesInChild([] { log_until_exit(64); })) << run;
+}
+
+TEST_F(LogProcess, ACreationThatRunsOutOfMemoryIsTriedAgain)
+{
+    EXPECT_TRUE(passesInChild([] {
+        int failures = 0;
+        for (log_control_t* control = nullptr; !control && failures < 10; ++failures) {
+            allocations_left = failures;
+            EXPECT_NO_THROW(control = log_control_t::instance());
+            allocations_left = unlimited;
+        }
+        EXPECT_GT(failures, 2);
+        Recorder sink;
+        rkb::register_logger_handle(&sink, 2);
+        RKB_LOG(0, rkb::log_info, "kept\n");
+        EXPECT_EQ(sink.message(), "kept\n");
+        rkb::register_logger_handle(nullptr, 2);
+    }));
+}
+
+// The whole life of a control.
+TEST_F(LogProcess, FirstUseRotationReleaseAndSilence)
+{
+    EXPECT_TRUE(passesInChild([this] {
+        EXPECT_EQ(log_control_t::custom_sink(), nullptr);
+        EXPECT_EQ(log_control_t::default_flags(), 3);
+        log_from_threads();
+        expect_all_lines(m_directory.path() + "logs");
+
+        rkb::destroy_default_file_sink();
+        const std::string small = m_directory.path() + "small/";
+        rkb::create_default_file_sink(small.c_str(), "n", "log", 1, 99);
+        log_from_threads();
+        expect_all_lines(small);
+        EXPECT_EQ(test::filesIn(small).size(), 3u); // rotated once
+
+        Recorder sink;
+        rkb::register_logger_handle(&sink, 2);
+        rkb::register_logger(1, "UTIL", 5, &sink, 2);
+        sink.lines.clear();
+        log_control_t::release();
+        ASSERT_EQ(sink.lines.size(), 2u);
+        EXPECT_TRUE(sink.lines[0].ends_with("\tINFO\tlog_control_t::release()\n"));
+        EXPECT_TRUE(sink.lines[1].ends_with("\tINFO\tlog_control_t::~log_control_t()\n"));
+        EXPECT_EQ(log_control_t::instance(), nullptr);
+        bool evaluated = false;
+        RKB_LOG(1, rkb::log_fatal, (evaluated = true));
+        RKB_LOG(0, rkb::log_fatal, (evaluated = true));
+        EXPECT_FALSE(evaluated);
+        EXPECT_EQ(rkb::register_logger(1, "UTIL", 5, &sink, 2), rkb::log_not_registered);
+        EXPECT_EQ(rkb::configure_logger(1048576, 9), 0u); // the sink lives on its own
+        log_control_t::release();
+        EXPECT_EQ(sink.lines.size(), 2u);
+    }));
+}
+
+} // namespace
