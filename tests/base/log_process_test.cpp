@@ -27,21 +27,22 @@ void* allocate(size_t size)
 
 } // namespace
 
-void* operator new(size_t size)
+// Not inlined: the compiler would take the calls of malloc() and free() for mismatched pairs.
+[[gnu::noinline]] void* operator new(size_t size)
 {
     if (void* memory = allocate(size))
         return memory;
     throw std::bad_alloc();
 }
-void* operator new(size_t size, const std::nothrow_t&) noexcept
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept
 {
     return allocate(size);
 }
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     free(memory);
 }
-void operator delete(void* memory, size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept
 {
     free(memory);
 }
@@ -151,8 +152,25 @@ TEST_F(LogProcess, TheLogFileEndsWithTheLinesOfTheExit)
 
 TEST_F(LogProcess, ThreadsMayLogWhileTheProcessExits)
 {
-    for (int run = 0; run < 20; ++run)
+    for (int run = 0; run < 8; ++run)
         ASSERT_TRUE(passesInChild([] { log_until_exit(64); })) << run;
+}
+
+TEST_F(LogProcess, AForkedChildCanLogWhateverTheThreadsDidAtTheFork)
+{
+    EXPECT_TRUE(passesInChild([] {
+        log_until_exit(8);
+        for (int run = 0; run < 40; ++run)
+            ASSERT_TRUE(passesInChild(
+                [] {
+                    RKB_LOG(0, rkb::log_info, "of the child\n");
+                    rkb::destroy_default_file_sink();
+                    RKB_LOG(0, rkb::log_info, "in a file of its own\n");
+                    _exit(EXIT_SUCCESS);
+                },
+                5))
+                << run;
+    }));
 }
 
 TEST_F(LogProcess, ACreationThatRunsOutOfMemoryIsTriedAgain)

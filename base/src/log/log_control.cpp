@@ -2,11 +2,13 @@
 
 #include "base/src/auxi/log_stream.h"
 #include "base/src/log/log_gate.h"
+#include "base/src/util/local_time.h"
 #include "base/src/util/never_destroyed.h"
 
 #include <algorithm>
 #include <mutex>
 #include <new>
+#include <pthread.h>
 
 namespace rkb {
 
@@ -23,13 +25,18 @@ constexpr std::array<const char*, 6> level_names{
 constinit std::atomic<log_it*> the_custom_sink{nullptr};
 constinit std::atomic<uint8_t> the_default_flags{log_to_primary | log_to_secondary};
 
-// The one control. All of these are constant-initialised and never destroyed, because lines may be
-// logged before main and after it. The mutex guards creation and destruction.
+// The one control. None of these is destroyed, because lines may be logged before main and after
+// it. The mutex guards creation and destruction.
 enum class stage_t { none, creating, alive, gone };
 constinit std::atomic<log_control_t*> the_control{nullptr};
 constinit std::atomic<stage_t> the_stage{stage_t::none};
-constinit never_destroyed_t<thread_mutex_recursive> the_mutex;
 constinit log_control_t* left_at_exit = nullptr; // so that leak checkers find it
+
+thread_mutex_recursive& the_mutex()
+{
+    static never_destroyed_t<thread_mutex_recursive> it;
+    return it.value;
+}
 
 bool is_module(uint32_t module_id)
 {
@@ -58,18 +65,50 @@ uint32_t call(log_it& sink, uint32_t module_id, uint32_t level, const char* data
 
 } // namespace
 
+// While a process forks, no other thread holds any of the locks that a log call takes.
 struct log_control_t::process_hooks_t : no_copy {
-    process_hooks_t() = default;
+    process_hooks_t()
+    {
+        lock_all(); // creates the mutexes before main
+        unlock_all();
+        pthread_atfork(lock_all, unlock_all, reset_all_in_child);
+    }
     ~process_hooks_t()
     {
         {
-            const std::lock_guard lock(the_mutex.value);
+            const std::lock_guard lock(the_mutex());
             left_at_exit = the_control.exchange(nullptr, std::memory_order_acq_rel);
             the_stage.store(stage_t::gone, std::memory_order_release);
         }
         close_gate(); // first, so that threads which log do not keep close() from its lock
         if (left_at_exit)
             left_at_exit->close();
+    }
+
+    // In the order in which log calls take them.
+    static void lock_all()
+    {
+        the_mutex().lock();
+        if (log_control_t* control = the_control.load(std::memory_order_relaxed))
+            control->m_mutex.lock();
+        log_default_sink.mutex().lock();
+        local_time_mutex().lock();
+    }
+    static void unlock_all()
+    {
+        local_time_mutex().unlock();
+        log_default_sink.mutex().unlock();
+        if (log_control_t* control = the_control.load(std::memory_order_relaxed))
+            control->m_mutex.unlock();
+        the_mutex().unlock();
+    }
+    static void reset_all_in_child()
+    {
+        local_time_mutex().reset_in_child();
+        log_default_sink.mutex().reset_in_child();
+        if (log_control_t* control = the_control.load(std::memory_order_relaxed))
+            control->m_mutex.reset_in_child();
+        the_mutex().reset_in_child();
     }
 };
 
@@ -94,7 +133,7 @@ log_control_t* log_control_t::create()
     if (the_stage.load(std::memory_order_acquire) == stage_t::gone)
         return nullptr;
     install_process_hooks();
-    const std::lock_guard lock(the_mutex.value);
+    const std::lock_guard lock(the_mutex());
     // Not `none`: another thread was faster, or this one is in the middle of it.
     if (the_stage.load(std::memory_order_relaxed) != stage_t::none)
         return the_control.load(std::memory_order_relaxed);
@@ -113,7 +152,7 @@ void log_control_t::release()
 {
     if (log_control_t* control = the_control.load(std::memory_order_acquire))
         control->log_own_line("log_control_t::release()\n");
-    const std::lock_guard lock(the_mutex.value);
+    const std::lock_guard lock(the_mutex());
     the_stage.store(stage_t::gone, std::memory_order_release);
     delete the_control.exchange(nullptr, std::memory_order_acq_rel);
     close_gate();

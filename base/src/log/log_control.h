@@ -14,8 +14,9 @@ namespace rkb {
 // How the control obtains its default sink. The unit of that sink defines the one object, constant
 // and constant-initialised, so that lines can be logged before main.
 struct log_default_sink_t {
-    log_it* (*get)();      // creates the sink if there is none; null when that fails
-    log_it* (*existing)(); // null if there is none
+    log_it* (*get)();                   // creates the sink if there is none; null when that fails
+    log_it* (*existing)();              // null if there is none
+    thread_mutex_recursive& (*mutex)(); // is taken after the control's
 };
 extern const log_default_sink_t log_default_sink;
 

@@ -1,7 +1,10 @@
 #include "base/src/util/local_time.h"
 
+#include "base/src/util/never_destroyed.h"
+
 #include <atomic>
 #include <ctime>
+#include <mutex>
 
 namespace rkb {
 
@@ -9,6 +12,7 @@ namespace {
 
 local_time_t broken_down(time_t second)
 {
+    const std::lock_guard lock(local_time_mutex());
     tm parts{};
     if (!localtime_r(&second, &parts))
         return {};
@@ -60,6 +64,12 @@ local_time_t local_time()
 local_time_t local_date()
 {
     return time_by(CLOCK_REALTIME_COARSE);
+}
+
+thread_mutex_recursive& local_time_mutex()
+{
+    static never_destroyed_t<thread_mutex_recursive> mutex;
+    return mutex.value;
 }
 
 void set_local_time_source(local_time_source_t source)

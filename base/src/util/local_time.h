@@ -1,6 +1,8 @@
 // The broken-down local time, and the one place where the library reads it.
 #pragma once
 
+#include "base/src/util/thread_mutex.h"
+
 #include <cstdint>
 
 namespace rkb {
@@ -27,6 +29,10 @@ struct local_time_t {
 // milliseconds. Compare its day with its own like only: it may still be in yesterday when
 // local_time() no longer is.
 [[nodiscard]] local_time_t local_date();
+
+// The lock around the C library's conversion to local time. That has a lock of its own, which the
+// child of a fork() finds as it was: hold this one during fork(), so that it is not taken then.
+[[nodiscard]] thread_mutex_recursive& local_time_mutex();
 
 // Makes both ask `source` instead of the system, in the whole process; null undoes it. For tests
 // that have to stand at midnight. `source` may be called by any thread, several at once.

@@ -3,8 +3,7 @@
 
 namespace rkb {
 
-// Holds a value whose destructor never runs. Declare it `constinit`, so that the value can be used
-// before main, too.
+// Holds a value whose destructor never runs.
 template <typename value_t>
 union never_destroyed_t {
     constexpr never_destroyed_t()

@@ -5,6 +5,11 @@
 
 namespace rkb {
 
+thread_mutex_recursive::thread_mutex_recursive()
+{
+    init();
+}
+
 thread_mutex_recursive::~thread_mutex_recursive()
 {
     pthread_mutex_destroy(&m_mutex);
@@ -18,6 +23,23 @@ void thread_mutex_recursive::lock()
 void thread_mutex_recursive::unlock()
 {
     pthread_mutex_unlock(&m_mutex);
+}
+
+void thread_mutex_recursive::reset_in_child()
+{
+    // Does not unlock: the owner that the mutex has recorded does not exist in the child. But race
+    // detectors, which keep records of their own, then take the mutex for unlocked.
+    unlock();
+    init();
+}
+
+void thread_mutex_recursive::init()
+{
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(&m_mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
 }
 
 condition_t::condition_t()

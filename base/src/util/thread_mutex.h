@@ -12,15 +12,21 @@ namespace rkb {
 // std::lock_guard works on it. Any thread may lock; only the owner may unlock.
 class thread_mutex_recursive : no_copy {
 public:
-    constexpr thread_mutex_recursive() = default;
+    thread_mutex_recursive();
     ~thread_mutex_recursive();
 
     void lock();
     void unlock();
 
+    // Unlocks the mutex in a process made by fork(), whichever thread of the parent had locked it.
+    // For the child's handler of pthread_atfork() only.
+    void reset_in_child();
+
 private:
     friend class condition_t;
-    pthread_mutex_t m_mutex = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
+    void init();
+
+    pthread_mutex_t m_mutex;
 };
 
 // A condition variable whose time-outs are on the monotonic clock, so that setting the

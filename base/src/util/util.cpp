@@ -16,8 +16,7 @@ namespace {
 thread_local constinit uint32_t cached_thread_id = 0;
 
 // False until this initialiser has run: until then nothing is cached.
-const bool is_reset_by_fork
-    = pthread_atfork(nullptr, nullptr, [] { cached_thread_id = 0; }) == 0;
+const bool is_reset_by_fork = pthread_atfork(nullptr, nullptr, [] { cached_thread_id = 0; }) == 0;
 
 } // namespace
 
