@@ -3,6 +3,7 @@
 #include "tests/base/log_fixture.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <tuple>
@@ -169,6 +170,21 @@ TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
     const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
     logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
     EXPECT_TRUE(write_in_vain(hopeless).ends_with("errno = 36\n"));
+}
+
+TEST_F(LogTest, ALogFileIsClosedInProgramsThatTheProcessStarts)
+{
+    logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
+    EXPECT_EQ(write(sink, "line\n"), 0u);
+    int found = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code closed; // the iterator's own descriptor is among them
+        if (!read_symlink(entry.path(), closed).string().starts_with(directory()))
+            continue;
+        ++found;
+        EXPECT_TRUE(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC);
+    }
+    EXPECT_EQ(found, 1);
 }
 
 TEST_F(LogTest, AnIdFileThatIsAPipeHoldsNothingUp)

@@ -43,6 +43,15 @@ void write_whole(int file, const char* data, size_t length)
         lseek(file, 0, SEEK_END);
 }
 
+// Programs that the process starts do not inherit the file.
+FILE* open_for_this_process(const char* path)
+{
+    FILE* const file = fopen(path, "w+t");
+    if (file)
+        fcntl(fileno(file), F_SETFD, FD_CLOEXEC);
+    return file;
+}
+
 } // namespace
 
 logger_file_base_t::logger_file_base_t(const char* directory, const char* base_name,
@@ -116,7 +125,7 @@ void logger_file_base_t::rotate_if_due()
         m_date = now;
     }
     close();
-    open_file(); // the line has been written: if this fails, the next write tries again and tells
+    open_file(); // the line has been written: if this fails, the next write tries and reports it
 }
 
 void logger_file_base_t::resume_index()
@@ -145,7 +154,7 @@ bool logger_file_base_t::open_file()
     stream << m_prefix << "_" << stamp.data() << "." << m_extension;
     store_index();
     remove_earlier_files();
-    m_file.reset(fopen(path.data(), "w+t"));
+    m_file.reset(open_for_this_process(path.data()));
     m_written = 0;
     return m_file != nullptr;
 }
