@@ -195,7 +195,8 @@ TEST_F(LogTest, DestroyingTheDefaultFileSinkEmptiesOnlyThePlacesThatHeldIt)
 TEST_F(LogTest, ANullSinkStandsForTheCustomSinkElseTheDefaultFileSink)
 {
     Recorder custom;
-    rkb::register_logger_handle(nullptr, 2); // every line goes to the custom sink, and there is none
+    rkb::register_logger_handle(
+        nullptr, 2); // every line goes to the custom sink, and there is none
     control().attach();
     rkb::register_logger(9, "NINE", 5, nullptr, 2);
     RKB_LOG(9, rkb::log_info, "of nine\n");

@@ -146,6 +146,22 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     }
 }
 
+TEST_F(LogTest, ADirectoryThatWasRemovedIsCreatedAgain)
+{
+    const std::string gone = directory() + "parent/gone/";
+    logger_file sink(gone.c_str(), "n", "log", mebibyte, 9);
+    std::filesystem::remove_all(directory() + "parent");
+    EXPECT_EQ(write(sink, "first\n"), 0u);
+    EXPECT_EQ(content(gone + "n_" + stamp(0) + ".log"), "first\n");
+    EXPECT_EQ(content(gone + id_file), "0");
+    // Removed while a file is open: that file still takes the line that fills it.
+    std::filesystem::remove_all(directory() + "parent");
+    EXPECT_EQ(write(sink, std::string(mebibyte + 1, 'x')), 0u);
+    EXPECT_EQ(write(sink, "second\n"), 0u);
+    EXPECT_EQ(content(gone + "n_" + stamp(1) + ".log"), "second\n");
+    EXPECT_EQ(content(gone + id_file), "1");
+}
+
 TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
 {
     const auto write_in_vain = [](logger_file& sink) {
@@ -153,19 +169,13 @@ TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
         EXPECT_EQ(write(sink, "lost\n"), 999u);
         return testing::internal::GetCapturedStderr();
     };
-    const std::string gone = directory() + "gone/";
-    logger_file sink(gone.c_str(), "n", "log", mebibyte, 9);
-    std::filesystem::remove(gone);
-    EXPECT_EQ(write_in_vain(sink), "failed to open file [" + gone + "n] errno = 2\n");
-    std::filesystem::create_directory(gone);
+    const std::string blocked = directory() + "blocked/";
+    logger_file sink(blocked.c_str(), "n", "log", mebibyte, 9);
+    std::filesystem::remove(blocked);
+    std::ofstream(directory() + "blocked") << "a file in the directory's place";
+    EXPECT_EQ(write_in_vain(sink), "failed to open file [" + blocked + "n] errno = 20\n");
+    std::filesystem::remove(directory() + "blocked");
     EXPECT_EQ(write(sink, "kept\n"), 0u);
-    // Gone while a file is open: that file still takes the line that fills it.
-    std::filesystem::remove_all(gone);
-    EXPECT_EQ(write(sink, std::string(mebibyte + 1, 'x')), 0u);
-    write_in_vain(sink);
-    std::filesystem::create_directory(gone);
-    EXPECT_EQ(write(sink, "again\n"), 0u);
-    EXPECT_EQ(content(gone + id_file), "1");
 
     const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
     logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
@@ -211,7 +221,7 @@ TEST_F(LogTest, AFullDiskLosesWholeLinesOnly)
     EXPECT_EQ(filesIn(directory()).begin()->second, "first\nthird\n"); // the log, not the id
 }
 
-TEST_F(LogTest, RawWriteGoesBehindWhatTheStreamHolds)
+TEST_F(LogTest, RawWriteGoesAfterWhatTheStreamHolds)
 {
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
     const std::string path = directory() + "raw";

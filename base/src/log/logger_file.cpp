@@ -155,6 +155,10 @@ bool logger_file_base_t::open_file()
     store_index();
     remove_earlier_files();
     m_file.reset(open_for_this_process(path.data()));
+    if (!m_file && errno == ENOENT && create_directories(m_directory)) {
+        store_index();
+        m_file.reset(open_for_this_process(path.data()));
+    }
     m_written = 0;
     return m_file != nullptr;
 }

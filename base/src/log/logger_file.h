@@ -29,10 +29,10 @@ public:
 
     ~logger_file_base_t() override;
 
-    // Writes the line to the current file, opening one if none is open, and moves on to another
-    // file when this one is full or of an earlier day. 0, also when the disk took nothing of the
-    // line (it is then lost, later ones are not); log_sink_failed when no file could be opened,
-    // which is also said on standard error. The next call tries again.
+    // Writes the line to the current file and starts another file when this one is full or of an
+    // earlier day. Opens a file if none is open, and creates the directory if it is missing.
+    // Returns 0, also when the disk was full and the line is lost; or log_sink_failed when no file
+    // could be opened, which it also reports on standard error. The next call tries again.
     uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length) override;
 
     // Writes the bytes with one block write, behind what the stream holds, so that they are in the
