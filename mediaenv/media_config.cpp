@@ -1,11 +1,61 @@
 #include "mediaenv/media_config.h"
 
 #include "base/src/safe_c/safe_c.h"
-#include "mediaenv/media_text.h"
 
 #include <cstdlib>
 
 namespace rkb {
+
+namespace {
+
+constexpr const char* ini_variable = "MIVOMEDIA_INI_PATH";
+
+constexpr size_t entry_size = 255;
+constexpr size_t spare_entries = 32; // for what comes besides the keys, and the final null
+
+constexpr const char* copied_variables[]
+    = {"DISPLAY", "XDG_RUNTIME_DIR", "XDG_SESSION_TYPE", "XAUTHORITY", "PULSE_DIR",
+        "PULSE_RUNTIME_PATH", "PULSE_CONFIG_PATH", "PULSE_STATE_PATH", "DBUS_SESSION_BUS_ADDRESS"};
+
+// `value` with a leading "~" replaced by the value of the environment variable HOME.
+std::string with_home(std::string value)
+{
+    if (value.starts_with('~')) {
+        const char* const home = getenv("HOME");
+        value.replace(0, 1, home ? home : "");
+    }
+    return value;
+}
+
+// `value` ending in "/", or empty.
+std::string with_final_slash(std::string value)
+{
+    if (!value.empty() && !value.ends_with('/'))
+        value += '/';
+    return value;
+}
+
+struct environment_deleter_t {
+    void operator()(char** environment) const { media_config_t::free_environment(environment); }
+};
+
+char* make_entry(const char* name, const char* value)
+{
+    const std::string text = std::string(name).append("=").append(value);
+    char* const entry = new char[entry_size];
+    strncpy_s(entry, entry_size, text.c_str(), entry_size - 1);
+    return entry;
+}
+
+char* make_entry_of_key(const std::string& key, std::string value)
+{
+    value = with_home(std::move(value));
+    if (key == "PATH" || key == "LD_LIBRARY_PATH")
+        value = with_final_slash(std::move(value));
+    return make_entry(key.c_str(), value.c_str());
+}
+
+} // namespace
 
 media_config_t& media_config_t::instance()
 {
@@ -15,7 +65,7 @@ media_config_t& media_config_t::instance()
 
 media_config_t::media_config_t()
 {
-    const char* const path = getenv(media_ini_variable);
+    const char* const path = getenv(ini_variable);
     if (!path)
         return;
     strncpy_s(m_ini_path, sizeof m_ini_path, path, sizeof m_ini_path - 1);
@@ -108,6 +158,34 @@ std::string media_config_t::get_string(
 int media_config_t::get_int(std::string_view section, std::string_view key, int missing) const
 {
     return m_ini ? m_ini->get_int(section, key, missing) : missing;
+}
+
+int media_config_t::build_environment(char*** environment) const
+{
+    if (!environment || !m_ini)
+        return 0;
+    const std::vector<std::string> keys = m_ini->key_names("ENV");
+    std::unique_ptr<char*[], environment_deleter_t> entries(
+        new char*[keys.size() + spare_entries]());
+    char** next = entries.get();
+    for (const std::string& key : keys)
+        *next++ = make_entry_of_key(key, m_ini->get_string("ENV", key, ""));
+    for (const char* const name : copied_variables) {
+        if (const char* const value = getenv(name))
+            *next++ = make_entry(name, value);
+    }
+    *next = make_entry(ini_variable, m_ini_path);
+    *environment = entries.release();
+    return 1;
+}
+
+void media_config_t::free_environment(char** environment)
+{
+    if (!environment)
+        return;
+    for (char** entry = environment; *entry; ++entry)
+        delete[] * entry;
+    delete[] environment;
 }
 
 } // namespace rkb
