@@ -1,6 +1,7 @@
 #include "base/src/auxi/text_stream.h"
 
 #include "base/src/auxi/auxi_digits.h"
+#include "base/src/log/log.h"
 #include "base/src/util/local_time.h"
 
 #include <algorithm>
@@ -9,6 +10,8 @@
 namespace rkb {
 
 namespace {
+
+constexpr const char* source_file = "../src/auxi"; // as assert lines name it
 
 // One byte more than the widest text, as for the integers.
 constexpr size_t bool_reserve = sizeof "false";
@@ -21,7 +24,7 @@ constexpr bool dash_before(size_t byte)
     return byte == 4 || byte == 6 || byte == 8 || byte == 10; // at 8, 13, 18 and 23 of the text
 }
 
-char* put_two_digits_and(char* to, uint32_t value, char separator)
+char* put_two_digits_then(char* to, uint32_t value, char separator)
 {
     to = put_two_digits(to, value);
     *to = separator;
@@ -87,17 +90,27 @@ text_stream_t& text_stream_t::operator<<(const void* pointer)
     return *this;
 }
 
+text_stream_t& text_stream_t::operator<<(float value)
+{
+    return put_real(double{value}, ftoa_limit, ftoa_reserve, float_reserve, "ftoa, too bigger");
+}
+
+text_stream_t& text_stream_t::operator<<(double value)
+{
+    return put_real(value, lftoa_limit, lftoa_reserve, double_reserve, "lftoa too bigger");
+}
+
 text_stream_t& text_stream_t::operator<<(const local_time_t& time)
 {
     if (!reserve(time_reserve))
         return *this;
-    char* to = put_two_digits_and(m_cursor, time.month, '/');
-    to = put_two_digits_and(to, time.day, '/');
+    char* to = put_two_digits_then(m_cursor, time.month, '/');
+    to = put_two_digits_then(to, time.day, '/');
     to = put_decimal(to, time.year);
     *to++ = ' ';
-    to = put_two_digits_and(to, time.hour, ':');
-    to = put_two_digits_and(to, time.minute, ':');
-    to = put_two_digits_and(to, time.second, ':');
+    to = put_two_digits_then(to, time.hour, ':');
+    to = put_two_digits_then(to, time.minute, ':');
+    to = put_two_digits_then(to, time.second, ':');
     end_at(put_three_digits(to, time.milliseconds));
     return *this;
 }
@@ -123,6 +136,22 @@ text_stream_t& text_stream_t::put(uint64_t bits, size_t bytes, bool negative)
         skip_to_last_byte();
     else if (reserve(wanted))
         end_at(put_integer(m_cursor, {bits, bytes, negative}, m_radix));
+    return *this;
+}
+
+text_stream_t& text_stream_t::put_real(
+    double value, double limit, size_t short_reserve, size_t long_reserve, const char* message)
+{
+    const bool is_long = value > limit;
+    if (!reserve(is_long ? long_reserve : short_reserve))
+        return *this;
+    char* const end = is_long ? put_fixed_large(m_cursor, remaining(), value)
+                              : put_fixed(m_cursor, value, limit);
+    m_good = end != nullptr;
+    if (end)
+        end_at(end);
+    else
+        RKB_LOG_ASSERT(source_file, __LINE__, message);
     return *this;
 }
 

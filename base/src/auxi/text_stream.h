@@ -29,7 +29,7 @@ struct identifier_t {
 //   only when the widest text of their type and one more byte would fit, so that whether a value
 //   appears does not depend on the value, and none is ever cut. Otherwise good() turns false until
 //   a later value fits. Floating-point numbers have two forms, short and long, each with a
-//   reserve of its own: see auxi_fixed.h; for integers see auxi_number.h.
+//   reserve of its own: see auxi_number.h.
 class text_stream_t : no_copy {
 public:
     // `size` counts the bytes of `buffer`, of which one is kept for the terminating NUL.
@@ -116,8 +116,8 @@ private:
     text_stream_t& put(uint64_t bits, size_t bytes, bool negative);
     text_stream_t& append_cut_or_hex(std::string_view text);
     text_stream_t& put_hex_bytes(std::string_view bytes);
-    text_stream_t& put_real(double value, double limit, size_t short_reserve, size_t long_reserve,
-        const char* complaint);
+    text_stream_t& put_real(
+        double value, double limit, size_t short_reserve, size_t long_reserve, const char* message);
 
     size_t remaining() const { return static_cast<size_t>(m_end - m_cursor); }
     bool reserve(size_t bytes) { return m_good = remaining() >= bytes; }

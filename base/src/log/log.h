@@ -3,7 +3,6 @@
 
 #include "base/src/auxi/log_stream.h"
 #include "base/src/log/log_control.h"
-#include "base/src/log/log_gate.h"
 
 // Writes one line of a module at a level:
 //

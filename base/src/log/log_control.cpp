@@ -1,7 +1,6 @@
 #include "base/src/log/log_control.h"
 
 #include "base/src/auxi/log_stream.h"
-#include "base/src/log/log_gate.h"
 #include "base/src/util/local_time.h"
 #include "base/src/util/never_destroyed.h"
 
@@ -17,17 +16,13 @@ namespace {
 constexpr uint8_t gate_off = 255;
 constexpr uint8_t gate_initial = 32;
 constexpr const char* unnamed = "N/A";
-constexpr const char* module_unregistered
-    = "NN/AA"; // deliberately not the name of the never-registered
+constexpr const char* unregistered = "NN/AA"; // deliberately not `unnamed`
 constexpr std::array<const char*, 6> level_names{
     "FATAL", "ERROR", "WARNING", "INFO", "DEBUG", "FUNC"};
 
-constinit std::atomic<log_it*> the_custom_sink{nullptr};
-constinit std::atomic<uint8_t> the_default_flags{log_to_primary | log_to_secondary};
-
 // The one control. None of these is destroyed, because lines may be logged before main and after
 // it. The mutex guards creation and destruction.
-enum class stage_t { none, creating, alive, gone };
+enum class stage_t { none, creating, alive, gone }; // gone: after release() and at exit
 constinit std::atomic<log_control_t*> the_control{nullptr};
 constinit std::atomic<stage_t> the_stage{stage_t::none};
 constinit log_control_t* left_at_exit = nullptr; // so that leak checkers find it
@@ -50,11 +45,19 @@ bool is_level(uint32_t level)
 
 void close_gate()
 {
-    for (std::atomic<uint8_t>& levels : log_open_levels)
+    for (std::atomic<uint8_t>& levels : log_passing_levels)
         levels.store(0, std::memory_order_relaxed);
 }
 
-uint32_t call(log_it& sink, uint32_t module_id, uint32_t level, const char* data, size_t length)
+template <typename modules_t, typename action_t>
+void for_each_slot(modules_t& modules, const action_t& action)
+{
+    for (auto& module : modules)
+        for (auto& slot : module.slots)
+            action(slot);
+}
+
+uint32_t write_to(log_it& sink, uint32_t module_id, uint32_t level, const char* data, size_t length)
 {
     try {
         return sink.write(module_id, level, data, length);
@@ -209,7 +212,7 @@ uint32_t log_control_t::register_module(
     const std::lock_guard lock(m_mutex);
     log_module_t& module = m_modules[module_id];
     module.id = module_id;
-    module.name.store(keep(name), std::memory_order_release);
+    module.name.store(stored_name(name), std::memory_order_release);
     module.max_level = max_level;
     for (log_slot_t& slot : module.slots)
         slot.flags = sink_flags;
@@ -226,7 +229,7 @@ uint32_t log_control_t::unregister_module(uint32_t module_id)
     const std::lock_guard lock(m_mutex);
     if (!is_registered(module_id))
         return log_not_registered;
-    m_modules[module_id].reset(module_unregistered);
+    m_modules[module_id].reset(unregistered);
     update_gate(module_id);
     return 0;
 }
@@ -256,9 +259,7 @@ uint32_t log_control_t::set_flags(uint32_t module_id, uint32_t sink_flags)
 
 uint32_t log_control_t::set_sink_everywhere(log_it* sink, uint32_t sink_flags)
 {
-    for (log_module_t& module : m_modules)
-        for (log_slot_t& slot : module.slots)
-            slot.store(sink, sink_flags);
+    for_each_slot(m_modules, [&](log_slot_t& slot) { slot.store(sink, sink_flags); });
     return 0;
 }
 
@@ -267,7 +268,7 @@ uint32_t log_control_t::set_level_name(uint32_t level, const char* name)
     if (!is_level(level))
         return log_bad_value;
     const std::lock_guard lock(m_mutex);
-    m_levels[level].name.store(keep(name), std::memory_order_release);
+    m_levels[level].name.store(stored_name(name), std::memory_order_release);
     return 0;
 }
 
@@ -320,9 +321,7 @@ uint32_t log_control_t::attach()
         const uint32_t flags = default_flags();
         log_it* const primary = flags & log_to_primary ? custom_sink() : nullptr;
         log_it* const secondary = flags & log_to_secondary ? vacant_sink() : nullptr;
-        for (log_module_t& module : m_modules)
-            for (log_slot_t& slot : module.slots)
-                slot.set(flags, primary, secondary);
+        for_each_slot(m_modules, [&](log_slot_t& slot) { slot.set(flags, primary, secondary); });
     }
     m_binding.store(fill_vacant_places() ? binding_t::complete : binding_t::with_vacant_places,
         std::memory_order_release);
@@ -338,27 +337,24 @@ bool log_control_t::fill_vacant_places()
         = m_creates_default_sink ? log_default_sink.get() : log_default_sink.existing();
     if (!sink)
         return false;
-    for (log_module_t& module : m_modules)
-        for (log_slot_t& slot : module.slots)
-            slot.replace(vacant_sink(), sink);
+    for_each_slot(m_modules, [&](log_slot_t& slot) { slot.replace(vacant_sink(), sink); });
     return true;
 }
 
 bool log_control_t::has_vacant_place() const
 {
-    return std::any_of(m_modules.begin(), m_modules.end(), [](const log_module_t& module) {
-        return std::any_of(module.slots.begin(), module.slots.end(),
-            [](const log_slot_t& slot) { return slot.holds(vacant_sink()); });
-    });
+    bool found = false;
+    for_each_slot(
+        m_modules, [&](const log_slot_t& slot) { found = found || slot.holds(vacant_sink()); });
+    return found;
 }
 
 void log_control_t::detach(log_it* sink)
 {
     const std::lock_guard lock(m_mutex);
     bool found = false;
-    for (log_module_t& module : m_modules)
-        for (log_slot_t& slot : module.slots)
-            found = slot.replace(sink, vacant_sink()) || found;
+    for_each_slot(
+        m_modules, [&](log_slot_t& slot) { found = slot.replace(sink, vacant_sink()) || found; });
     if (found && m_binding.load(std::memory_order_relaxed) == binding_t::complete)
         m_binding.store(binding_t::with_vacant_places, std::memory_order_release);
 }
@@ -367,9 +363,7 @@ void log_control_t::forget_sinks()
 {
     const std::lock_guard lock(m_mutex);
     set_custom_sink(nullptr);
-    for (log_module_t& module : m_modules)
-        for (log_slot_t& slot : module.slots)
-            slot.set(slot.flags, nullptr, nullptr);
+    for_each_slot(m_modules, [](log_slot_t& slot) { slot.set(slot.flags, nullptr, nullptr); });
     m_binding.store(binding_t::none, std::memory_order_release);
 }
 
@@ -385,38 +379,18 @@ uint32_t log_control_t::write(
     if (level > module.max_level)
         return 0;
     if (override_sink)
-        return call(*override_sink, module_id, level, data, length);
+        return write_to(*override_sink, module_id, level, data, length);
     const log_slot_t& slot = module.slots[level];
     log_it* const primary = slot.primary.load(std::memory_order_acquire);
     log_it* const secondary = slot.secondary.load(std::memory_order_acquire);
     if (primary && slot.flags & log_to_primary)
-        call(*primary, module_id, level, data, length);
+        write_to(*primary, module_id, level, data, length);
     if (secondary && secondary != primary && slot.flags & log_to_secondary)
-        call(*secondary, module_id, level, data, length);
+        write_to(*secondary, module_id, level, data, length);
     return 0;
 }
 
-void log_control_t::set_custom_sink(log_it* sink)
-{
-    the_custom_sink.store(sink, std::memory_order_release);
-}
-
-log_it* log_control_t::custom_sink()
-{
-    return the_custom_sink.load(std::memory_order_acquire);
-}
-
-void log_control_t::set_default_flags(uint8_t sink_flags)
-{
-    the_default_flags.store(sink_flags, std::memory_order_relaxed);
-}
-
-uint8_t log_control_t::default_flags()
-{
-    return the_default_flags.load(std::memory_order_relaxed);
-}
-
-const char* log_control_t::keep(const char* name)
+const char* log_control_t::stored_name(const char* name)
 {
     return name ? m_names.emplace(name).first->c_str() : unnamed;
 }
@@ -431,7 +405,7 @@ uint32_t log_control_t::passing_levels(uint32_t module_id) const
 
 void log_control_t::update_gate(uint32_t module_id)
 {
-    log_open_levels[module_id].store(
+    log_passing_levels[module_id].store(
         static_cast<uint8_t>(passing_levels(module_id)), std::memory_order_relaxed);
 }
 

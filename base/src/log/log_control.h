@@ -104,12 +104,25 @@ public:
     // The lock of the tables, for what must not overlap with a line being written.
     thread_mutex_recursive& mutex() { return m_mutex; }
 
-    // Of the process rather than the control, and without a lock. The custom sink is the caller's;
-    // null for none. The default flags are 3 at first.
-    static void set_custom_sink(log_it* sink);
-    [[nodiscard]] static log_it* custom_sink();
-    static void set_default_flags(uint8_t sink_flags);
-    [[nodiscard]] static uint8_t default_flags();
+    // The custom sink and the default flags belong to the process, so they outlive the control.
+    // They take no lock. The caller owns the custom sink; null, as at first, is none. The flags are
+    // log_to_primary and log_to_secondary at first.
+    static void set_custom_sink(log_it* sink)
+    {
+        s_custom_sink.store(sink, std::memory_order_release);
+    }
+    [[nodiscard]] static log_it* custom_sink()
+    {
+        return s_custom_sink.load(std::memory_order_acquire);
+    }
+    static void set_default_flags(uint8_t sink_flags)
+    {
+        s_default_flags.store(sink_flags, std::memory_order_relaxed);
+    }
+    [[nodiscard]] static uint8_t default_flags()
+    {
+        return s_default_flags.load(std::memory_order_relaxed);
+    }
 
 private:
     log_control_t();
@@ -130,9 +143,13 @@ private:
     bool is_registered(uint32_t module_id) const { return m_modules[module_id].id == module_id; }
     bool has_vacant_place() const;
     bool fill_vacant_places();
-    const char* keep(const char* name);
+    const char* stored_name(const char* name);
     uint32_t passing_levels(uint32_t module_id) const;
     void update_gate(uint32_t module_id);
+
+    static inline constinit std::atomic<log_it*> s_custom_sink = nullptr;
+    static inline constinit std::atomic<uint8_t> s_default_flags
+        = log_to_primary | log_to_secondary;
 
     thread_mutex_recursive m_mutex;
     std::atomic<uint8_t> m_gate;

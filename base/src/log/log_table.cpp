@@ -14,6 +14,8 @@ constinit never_destroyed_t<vacant_sink_t> vacant;
 
 } // namespace
 
+constinit std::array<std::atomic<uint8_t>, log_module_count> log_passing_levels{log_debug + 1};
+
 log_it* vacant_sink()
 {
     return &vacant.value;

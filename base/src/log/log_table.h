@@ -1,4 +1,4 @@
-// The rows of the logging control's two tables.
+// The rows of the logging control's two tables, and the gate that call sites ask first.
 #pragma once
 
 #include "base/src/log/log_it.h"
@@ -47,5 +47,18 @@ struct log_level_entry_t {
     uint32_t number = 0;
     std::atomic<const char*> name = "N/A";
 };
+
+// For each module the number of its levels that pass now: those below this number do. The logging
+// control keeps it up to date. Before the control is created it holds what creating it would give:
+// module 0 counts as registered, up to DEBUG. After release() and at exit no level passes.
+extern std::array<std::atomic<uint8_t>, log_module_count> log_passing_levels;
+
+// Whether a line can be enabled at all. One load, a compare and a branch where `module_id` is a
+// constant. Any thread, at any time.
+[[nodiscard]] inline bool log_may_pass(uint32_t module_id, uint32_t level)
+{
+    return module_id < log_module_count
+        && level < log_passing_levels[module_id].load(std::memory_order_relaxed);
+}
 
 } // namespace rkb

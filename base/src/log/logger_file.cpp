@@ -1,8 +1,8 @@
 #include "base/src/log/logger_file.h"
 
 #include "base/src/auxi/text_stream.h"
+#include "base/src/log/log.h"
 #include "base/src/log/log_file_name.h"
-#include "base/src/log/log_level.h"
 #include "base/src/toolkit/toolkit.h"
 #include "base/src/util/util.h"
 
@@ -20,9 +20,19 @@ namespace rkb {
 
 namespace {
 
-bool given(const char* text)
+// The place that assert lines name.
+constexpr const char* source_file = "../src/log";
+constexpr int size_line = 150;
+constexpr int index_line = 151;
+
+bool has_text(const char* text)
 {
     return text && *text;
+}
+
+bool in_range(uint32_t value, uint32_t low, uint32_t high)
+{
+    return value >= low && value <= high;
 }
 
 // All bytes or none, so that a line that fits again does not follow on from half of another.
@@ -62,7 +72,7 @@ logger_file_base_t::logger_file_base_t(const char* directory, const char* base_n
     , m_date(local_date())
 {
     set_directory(directory);
-    m_prefix += given(base_name) ? base_name : program_name();
+    m_prefix += has_text(base_name) ? base_name : program_name();
     if (m_resume_index)
         resume_index();
 }
@@ -71,11 +81,36 @@ logger_file_base_t::~logger_file_base_t() = default;
 
 void logger_file_base_t::set_directory(const char* directory)
 {
-    m_directory = given(directory) ? directory : default_log_directory();
+    m_directory = has_text(directory) ? directory : default_log_directory();
     create_directories(m_directory); // a failure shows when a file is opened
     m_prefix = m_directory;
     if (m_prefix.back() != '/')
         m_prefix += '/';
+}
+
+uint32_t logger_file_base_t::configure(uint32_t max_size, uint32_t max_index)
+{
+    RKB_LOG(log_module_util, log_info,
+        "logger_file_base_t::configure, max_size = "
+            << max_size << ", m_max_size = " << m_max_size << ", max_idx = " << max_index
+            << ", m_max_idx = " << m_max_index << ", this = " << this << "\n");
+    if (!in_range(max_size, min_log_size, max_log_size)) {
+        RKB_LOG_ASSERT_TAIL(source_file, size_line, ", this = " << this << "\n",
+            "logger_file_base_t::configure size out of limitation"
+                << ", max_size = " << max_size << ", MIN_LOG_SIZE = " << min_log_size
+                << ", MAX_LOG_SIZE = " << max_log_size);
+        return log_bad_value;
+    }
+    if (!in_range(max_index, min_log_index, max_log_index)) {
+        RKB_LOG_ASSERT_TAIL(source_file, index_line, ", this = " << this << "\n",
+            "logger_file_base_t::configure index out of limitation"
+                << ", max_idx = " << max_index << ", MIN_LOG_IDX = " << min_log_index
+                << ", MAX_LOG_IDX = " << max_log_index);
+        return log_bad_value;
+    }
+    m_max_size = max_size;
+    m_max_index = max_index;
+    return 0;
 }
 
 void logger_file_base_t::close()

@@ -1,6 +1,6 @@
 #include "base/src/safe_c/safe_c.h"
 
-#include "base/src/safe_c/safe_c_report.h"
+#include "base/src/safe_c/safe_c_check.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,7 +1,6 @@
 #include "base/src/safe_c/safe_c.h"
 
-#include "base/src/safe_c/safe_c_overlap.h"
-#include "base/src/safe_c/safe_c_report.h"
+#include "base/src/safe_c/safe_c_check.h"
 
 #include <algorithm>
 #include <cstring>

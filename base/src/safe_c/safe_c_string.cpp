@@ -1,15 +1,38 @@
 #include "base/src/safe_c/safe_c.h"
 
-#include "base/src/safe_c/safe_c_overlap.h"
-#include "base/src/safe_c/safe_c_report.h"
+#include "base/src/safe_c/safe_c_check.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <string_view>
+#include <unistd.h>
 
 namespace rkb {
 
 using namespace safe_c;
+
+namespace {
+
+// Looks at `size` bytes at most. Sets `rest` to where to go on, or to null when the bytes end
+// before it is certain where that is.
+char* cut_token(char* begin, size_t size, const char* delim, char*& rest)
+{
+    const std::string_view text(begin, strnlen(begin, size));
+    char* const end = begin + text.size();
+    const size_t first = text.find_first_not_of(delim);
+    const size_t behind = text.find_first_of(delim, first);
+    if (behind != text.npos && first != text.npos) {
+        begin[behind] = '\0';
+        rest = begin + behind + 1;
+        return begin + first;
+    }
+    rest = text.size() < size ? end : nullptr;
+    return first != text.npos && rest ? begin + first : nullptr;
+}
+
+} // namespace
 
 size_t strnlen_s(const char* str, size_t strsz)
 {
@@ -101,6 +124,50 @@ int strcat_s(char* dest, size_t destsz, const char* src)
     if (overlaps(end, length + 1, src, length + 1))
         return rejected(overlap, "strcat_s, overlap is not allow");
     memcpy(end, src, length + 1);
+    return success;
+}
+
+char* strtok_s(char* str, size_t strmax, const char* delim, char** ptr)
+{
+    const auto rejected = [&](int code, const char* message) {
+        reject(code, message,
+            {{"(void *)str", str}, {"strmax", strmax}, {"(void *)delim", delim},
+                {"(void *)ptr", ptr}});
+        return nullptr;
+    };
+    if (strmax > max_string_size)
+        return rejected(over_limit, "strtok_s invalid parameters");
+    if (!delim || !ptr)
+        return rejected(null_pointer, "strtok_s invalid parameters");
+    char* const begin = str ? str : *ptr;
+    if (!begin) {
+        return rejected(
+            null_pointer, "strtok_s invalid parameters *ptr should be not null if str is null");
+    }
+
+    char* const token = cut_token(begin, strmax, delim, *ptr);
+    return *ptr ? token : rejected(no_space, "strtok_s invalid parameters");
+}
+
+int getenv_s(size_t* len, char* value, size_t valuesz, const char* name)
+{
+    const auto rejected = [&](int code) {
+        return reject(code, "getenv_s invalid parameters",
+            {{"(void *)len", len}, {"(void *)value", value}, {"valuesz", valuesz},
+                {"(void *)name", name}});
+    };
+    if (!len || !value || !name || valuesz < 2)
+        return rejected(bad_size);
+    if (!environ)
+        return rejected(null_pointer);
+    const char* const found = getenv(name);
+    if (!found)
+        return rejected(not_found);
+    const size_t length = strnlen(found, valuesz);
+    if (length == valuesz)
+        return rejected(no_space);
+    memcpy(value, found, length + 1);
+    *len = length;
     return success;
 }
 

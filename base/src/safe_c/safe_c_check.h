@@ -1,11 +1,27 @@
-// The report of a rejected call; private to the bounded functions.
+// What the bounded functions share: the test for overlap and the report of a rejected call.
 #pragma once
 
 #include "base/src/safe_c/safe_c.h"
 
+#include <cstdint>
 #include <initializer_list>
 
 namespace rkb::safe_c {
+
+// The bytes between the starts of two buffers, whichever comes first.
+inline size_t distance(const void* a, const void* b)
+{
+    const auto first = reinterpret_cast<uintptr_t>(a);
+    const auto second = reinterpret_cast<uintptr_t>(b);
+    return first < second ? second - first : first - second;
+}
+
+// Whether the ranges share a byte. Cannot wrap, whatever the sizes.
+inline bool overlaps(const void* dest, size_t dest_size, const void* src, size_t src_size)
+{
+    const bool dest_is_first = reinterpret_cast<uintptr_t>(dest) < reinterpret_cast<uintptr_t>(src);
+    return distance(dest, src) < (dest_is_first ? dest_size : src_size);
+}
 
 // An argument that was tested, under the name that the report gives it.
 struct argument_t {

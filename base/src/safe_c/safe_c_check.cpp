@@ -1,4 +1,4 @@
-#include "base/src/safe_c/safe_c_report.h"
+#include "base/src/safe_c/safe_c_check.h"
 
 #include "base/src/log/log.h"
 
