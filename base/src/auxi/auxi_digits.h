@@ -3,6 +3,7 @@
 
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -35,9 +36,10 @@ inline constexpr auto powers_of_ten = [] {
 inline constexpr const char* hex_upper = "0123456789ABCDEF";
 inline constexpr const char* hex_lower = "0123456789abcdef";
 
-// The last three digits of `value` below 1000, with leading zeros.
+// The three digits of `value`, which is below 1000, with leading zeros.
 inline const char* digit_triple(uint64_t value)
 {
+    assert(value < 1000);
     return &digit_triples[static_cast<size_t>(value) * digit_triple_size];
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bit>
+#include <cassert>
 #include <charconv>
 
 namespace rkb {
@@ -64,6 +65,7 @@ struct hundredths_t {
 // Hundredths of fraction / 2^shift, shift in 1..60, rounded half to even.
 uint32_t rounded_cents(uint64_t fraction, int shift)
 {
+    assert(shift >= 1 && shift <= 60);
     const uint64_t scaled = fraction * 100; // below 2^53 * 100, so it fits
     const uint64_t rest = scaled & ((uint64_t{1} << shift) - 1);
     const uint64_t half = uint64_t{1} << (shift - 1);
@@ -97,6 +99,7 @@ size_t integer_reserve(uint32_t radix, size_t bytes)
     // "-128", "-32768", "-2147483648", "-9223372036854775808", and "377", "177777", ...
     static constexpr std::array<uint8_t, 4> decimal{5, 7, 12, 21};
     static constexpr std::array<uint8_t, 4> octal{4, 7, 12, 23};
+    assert(std::has_single_bit(bytes) && bytes <= 8);
     const auto width = static_cast<size_t>(std::countr_zero(bytes));
     switch (radix) {
     case radix_binary:
@@ -125,12 +128,14 @@ char* put_integer(char* to, const integer_t& value, uint32_t radix)
             *to++ = '-';
         return put_decimal(to, value.negative ? 0 - value.bits : value.bits);
     default:
+        assert(hex_digits(radix));
         return put_hex(to, value.bits, value.bytes, hex_digits(radix));
     }
 }
 
 char* put_fixed(char* to, double value, double limit)
 {
+    assert(limit <= lftoa_limit);
     const bool negative = std::bit_cast<int64_t>(value) < 0;
     const double magnitude = negative ? -value : value;
     if (!(magnitude <= limit))
@@ -145,7 +150,9 @@ char* put_fixed(char* to, double value, double limit)
 
 char* put_fixed_large(char* to, size_t room, double value)
 {
-    return std::to_chars(to, to + room, value, std::chars_format::fixed, 2).ptr;
+    const auto [end, error] = std::to_chars(to, to + room, value, std::chars_format::fixed, 2);
+    assert(error == std::errc{});
+    return end;
 }
 
 } // namespace rkb

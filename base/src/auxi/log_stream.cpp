@@ -4,6 +4,7 @@
 #include "base/src/util/local_time.h"
 #include "base/src/util/util.h"
 
+#include <cassert>
 #include <utility>
 
 namespace rkb {
@@ -22,6 +23,7 @@ struct cached_text_t {
         text_stream_t stream(text, sizeof text);
         (stream << ... << pieces);
         length = stream.length();
+        assert(stream.good() && length > 0);
     }
 };
 

@@ -46,7 +46,7 @@ void text_stream_t::reset()
     set_radix(radix_decimal);
     m_good = true;
     *m_end = '\0';
-    end_at(m_begin);
+    set_end(m_begin);
 }
 
 void text_stream_t::set_radix(uint32_t radix)
@@ -86,7 +86,7 @@ text_stream_t& text_stream_t::operator<<(const void* pointer)
         return *this;
     const integer_t address{reinterpret_cast<uintptr_t>(pointer), sizeof pointer, false};
     append("0x", 2);
-    end_at(put_integer(m_cursor, address, radix_hex_lower));
+    set_end(put_integer(m_cursor, address, radix_hex_lower));
     return *this;
 }
 
@@ -111,7 +111,7 @@ text_stream_t& text_stream_t::operator<<(const local_time_t& time)
     to = put_two_digits_then(to, time.hour, ':');
     to = put_two_digits_then(to, time.minute, ':');
     to = put_two_digits_then(to, time.second, ':');
-    end_at(put_three_digits(to, time.milliseconds));
+    set_end(put_three_digits(to, time.milliseconds));
     return *this;
 }
 
@@ -125,7 +125,7 @@ text_stream_t& text_stream_t::operator<<(const identifier_t& identifier)
             *to++ = '-';
         to = put_hex_byte(to, identifier.bytes[i], hex_upper);
     }
-    end_at(to);
+    set_end(to);
     return *this;
 }
 
@@ -135,7 +135,7 @@ text_stream_t& text_stream_t::put(uint64_t bits, size_t bytes, bool negative)
     if (!wanted)
         skip_to_last_byte();
     else if (reserve(wanted))
-        end_at(put_integer(m_cursor, {bits, bytes, negative}, m_radix));
+        set_end(put_integer(m_cursor, {bits, bytes, negative}, m_radix));
     return *this;
 }
 
@@ -149,7 +149,7 @@ text_stream_t& text_stream_t::put_real(
                               : put_fixed(m_cursor, value, limit);
     m_good = end != nullptr;
     if (end)
-        end_at(end);
+        set_end(end);
     else
         RKB_LOG_ASSERT(source_file, __LINE__, message);
     return *this;
@@ -160,7 +160,7 @@ text_stream_t& text_stream_t::put_hex_bytes(std::string_view bytes)
     char* to = m_cursor;
     for (const char byte : bytes)
         to = put_hex_byte(to, static_cast<uint8_t>(byte), m_hex_digits);
-    end_at(to);
+    set_end(to);
     return *this;
 }
 
@@ -170,7 +170,7 @@ void text_stream_t::skip_to_last_byte()
     m_good = false;
     const size_t skipped = remaining() - std::min<size_t>(remaining(), 1);
     memset(m_cursor, '\0', skipped);
-    end_at(m_cursor + skipped);
+    set_end(m_cursor + skipped);
 }
 
 } // namespace rkb

@@ -4,6 +4,7 @@
 #include "base/src/auxi/auxi_number.h"
 #include "base/src/util/no_copy.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -121,8 +122,9 @@ private:
 
     size_t remaining() const { return static_cast<size_t>(m_end - m_cursor); }
     bool reserve(size_t bytes) { return m_good = remaining() >= bytes; }
-    void end_at(char* end)
+    void set_end(char* end)
     {
+        assert(end >= m_begin && end <= m_end);
         m_cursor = end;
         *end = '\0';
     }
@@ -130,7 +132,7 @@ private:
     {
         if (length)
             memcpy(m_cursor, bytes, length);
-        end_at(m_cursor + length);
+        set_end(m_cursor + length);
     }
     void skip_to_last_byte();
 

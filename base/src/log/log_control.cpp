@@ -305,6 +305,7 @@ bool log_control_t::is_enabled(
 void log_control_t::prepare_line(
     uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name)
 {
+    assert(is_module(module_id) && is_level(level));
     if (m_binding.load(std::memory_order_acquire) != binding_t::complete)
         attach();
     module_name = m_modules[module_id].name.load(std::memory_order_acquire);

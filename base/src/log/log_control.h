@@ -5,6 +5,7 @@
 #include "base/src/util/no_copy.h"
 #include "base/src/util/thread_mutex.h"
 
+#include <cassert>
 #include <set>
 #include <string>
 #include <vector>
@@ -140,7 +141,11 @@ private:
     void log_own_line(const char* text);
     void prepare_line(
         uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name);
-    bool is_registered(uint32_t module_id) const { return m_modules[module_id].id == module_id; }
+    bool is_registered(uint32_t module_id) const
+    {
+        assert(module_id < log_module_count);
+        return m_modules[module_id].id == module_id;
+    }
     bool has_vacant_place() const;
     bool fill_vacant_places();
     const char* stored_name(const char* name);

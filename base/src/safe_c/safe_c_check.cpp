@@ -2,6 +2,8 @@
 
 #include "base/src/log/log.h"
 
+#include <cassert>
+
 namespace rkb::safe_c {
 
 namespace {
@@ -22,7 +24,8 @@ text_stream_t& operator<<(text_stream_t& stream, arguments_t arguments)
 
 int reject(int code, const char* message, arguments_t arguments, int line)
 {
-    // One name for the whole family, as whoever reads the logs looks for it.
+    assert(code != success);
+    // All of these functions name the same place, which people search logs for.
     RKB_LOG_ASSERT("../src/safe_c", line, message << arguments);
     return code;
 }

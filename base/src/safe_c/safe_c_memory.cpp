@@ -3,6 +3,7 @@
 #include "base/src/safe_c/safe_c_check.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 namespace rkb {
@@ -20,7 +21,7 @@ int check_sizes(size_t destsz, size_t count)
     return destsz < count ? no_space : success;
 }
 
-// Of two ranges that differ. Whole blocks are compared by the platform, which does not tell where.
+// The ranges differ. memcmp() compares whole blocks fast, but does not return where they differ.
 int first_difference(const unsigned char* a, const unsigned char* b, size_t size)
 {
     constexpr size_t block = 256;
@@ -30,6 +31,7 @@ int first_difference(const unsigned char* a, const unsigned char* b, size_t size
         size -= block;
     }
     const auto [at_a, at_b] = std::mismatch(a, a + size, b);
+    assert(at_a < a + size);
     return *at_a - *at_b;
 }
 

@@ -1,6 +1,7 @@
 #include "base/src/util/thread.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <unistd.h>
 
@@ -24,8 +25,14 @@ thread_t::thread_t(const char* name)
         std::copy_n(name, strnlen(name, max_name_length), m_name);
 }
 
+thread_t::~thread_t()
+{
+    assert(!m_started);
+}
+
 int thread_t::start(routine_t routine, void* argument)
 {
+    assert(routine);
     join();
     m_routine = routine;
     m_argument = argument;

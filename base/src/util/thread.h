@@ -8,8 +8,8 @@
 
 namespace rkb {
 
-// Not thread-safe itself: start() and join() belong to the thread that owns the object, which
-// must join before the object goes.
+// Not thread-safe: start() and join() belong to the thread that owns the object. That thread must
+// call join() before the object is destroyed.
 class thread_t : no_copy {
 public:
     using routine_t = void (*)(void* argument);
@@ -20,10 +20,11 @@ public:
 
     // `name` may be null for none; it is cut at max_name_length.
     explicit thread_t(const char* name = nullptr);
+    ~thread_t();
 
-    // Runs `routine(argument)` on a new thread, after joining an earlier one of this object. The
-    // stack is the larger of the system's minimum and min_stack_size, in whole pages. Returns 1,
-    // or 0 when the system gives no thread.
+    // Joins an earlier thread of this object, then runs `routine(argument)` on a new one. The stack
+    // is the larger of the system's minimum and min_stack_size, rounded up to whole pages. Returns
+    // 1, or 0 when the system cannot create a thread.
     [[nodiscard]] int start(routine_t routine, void* argument);
 
     // Waits for the routine to return and clears the object. Does nothing without a thread.

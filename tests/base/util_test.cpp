@@ -1,11 +1,42 @@
+#include "base/src/util/local_time.h"
 #include "base/src/util/thread.h"
 #include "base/src/util/thread_mutex.h"
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <mutex>
 
 namespace {
+
+TEST(LocalTime, HasTheYearInFullAndCountsMonthsFromOne)
+{
+    time_t second = 0;
+    rkb::local_time_t now{};
+    do { // until no second has ended in between
+        second = time(nullptr);
+        now = rkb::local_time();
+    } while (second != time(nullptr));
+    tm parts{};
+    localtime_r(&second, &parts);
+    char expected[64];
+    char found[64];
+    strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S %w", &parts);
+    snprintf(found, sizeof found, "%d-%02d-%02d %02d:%02d:%02d %d", now.year, now.month, now.day,
+        now.hour, now.minute, now.second, now.weekday);
+    EXPECT_STREQ(found, expected);
+}
+
+#ifndef NDEBUG
+TEST(ThreadDeathTest, MustBeJoinedBeforeItIsDestroyed)
+{
+    const auto destroy_a_started_thread = [] {
+        rkb::thread_t thread;
+        static_cast<void>(thread.start([](void*) {}, nullptr));
+    };
+    EXPECT_DEATH(destroy_a_started_thread(), "m_started");
+}
+#endif
 
 TEST(Thread, RunsWithTheNamePromisedAndAStackOfAtLeastAMebibyte)
 {
@@ -30,7 +61,7 @@ TEST(Thread, RunsWithTheNamePromisedAndAStackOfAtLeastAMebibyte)
 
 TEST(Thread, StartingAgainJoinsTheEarlierThread)
 {
-    int runs = 0; // no lock: a second run beside the first would be a race
+    int runs = 0; // no lock: two runs at once would be a race
     rkb::thread_t thread;
     for (int i = 0; i < 20; ++i)
         ASSERT_EQ(thread.start([](void* count) { ++*static_cast<int*>(count); }, &runs), 1);
