@@ -1,19 +1,20 @@
 // Diagnostic traces of the host module: where they go, and how they are emitted.
 //
-// The settings are declared here so that every layer can trace; the program defines them once,
-// with its own observer (see app/localtrace.cpp), as constant-initialised data: tracing works
-// before main and after it.
+// This library declares the settings, so that every layer can trace, but does not define them. Each
+// program that calls Trace() or TraceThis() defines KX::traceSettings once, with its own observer
+// or none. They should be constant-initialised: then tracing works before main, too.
 #pragma once
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 
-// Receives traces. May be called from any thread, several at once.
+// Receives traces, from any thread and from several at once.
 class ITraceObserver {
 public:
-    // `kind` is KX::kTraceText. `length` counts the whole formatted message and its terminating
-    // NUL, also when the text was cut: never read more than KX::kTraceBufferSize bytes of `text`.
+    // `kind` is KX::kTraceText. `text` is valid during the call only. `length` counts the whole
+    // formatted message and its terminating NUL, even when the text was cut: never read more than
+    // KX::kTraceBufferSize bytes of `text`.
     virtual void TraceRecord(uint32_t kind, uint32_t levelBit, const char* text, size_t length) = 0;
 
     // Empties the trace destination.
@@ -35,6 +36,7 @@ enum TraceLevel : uint32_t {
     kTraceDebug = 1u << 2,
 };
 
+// May be changed at any time by any thread.
 struct TraceSettings {
     std::atomic<ITraceObserver*> observer; // not owned; null switches tracing off
     std::atomic<uint32_t> enableFlags = ~0u;
@@ -43,11 +45,12 @@ struct TraceSettings {
 
 extern TraceSettings traceSettings;
 
-// Formats as printf does, into a buffer of kTraceBufferSize bytes; longer text is cut there. Costs
-// three loads when nobody listens. Any thread.
+// Formats as printf() does, into a buffer of kTraceBufferSize bytes, and passes the text to the
+// observer. Longer text is cut. Any thread; blocks only as the observer does. A trace that does not
+// pass still costs the call, the evaluation of its arguments and one to three atomic loads.
 [[gnu::format(printf, 2, 3)]] void Trace(TraceLevel level, const char* format, ...);
 
-// The same with " this=0x" and the address of `object` behind the text, when there is room.
+// Trace() with " this=0x" and the address of `object` after the text, as far as there is room.
 [[gnu::format(printf, 3, 4)]] void TraceThis(
     const void* object, TraceLevel level, const char* format, ...);
 

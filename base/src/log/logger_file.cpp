@@ -69,7 +69,7 @@ logger_file_base_t::logger_file_base_t(const char* directory, const char* base_n
     : m_extension(extension ? extension : ".log")
     , m_max_size(std::max(max_size, min_log_size))
     , m_max_index(max_index)
-    , m_date(local_date())
+    , m_date(coarse_local_time())
 {
     set_directory(directory);
     m_prefix += has_text(base_name) ? base_name : program_name();
@@ -149,7 +149,7 @@ void logger_file_base_t::write_raw(FILE* stream, const char* data, size_t length
 
 void logger_file_base_t::rotate_if_due()
 {
-    const local_time_t now = local_date();
+    const local_time_t now = coarse_local_time();
     const bool same_day = now.day == m_date.day;
     if (same_day && m_written <= m_max_size)
         return;

@@ -25,9 +25,9 @@ bool create_directories(const std::string& path)
 {
     if (is_directory(path))
         return true;
-    if (errno == ENAMETOOLONG) // trying every parent of a megabyte of slashes would take minutes
+    if (errno == ENAMETOOLONG) // creating every parent of such a path would take minutes
         return false;
-    // Failures on the way are left to the final check: another process may be creating the same.
+    // Only the final check counts: another process may be creating the same directories.
     for (size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1))
         mkdir(path.substr(0, end).c_str(), 0777);
     mkdir(path.c_str(), 0777);

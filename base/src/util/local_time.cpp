@@ -10,7 +10,7 @@ namespace rkb {
 
 namespace {
 
-local_time_t broken_down(time_t second)
+local_time_t to_local_time(time_t second)
 {
     const std::lock_guard lock(local_time_mutex());
     tm parts{};
@@ -28,7 +28,7 @@ local_time_t broken_down(time_t second)
     };
 }
 
-// localtime_r takes a process-wide lock and does a calendar's arithmetic: too much for every line.
+// localtime_r() takes a process-wide lock and calculates much: too slow for every log line.
 struct second_cache_t {
     time_t second = -1;
     local_time_t time = {};
@@ -40,17 +40,17 @@ local_time_t system_time(clockid_t clock)
     timespec now{};
     clock_gettime(clock, &now);
     if (now.tv_sec != cache.second)
-        cache = {now.tv_sec, broken_down(now.tv_sec)};
+        cache = {now.tv_sec, to_local_time(now.tv_sec)};
     local_time_t time = cache.time;
     time.milliseconds = static_cast<uint16_t>(now.tv_nsec / 1'000'000);
     return time;
 }
 
-constinit std::atomic<local_time_source_t> other_source{nullptr};
+constinit std::atomic<local_time_source_t> replacement_source{nullptr};
 
 local_time_t time_by(clockid_t clock)
 {
-    const local_time_source_t source = other_source.load(std::memory_order_acquire);
+    const local_time_source_t source = replacement_source.load(std::memory_order_acquire);
     return source ? source() : system_time(clock);
 }
 
@@ -61,7 +61,7 @@ local_time_t local_time()
     return time_by(CLOCK_REALTIME);
 }
 
-local_time_t local_date()
+local_time_t coarse_local_time()
 {
     return time_by(CLOCK_REALTIME_COARSE);
 }
@@ -74,7 +74,7 @@ thread_mutex_recursive& local_time_mutex()
 
 void set_local_time_source(local_time_source_t source)
 {
-    other_source.store(source, std::memory_order_release);
+    replacement_source.store(source, std::memory_order_release);
 }
 
 } // namespace rkb

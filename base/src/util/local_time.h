@@ -1,4 +1,4 @@
-// The broken-down local time, and the one place where the library reads it.
+// The local time by calendar fields. All of the library reads it here.
 #pragma once
 
 #include "base/src/util/thread_mutex.h"
@@ -8,7 +8,7 @@
 namespace rkb {
 
 struct local_time_t {
-    uint16_t year;  // in full
+    uint16_t year;  // 2026, not 26
     uint16_t month; // 1..12
     uint16_t day;   // of the month, 1..31
     uint16_t hour;
@@ -20,22 +20,23 @@ struct local_time_t {
     bool operator==(const local_time_t&) const = default;
 };
 
-// The time now. Any thread; never fails: all fields are 0 when the system cannot tell. The
-// system's time is broken down once per second and thread, so that a change of the time zone is
-// seen with the next second.
+// The time now, in the process's time zone. Any thread. All fields are 0 when the system cannot
+// convert the time. The conversion is done once per second and thread; after a tzset() the new time
+// zone therefore shows from the next second on.
 [[nodiscard]] local_time_t local_time();
 
-// The same at a third of the cost, behind by up to a tick of the system's clock, some
-// milliseconds. Compare its day with its own like only: it may still be in yesterday when
-// local_time() no longer is.
-[[nodiscard]] local_time_t local_date();
+// A cheaper local_time(): it may be up to one tick of the system's clock late, which is a few
+// milliseconds. Its days are only comparable with each other: shortly after midnight it may still
+// return yesterday when local_time() returns today.
+[[nodiscard]] local_time_t coarse_local_time();
 
-// The lock around the C library's conversion to local time. That has a lock of its own, which the
-// child of a fork() finds as it was: hold this one during fork(), so that it is not taken then.
+// Guards the C library's conversion to local time, which takes a lock that fork() does not reset in
+// the child. The logging control holds this mutex during fork(), so that the other one is free
+// then.
 [[nodiscard]] thread_mutex_recursive& local_time_mutex();
 
-// Makes both ask `source` instead of the system, in the whole process; null undoes it. For tests
-// that have to stand at midnight. `source` may be called by any thread, several at once.
+// Makes both functions return what `source` returns, in the whole process; null restores the
+// system's time. For tests. `source` may be called by several threads at once.
 using local_time_source_t = local_time_t (*)();
 void set_local_time_source(local_time_source_t source);
 

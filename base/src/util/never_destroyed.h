@@ -1,4 +1,4 @@
-// Static objects that threads may still use while the process exits.
+// For static objects that threads may still use while the process exits.
 #pragma once
 
 namespace rkb {

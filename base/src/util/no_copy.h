@@ -1,4 +1,4 @@
-// A base for objects that have one identity: a thread, a mutex, an open file.
+// A base class for objects that must not be copied: a thread, a mutex, an open file.
 #pragma once
 
 namespace rkb {

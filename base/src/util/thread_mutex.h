@@ -1,4 +1,4 @@
-// Recursive mutex and monotonic condition variable over POSIX threads.
+// A recursive mutex and a condition variable over POSIX threads.
 #pragma once
 
 #include "base/src/util/no_copy.h"
@@ -8,8 +8,8 @@
 
 namespace rkb {
 
-// A mutex that its owner may lock again; unlock as often as locked. BasicLockable, so
-// std::lock_guard works on it. Any thread may lock; only the owner may unlock.
+// A mutex that its owner may lock again. It is free when it has been unlocked as often as locked.
+// Any thread may lock it; only the owner may unlock it. BasicLockable, so std::lock_guard works.
 class thread_mutex_recursive : no_copy {
 public:
     thread_mutex_recursive();
@@ -29,8 +29,8 @@ private:
     pthread_mutex_t m_mutex;
 };
 
-// A condition variable whose time-outs are on the monotonic clock, so that setting the
-// machine's time neither shortens nor lengthens a wait.
+// A condition variable whose time-outs use the monotonic clock: setting the system's time neither
+// shortens nor lengthens a wait. Any thread.
 class condition_t : no_copy {
 public:
     static constexpr uint32_t no_limit = 0xFFFFFFFF;
@@ -38,9 +38,10 @@ public:
     condition_t();
     ~condition_t();
 
-    // Waits for signal() or broadcast(), at most `milliseconds` (no_limit: for ever). The caller
-    // has locked `mutex` exactly once. False when the time ran out. May also return true without
-    // a signal, as condition variables do: test the condition in a loop.
+    // Unlocks `mutex`, which the caller has locked exactly once, waits for signal() or broadcast()
+    // and locks it again. Returns false when `milliseconds` have passed; no_limit waits for ever.
+    // It may also return true without a signal, as condition variables do: call it in a loop that
+    // tests the condition.
     [[nodiscard]] bool wait(thread_mutex_recursive& mutex, uint32_t milliseconds);
 
     void signal();

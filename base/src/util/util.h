@@ -1,4 +1,4 @@
-// Who is running: the process, its threads and its program.
+// The running process, its threads and its program. Any thread.
 #pragma once
 
 #include <cstdint>
@@ -16,8 +16,8 @@ namespace rkb {
 // The low 32 bits of the calling thread's pthread handle.
 [[nodiscard]] uint32_t thread_handle();
 
-// The last component of the path under which the program was started (the first argument that the
-// system keeps of it); empty when the system does not tell.
+// The program's name: its first argument, as the system keeps it, without directories. Empty when
+// the system does not provide it.
 [[nodiscard]] std::string program_name();
 
 } // namespace rkb
