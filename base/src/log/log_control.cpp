@@ -83,9 +83,9 @@ struct log_control_t::process_hooks_t : no_copy {
             left_at_exit = the_control.exchange(nullptr, std::memory_order_acq_rel);
             the_stage.store(stage_t::gone, std::memory_order_release);
         }
-        close_gate(); // first, so that threads which log do not keep close() from its lock
+        close_gate(); // first, so that threads which log do not keep close_at_exit() from its lock
         if (left_at_exit)
-            left_at_exit->close();
+            left_at_exit->close_at_exit();
     }
 
     // In the order in which log calls take them.
@@ -179,7 +179,7 @@ log_control_t::~log_control_t()
 
 // Logs what release() would and leaves nothing to write to. A thread that has passed the gate
 // before still finds the control, but no sink.
-void log_control_t::close()
+void log_control_t::close_at_exit()
 {
     const std::lock_guard lock(m_mutex);
     m_creates_default_sink = false; // the exit does not begin a log

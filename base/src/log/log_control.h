@@ -1,4 +1,4 @@
-// The switchboard of the library's logging: which lines pass, and to which sinks they go.
+// The control of the library's logging: which lines pass, and to which sinks they go.
 #pragma once
 
 #include "base/src/log/log_table.h"
@@ -12,102 +12,113 @@
 
 namespace rkb {
 
-// How the control obtains its default sink. The unit of that sink defines the one object, constant
-// and constant-initialised, so that lines can be logged before main.
+// How the control obtains its default sink. logger_file_default.cpp defines the object; it is
+// constant-initialised, so that lines can be logged before main. The sink is not the control's.
 struct log_default_sink_t {
     log_it* (*get)();                   // creates the sink if there is none; null when that fails
     log_it* (*existing)();              // null if there is none
-    thread_mutex_recursive& (*mutex)(); // is taken after the control's
+    thread_mutex_recursive& (*mutex)(); // guards the sink's creation; locked after the control's
 };
 extern const log_default_sink_t log_default_sink;
 
-// One per process, created by the first instance() and destroyed by release(). Call sites go
-// through log.h. Every operation may be called from any thread; those that change or walk the
-// tables take the control's recursive mutex, and sinks are called with it held. The exceptions are
-// marked.
+// There is one per process. The first instance() creates it and release() destroys it. Call sites
+// use the macros of log.h instead of this class.
 //
-// Sinks are referred to, never owned. Names are copied.
+// All operations may be called from any thread. Unless their comment says otherwise they lock the
+// control's recursive mutex, which is also held while a sink is called: they block as long as a
+// sink does. A process may fork() while other threads log; the child can log, too.
+//
+// Sinks are not owned. Names are copied, for which std::bad_alloc may be thrown.
 class log_control_t : no_copy {
 public:
-    // Null while the control is being created (to its own constructor's callees; other threads
-    // wait), after its destruction, and from the exit of the process on. Also null when there is no
-    // memory for it; the next call tries again. Locks only to create.
+    // Null after release(), once the process is exiting, and to what the control's constructor
+    // calls (other threads wait for the constructor). Also null when there is no memory for the
+    // control; the next call tries again. Locks a mutex only to create the control.
     [[nodiscard]] static log_control_t* instance();
 
     // Logs its call and destroys the control. Later log calls have no effect. Other threads must
     // have stopped logging.
     //
-    // At exit, if this has not been called, the control logs the same lines, to the default file
-    // sink only, because other sinks may have been destroyed before. Later log calls have no effect
-    // then either. The control and the default file sink stay in memory, so that threads may still
-    // be logging while the process exits.
+    // If this has not been called, the exit of the process logs the same lines, but to the default
+    // file sink only, as other sinks may be destroyed already. Later log calls have no effect. The
+    // control and the default file sink stay in memory, so other threads may be logging meanwhile.
     static void release();
 
-    // Registers a module, again if need be: its name (null: "N/A"), its least severe level, the
-    // flags of all its slots, and `sink`, for the levels that pass, in the place that the flags
-    // name (the primary one if both). 0, or log_bad_argument: id > 255 or maximum level > 31.
+    // Registers a module, or changes its registration: its name (null: "N/A"), its least severe
+    // level and the flags of all its slots. Puts `sink` into the slots of the levels up to that
+    // one: into the primary place if the flags have log_to_primary, else into the secondary place
+    // if they have log_to_secondary. Returns 0, or log_bad_argument for an id > 255 or a level
+    // > 31.
     uint32_t register_module(uint32_t module_id, const char* name, uint32_t max_level, log_it* sink,
         uint32_t sink_flags);
 
-    // Makes a module unregistered, its slots empty. Module 0 only gets another name: its empty
-    // entry already looks registered. 0, log_bad_argument or log_not_registered.
+    // Unregisters a module and empties its slots. Module 0 still counts as registered afterwards
+    // and only changes its name, because the id of an empty entry is 0. Returns 0, log_bad_argument
+    // or log_not_registered.
     uint32_t unregister_module(uint32_t module_id);
 
-    // Sets the primary sink of one level. 0, log_bad_argument or log_not_registered.
+    // Sets the primary sink of one level. Returns 0, log_bad_argument or log_not_registered.
     uint32_t set_sink(uint32_t module_id, uint32_t level, log_it* sink);
 
-    // Sets the flags of all slots of a module. 0, log_bad_argument or log_not_registered.
+    // Sets the flags of all slots of a module. Returns 0, log_bad_argument or log_not_registered.
     uint32_t set_flags(uint32_t module_id, uint32_t sink_flags);
 
-    // Puts a sink into every slot of every module, in the place that the flags name (the primary
-    // one if both); the slots' own flags stay. 0. Deliberately takes no lock: it is for set-up
-    // before logging starts, and a line being written beside it goes to the old or the new sink.
+    // Puts a sink into every slot of every module, into the place that register_module() would
+    // choose for these flags. The flags of the slots do not change. Returns 0. Deliberately locks
+    // nothing, because it is for set-up before logging starts: a line that is being written
+    // meanwhile goes to the old or to the new sink.
     uint32_t set_sink_everywhere(log_it* sink, uint32_t sink_flags);
 
-    // Names a level (null: "N/A"). 0, or log_bad_value: level > 31.
+    // Names a level (null: "N/A"). Returns 0, or log_bad_value for a level > 31.
     uint32_t set_level_name(uint32_t level, const char* name);
 
-    // Null for a level > 31. Valid until release(). Takes no lock.
+    // Null for a level > 31. The text is valid until release(). Locks nothing.
     [[nodiscard]] const char* level_name(uint32_t level) const;
 
-    // The low byte counts: the least severe level that passes, whatever its module allows. 255
-    // switches logging off.
+    // Sets the gate to the low byte of `max_level`: no less severe level passes, whatever its
+    // module allows. 255 switches logging off.
     void set_gate(uint32_t max_level);
 
-    // -1 when logging is off. Takes no lock.
+    // -1 when logging is off. Locks nothing.
     [[nodiscard]] int gate() const;
 
-    // Whether a line would pass gate and module; then both names are set, valid until release(),
-    // and the default sinks are bound if they are not yet. Locks only to bind.
+    // Whether a line passes the gate and its module. If so, sets both names, which are valid until
+    // release(), and binds the default sinks if they are not bound yet. Locks only to bind.
     [[nodiscard]] bool is_enabled(
         uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name);
 
     // Binds the default sinks: every slot of every module gets the default flags, the custom sink
-    // as primary if the flags have log_to_primary, and the default file sink, created if need be,
-    // as secondary if they have log_to_secondary. Deliberately overwrites what registration put
-    // there: that decides which lines pass, the binding where they go. After detach() only the
-    // places that the sink has left get a sink, the default file sink. 0 or log_already_attached.
+    // as its primary sink if the flags have log_to_primary, and the default file sink as its
+    // secondary sink if they have log_to_secondary. Creates the file sink if necessary. This
+    // deliberately overwrites the sinks of the registrations: these decide which lines pass, the
+    // binding decides where they go. Returns 0 or log_already_attached.
+    //
+    // After a binding and a detach() this only puts the default file sink into the places that the
+    // detached sink has left. The same happens to the places of the default file sink if there was
+    // no memory for it. Returns 0.
     uint32_t attach();
 
     // Takes a sink out of every slot. The next enabled call attaches again.
     void detach(log_it* sink);
 
-    // Takes all sinks out of all slots, and the custom sink away; the next enabled call binds anew.
+    // Takes all sinks out of all slots and unsets the custom sink. The next enabled call binds the
+    // default sinks anew.
     void forget_sinks();
 
-    // Passes a line to its slot's sinks, primary first, and to one of them if both are the same;
-    // or, when given, to `override_sink` only. Does not ask the gate; a level above the module's
-    // maximum is dropped. log_bad_argument, log_not_registered, the result of `override_sink`
-    // (log_sink_failed if it threw), else 0: what other sinks answer is their own affair.
+    // Passes a line to the sinks of its slot, to the primary one first, and only once if both are
+    // the same. With an `override_sink`, passes it to that one only. A level above the module's
+    // maximum is dropped; the gate does not matter. Returns log_bad_argument, log_not_registered,
+    // the result of `override_sink` (log_sink_failed if it threw), or 0. The results of other sinks
+    // are ignored.
     uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length,
         log_it* override_sink = nullptr);
 
-    // The lock of the tables, for what must not overlap with a line being written.
+    // While the caller holds this, no line is written and the tables do not change.
     thread_mutex_recursive& mutex() { return m_mutex; }
 
-    // The custom sink and the default flags belong to the process, so they outlive the control.
-    // They take no lock. The caller owns the custom sink; null, as at first, is none. The flags are
-    // log_to_primary and log_to_secondary at first.
+    // The custom sink and the default flags belong to the process and outlive the control. Reading
+    // and setting them locks nothing. The caller owns the custom sink. At first there is none
+    // (null) and the flags are log_to_primary | log_to_secondary.
     static void set_custom_sink(log_it* sink)
     {
         s_custom_sink.store(sink, std::memory_order_release);
@@ -131,13 +142,13 @@ private:
 
     enum class binding_t : uint8_t { none, with_vacant_places, complete };
 
-    struct process_hooks_t;
+    struct process_hooks_t; // what the exit of the process and fork() call
     static bool install_process_hooks();
     static const bool s_has_process_hooks;
 
     static log_control_t* create();
 
-    void close();
+    void close_at_exit();
     void log_own_line(const char* text);
     void prepare_line(
         uint32_t module_id, uint32_t level, const char*& module_name, const char*& level_name);
@@ -159,8 +170,8 @@ private:
     thread_mutex_recursive m_mutex;
     std::atomic<uint8_t> m_gate;
     std::atomic<binding_t> m_binding = binding_t::none;
-    bool m_creates_default_sink = true;
-    std::set<std::string> m_names; // grows by the distinct names given, as readers hold on to them
+    bool m_creates_default_sink = true; // false at exit
+    std::set<std::string> m_names; // never shrinks, because call sites may still read the names
     std::array<log_level_entry_t, log_level_count> m_levels;
     std::vector<log_module_t> m_modules;
 };

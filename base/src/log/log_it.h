@@ -6,14 +6,15 @@
 
 namespace rkb {
 
-// The logging control calls a sink with its mutex held: one call at a time, from any thread, so a
-// sink needs no lock of its own for that. From within it a sink must not log. Sinks are never owned
-// by the control: a sink outlives every slot it stands in, or the last log call of all. At exit the
-// control lets go of all sinks but the library's own before its last words.
+// A sink of log lines. The logging control calls it from any thread, but with its mutex held, so
+// one call at a time: a sink needs no lock of its own. A sink must not log.
+//
+// The control does not own sinks. A sink must not be destroyed before it has been taken out of all
+// slots, or logging has ended. At exit the control uses no sink but the library's own.
 class log_it {
 public:
-    // Takes one whole line. `data` is valid during the call only. 0 on success; an exception
-    // counts as a failure and goes no further.
+    // Takes one whole line. `data` is valid during the call only. Returns 0 on success. The control
+    // catches exceptions and treats them as failures.
     virtual uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length) = 0;
     virtual ~log_it() = default;
 

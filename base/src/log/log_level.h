@@ -1,4 +1,4 @@
-// Numbers that logging shares: levels, module ids, sink flags, result codes.
+// The numbers of logging: levels, modules, sink flags and result codes.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace rkb {
 
-// A lower number is more severe. 6..31 exist too and are named "N/A" until somebody names them.
+// A lower number is more severe. Levels 6 to 31 exist too; they are named "N/A" at first.
 enum log_level_t : uint32_t {
     log_fatal = 0,
     log_error = 1,

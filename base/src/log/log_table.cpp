@@ -57,10 +57,10 @@ bool log_slot_t::replace(log_it* from, log_it* to)
     return found;
 }
 
-void log_module_t::reset(const char* placeholder)
+void log_module_t::reset(const char* placeholder_name)
 {
     id = 0;
-    name.store(placeholder, std::memory_order_release);
+    name.store(placeholder_name, std::memory_order_release);
     max_level = log_debug;
     for (log_slot_t& slot : slots)
         slot.clear();

@@ -9,11 +9,12 @@
 
 namespace rkb {
 
-// Stands in a place whose sink was taken out, until the default sink takes that place. Drops lines.
+// A sink that drops lines. It marks the places that wait for the default sink.
 [[nodiscard]] log_it* vacant_sink();
 
-// Where the lines of one level of one module go. The sinks are atomic because setting a sink for
-// all modules takes no lock.
+// Where the lines of one level of one module go. The control's mutex guards the flags. The sinks
+// are atomic because log_control_t::set_sink_everywhere() locks nothing; all else changes them
+// under the mutex.
 struct log_slot_t {
     uint32_t flags = 0;
     std::atomic<log_it*> primary = nullptr;   // used when flags has log_to_primary
@@ -32,29 +33,31 @@ struct log_slot_t {
     bool replace(log_it* from, log_it* to);
 };
 
-// Names are atomic because a call site reads them without the lock. They live as long as the
-// control.
+// One entry of the module table. The control's mutex guards the id and the maximum level. The name
+// is atomic because call sites read it without the mutex; its text lives as long as the control.
 struct log_module_t {
-    uint32_t id = 0; // the module counts as registered while this is its own index
+    uint32_t id = 0; // the module counts as registered while this is the entry's index
     std::atomic<const char*> name = "N/A";
     uint32_t max_level = log_debug;
     std::array<log_slot_t, log_level_count> slots;
 
-    void reset(const char* placeholder);
+    // Unregisters the module and empties its slots.
+    void reset(const char* placeholder_name);
 };
 
+// One entry of the level table. The number does not change; the name is as that of a module.
 struct log_level_entry_t {
     uint32_t number = 0;
     std::atomic<const char*> name = "N/A";
 };
 
-// For each module the number of its levels that pass now: those below this number do. The logging
-// control keeps it up to date. Before the control is created it holds what creating it would give:
-// module 0 counts as registered, up to DEBUG. After release() and at exit no level passes.
+// For each module the number of its levels that pass now: all levels below this number do. The
+// control updates it under its mutex. Before the control exists the numbers are those of a new
+// control: module 0 counts as registered, up to DEBUG. After release() and at exit all are 0.
 extern std::array<std::atomic<uint8_t>, log_module_count> log_passing_levels;
 
-// Whether a line can be enabled at all. One load, a compare and a branch where `module_id` is a
-// constant. Any thread, at any time.
+// Whether a line may pass, to be asked before all else. Costs one load, a comparison and a branch
+// if `module_id` is a constant. Any thread, at any time.
 [[nodiscard]] inline bool log_may_pass(uint32_t module_id, uint32_t level)
 {
     return module_id < log_module_count

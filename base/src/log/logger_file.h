@@ -1,4 +1,4 @@
-// The file sink: log lines into a circle of files in one directory.
+// The file sink: writes log lines to rotating files in one directory.
 #pragma once
 
 #include "base/src/log/log_it.h"
@@ -12,14 +12,14 @@
 
 namespace rkb {
 
-// Each file stays within a maximum size but for the line that exceeds it; the next line goes to a
-// file of the next index. A new day begins with index 0. Indices run in a circle, and opening a
-// file removes the earlier ones of its index from the directory, as far as their paths have at most
-// 127 characters: below a longer directory all files stay. The last index used is kept in the
-// directory's id file, so that the next run goes on behind it.
+// The line that exceeds a file's maximum size is the file's last; the next line goes to a file with
+// the next index. After the maximum index comes 0. Each day starts with index 0. Opening a file
+// removes earlier files of the same index from the directory, except those whose path is longer
+// than 127 characters. The id file in the directory holds the last index used, so that the next run
+// continues after it.
 //
-// Takes no lock: all operations are called by one thread at a time, as the logging control does.
-// Sizes are in bytes.
+// Not thread-safe: one thread at a time may call the operations. The logging control does so with
+// its mutex held. Sizes are in bytes. Programs that the process starts do not inherit the file.
 class logger_file_base_t : public log_it, no_copy {
 public:
     static constexpr uint32_t min_log_size = 1'048'576;
@@ -35,26 +35,28 @@ public:
     // could be opened, which it also reports on standard error. The next call tries again.
     uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length) override;
 
-    // Writes the bytes with one block write, behind what the stream holds, so that they are in the
-    // file on return. Does nothing without a stream, data or length. When the disk cannot take all
-    // bytes, none of them stay, and none are kept for a later write.
+    // Appends the bytes to the file with one block write, after what the stream has buffered; they
+    // are in the file on return. If the disk is too full for all of them, none is written, also not
+    // later. Does nothing if the stream or the data is null or the length 0.
     virtual void write_raw(FILE* stream, const char* data, size_t length);
 
-    // Changes the limits: size min_log_size..max_log_size, index min_log_index..max_log_index.
-    // Logs its call. 0; or log_bad_value, an assert line logged and nothing changed.
+    // Logs its call and changes the limits. Returns 0. A size outside min_log_size..max_log_size or
+    // an index outside min_log_index..max_log_index changes nothing: it logs an assert line and
+    // returns log_bad_value.
     uint32_t configure(uint32_t max_size, uint32_t max_index);
 
     // Closes the file; the next write opens another one.
     void close();
 
 protected:
-    // `directory`, created if missing, should end in "/". If it does not, the id file stands
-    // beside it (its name glued to the directory's) and no earlier files are removed, which is
-    // kept deliberately. None (null or empty): default_log_directory().
-    // `base_name` begins the files' names; none: the program's name.
-    // `extension` is what follows the "." at their end. Null means ".log", so that these names
-    // have two dots; also deliberate. "log" makes one.
-    // `max_size` is raised to min_log_size, `max_index` is taken as it is. Nothing is opened yet.
+    // `directory`: created if missing; null or empty means default_log_directory(). It should end
+    // in "/". Without it the name of the id file is the directory's name and its own in one, so
+    // that the file is next to the directory, and no earlier files are removed. That is deliberate.
+    // `base_name`: the start of the files' names; null or empty means the program's name.
+    // `extension`: the end of the files' names, after a ".". Null means ".log", which gives two
+    // dots. That is deliberate, too; "log" gives one.
+    // `max_size`: raised to min_log_size if it is smaller. `max_index`: taken as it is.
+    // Opens no log file yet. A directory that cannot be created is reported by the first write.
     logger_file_base_t(const char* directory, const char* base_name, const char* extension,
         uint32_t max_size, uint32_t max_index);
 
@@ -70,7 +72,7 @@ private:
     void remove_earlier_files() const;
     void rotate_if_due();
 
-    std::string m_prefix; // directory, "/" and base name: what every file's path begins with
+    std::string m_prefix; // directory, "/" and base name: the start of every file's path
     std::string m_extension;
     std::string m_directory; // as given, see the constructor
     uint32_t m_max_size;
@@ -78,7 +80,7 @@ private:
     uint32_t m_index = 0;
     uint32_t m_max_index;
     bool m_resume_index = true;
-    local_time_t m_date; // of the current file; its day tells when to begin another
+    local_time_t m_date; // of the current file
     std::unique_ptr<FILE, closer_t> m_file;
 };
 
