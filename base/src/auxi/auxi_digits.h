@@ -1,4 +1,4 @@
-// Digits by table: the innermost loops of formatting, inline because they are most of its cost.
+// Digits from tables: the innermost loops of formatting, inline because they are most of its cost.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ namespace rkb {
 
 inline constexpr size_t digit_triple_size = 4; // padded, so that an index is a shift
 
-// "000".."999". Built by the compiler: it is there before any initialiser that logs.
+// "000".."999". Built by the compiler, so that static initialisers can log.
 inline constexpr auto digit_triples = [] {
     std::array<char, 1000 * digit_triple_size> table{};
     for (size_t i = 0; i < 1000; ++i) {
@@ -51,7 +51,7 @@ inline size_t decimal_digits(uint64_t value)
     return estimate + (value >= powers_of_ten[estimate] ? 1 : 0);
 }
 
-// All of these return the end of the text and write no NUL.
+// These functions return the end of the text and write no NUL.
 inline char* put_decimal(char* to, uint64_t value)
 {
     char* const end = to + decimal_digits(value);

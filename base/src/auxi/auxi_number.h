@@ -14,22 +14,22 @@ inline constexpr uint32_t radix_decimal = 10;
 inline constexpr uint32_t radix_hex_upper = 16;
 inline constexpr uint32_t radix_hex_lower = 256;
 
-// Digits of the two hexadecimal modes; null for every other radix.
+// The digits of a hexadecimal mode; null for any other radix.
 [[nodiscard]] const char* hex_digits(uint32_t radix);
 
 struct integer_t {
     uint64_t bits; // the value, sign-extended to 64 bits
     size_t bytes;  // width of its type: 1, 2, 4 or 8
-    bool negative; // below zero, of a signed type
+    bool negative; // below zero; false for unsigned types
 };
 
-// Bytes to have free before writing an integer of that width: the widest text of its type and one
-// more. 0 for an unknown radix.
+// The bytes that must be free to write an integer of a type with that many bytes (1, 2, 4 or 8):
+// the length of the type's widest text plus one. 0 for an unknown radix.
 [[nodiscard]] size_t integer_reserve(uint32_t radix, size_t bytes);
 
-// Writes the integer in a known radix and returns the end of the text; no NUL. Decimal and octal
-// have no leading zeros; binary has eight digits per byte, hexadecimal two. Only decimal shows a
-// sign, the others show the bits of the type.
+// Writes the integer in a known radix and returns the end of the text; writes no NUL. Decimal and
+// octal texts have no leading zeros, binary ones eight digits per byte, hexadecimal ones two. Only
+// decimal has a sign; the others show the bits of the type.
 char* put_integer(char* to, const integer_t& value, uint32_t radix);
 
 // Largest magnitudes of the fixed-point routine, and the room that its text needs with one byte

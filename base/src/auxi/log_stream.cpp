@@ -11,8 +11,8 @@ namespace rkb {
 
 namespace {
 
-// A line is built with cold caches, right behind the system call that wrote the one before: what
-// stays the same from line to line is formatted once per thread.
+// What is the same in most lines of a thread is formatted once: a line is built right after the
+// system call that wrote the one before, with cold processor caches.
 struct cached_text_t {
     char text[48] = {};
     size_t length = 0;
@@ -27,7 +27,7 @@ struct cached_text_t {
     }
 };
 
-// "03/14/2026 09:05:07:042\t", of which only the milliseconds change within a second.
+// "03/14/2026 09:05:07:042\t". Within a second only the milliseconds change.
 std::string_view time_text()
 {
     thread_local constinit cached_text_t cache;

@@ -1,4 +1,4 @@
-// Formats text into a buffer of the caller's, without allocating and without throwing.
+// Formats text into a buffer that the caller provides, without allocating and without throwing.
 #pragma once
 
 #include "base/src/auxi/auxi_number.h"
@@ -14,54 +14,52 @@ namespace rkb {
 
 struct local_time_t;
 
-// Shown as 32 upper-case hexadecimal digits in the order of the bytes, grouped by dashes.
+// Written as 32 upper-case hexadecimal digits in the order of the bytes, grouped by dashes.
 struct identifier_t {
     uint8_t bytes[16];
 };
 
-// The buffer stays the caller's and outlives the stream; it always holds a NUL-terminated text. A
-// stream over no buffer, or over none of its bytes, is empty and stays so. Not thread-safe: a
-// stream belongs to one thread.
+// The caller owns the buffer, which must outlive the stream. It always holds a NUL-terminated text.
+// With a null buffer or a size of 0 the stream stays empty. Not thread-safe.
 //
-// What does not fit is cut or left out, by its kind:
+// What does not fit is cut or left out:
 // - NUL-terminated text is cut (in a hexadecimal radix: between two bytes);
 // - text with a length is written whole or not at all;
 // - values (integers, booleans, floating-point numbers, pointers, times, identifiers) are written
-//   only when the widest text of their type and one more byte would fit, so that whether a value
-//   appears does not depend on the value, and none is ever cut. Otherwise good() turns false until
-//   a later value fits. Floating-point numbers have two forms, short and long, each with a
-//   reserve of its own: see auxi_number.h.
+//   only if the widest text of their type plus one byte would fit, whatever the value, and so are
+//   never cut. Otherwise good() is false until a later value fits. Floating-point numbers have a
+//   short and a long form, with a different widest text each: see auxi_number.h.
 class text_stream_t : no_copy {
 public:
-    // `size` counts the bytes of `buffer`, of which one is kept for the terminating NUL.
+    // `size` is that of `buffer` in bytes, including one for the terminating NUL.
     text_stream_t(char* buffer, size_t size);
     virtual ~text_stream_t() = default;
 
-    // Empties the text; decimal radix; good() is true.
+    // Empties the text, sets the decimal radix and makes good() true.
     virtual void reset();
 
     [[nodiscard]] size_t length() const { return static_cast<size_t>(m_cursor - m_begin); }
     [[nodiscard]] const char* text() const { return m_begin; }
 
-    // Whether the last value written was written whole.
+    // Whether the last value fitted. Text does not change this.
     [[nodiscard]] bool good() const { return m_good; }
 
-    // One of radix_binary .. radix_hex_lower. Under any other radix an integer is not written:
-    // the stream skips, over NULs, to its last free byte, so that no more than one byte follows.
+    // One of the radix_ constants. With any other radix an integer is not written: the stream fills
+    // all but one of its free bytes with NULs, so that at most one byte can follow.
     void set_radix(uint32_t radix);
     [[nodiscard]] uint32_t radix() const { return m_radix; }
 
-    // Text up to its NUL; null writes nothing. In the hexadecimal radices texts are written as two
-    // digits per byte. Inline, because the length of a literal is then a constant.
+    // Text up to its NUL; null writes nothing. In the hexadecimal radices all text is written as
+    // two digits per byte. Inline, so that the length of a literal is a constant.
     text_stream_t& operator<<(const char* text)
     {
         return text ? append_cut(text, __builtin_strlen(text)) : *this;
     }
 
-    // Strings, and bytes with a length.
+    // A string, or bytes with a length.
     text_stream_t& operator<<(std::string_view text);
 
-    // A character is a number of 8 bits, like the integers of that size.
+    // A character is written as a number, like any integer of 8 bits.
     text_stream_t& operator<<(char value) { return put_signed(value, sizeof value); }
     text_stream_t& operator<<(signed char value) { return put_signed(value, sizeof value); }
     text_stream_t& operator<<(unsigned char value) { return put_unsigned(value, sizeof value); }
@@ -83,14 +81,14 @@ public:
     // "0x" and 16 lower-case digits, in every radix.
     text_stream_t& operator<<(const void* pointer);
 
-    // Two decimals, in every radix. Up to 2147483648.0 (float) and 9223372036854775808.0 (double)
-    // the library's own routine does it. What that cannot hold, numbers as far below zero and
-    // not-a-number, is left out and reported as an assert line of module 1.
+    // Two decimals, in every radix. Numbers above ftoa_limit (float) or lftoa_limit (double) have
+    // the long form. Numbers that are as far below zero, and what is not a number, are left out and
+    // logged as an assert line of module 1.
     text_stream_t& operator<<(float value);
     text_stream_t& operator<<(double value);
 
-    // month/day/year hour:minute:second:milliseconds, two digits each but for the year (as it is)
-    // and the milliseconds (three). Of a field out of its range the last digits are shown.
+    // month/day/year hour:minute:second:milliseconds. The milliseconds have three digits, the year
+    // as many as it needs, all others two. Only the last digits of too large a field are written.
     text_stream_t& operator<<(const local_time_t& time);
 
     text_stream_t& operator<<(const identifier_t& identifier);

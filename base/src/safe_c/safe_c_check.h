@@ -8,7 +8,7 @@
 
 namespace rkb::safe_c {
 
-// The bytes between the starts of two buffers, whichever comes first.
+// The number of bytes between the starts of two buffers, in either order.
 inline size_t distance(const void* a, const void* b)
 {
     const auto first = reinterpret_cast<uintptr_t>(a);
@@ -16,14 +16,14 @@ inline size_t distance(const void* a, const void* b)
     return first < second ? second - first : first - second;
 }
 
-// Whether the ranges share a byte. Cannot wrap, whatever the sizes.
+// Whether the ranges have a byte in common. Does not overflow, whatever the sizes.
 inline bool overlaps(const void* dest, size_t dest_size, const void* src, size_t src_size)
 {
     const bool dest_is_first = reinterpret_cast<uintptr_t>(dest) < reinterpret_cast<uintptr_t>(src);
     return distance(dest, src) < (dest_is_first ? dest_size : src_size);
 }
 
-// An argument that was tested, under the name that the report gives it.
+// A checked argument and its name in the assert line.
 struct argument_t {
     argument_t(const char* argument_name, const void* value)
         : name(argument_name)
@@ -48,7 +48,7 @@ struct argument_t {
 
 using arguments_t = std::initializer_list<argument_t>;
 
-// Writes the assert line of a call that is being rejected at `line`, and returns `code`.
+// Logs the assert line of a call that is rejected with `code`, and returns `code`.
 [[gnu::cold, gnu::noinline]] int reject(
     int code, const char* message, arguments_t arguments, int line = __builtin_LINE());
 

@@ -48,7 +48,7 @@ int memcmp_s(const void* dest, size_t dmax, const void* src, size_t smax, int* d
         return rejected(null_pointer, "memcmp_s invalid parameters differ");
     if (dmax == 0 || smax == 0 || dmax < smax)
         return rejected(bad_size, "memcmp_s invalid parameters");
-    if (dmax > max_memory_size || smax > dmax) // asks the second again, kept and harmless
+    if (dmax > max_memory_size || smax > dmax) // the second test is made twice, deliberately
         return rejected(over_limit, "memcmp_s invalid parameters");
 
     const auto* const a = static_cast<const unsigned char*>(dest);

@@ -15,17 +15,17 @@ using namespace safe_c;
 
 namespace {
 
-// Looks at `size` bytes at most. Sets `rest` to where to go on, or to null when the bytes end
-// before it is certain where that is.
+// Reads at most `size` bytes. Sets `rest` to where the next token is to be looked for, or to null
+// if neither a NUL nor the end of a token is among these bytes.
 char* cut_token(char* begin, size_t size, const char* delim, char*& rest)
 {
     const std::string_view text(begin, strnlen(begin, size));
     char* const end = begin + text.size();
     const size_t first = text.find_first_not_of(delim);
-    const size_t behind = text.find_first_of(delim, first);
-    if (behind != text.npos && first != text.npos) {
-        begin[behind] = '\0';
-        rest = begin + behind + 1;
+    const size_t after = text.find_first_of(delim, first);
+    if (after != text.npos && first != text.npos) {
+        begin[after] = '\0';
+        rest = begin + after + 1;
         return begin + first;
     }
     rest = text.size() < size ? end : nullptr;
@@ -53,8 +53,8 @@ size_t wcsnlen_s(const wchar_t* str, size_t strsz)
     return 0;
 }
 
-// The copies look for all they need to know before they write, so that a rejected call has written
-// nothing; what they copy is then known to lie apart.
+// The copies check everything before they write, so that a rejected call has written nothing. After
+// the checks source and destination are known to be apart, so memcpy() will do.
 
 int strcpy_s(char* dest, size_t destsz, const char* src)
 {
@@ -69,7 +69,7 @@ int strcpy_s(char* dest, size_t destsz, const char* src)
     if (destsz > max_string_size)
         return rejected(over_limit, "strcpy_s invalid parameters");
 
-    // A copy that goes as far as the start of the other buffer has met it.
+    // The buffers overlap if the copy reaches the start of the other one.
     const size_t gap = distance(dest, src);
     const size_t room = std::min(gap, destsz);
     const size_t length = strnlen(src, room);
