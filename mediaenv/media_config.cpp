@@ -11,7 +11,7 @@ namespace {
 constexpr const char* ini_variable = "MIVOMEDIA_INI_PATH";
 
 constexpr size_t entry_size = 255;
-constexpr size_t spare_entries = 32; // for what comes besides the keys, and the final null
+constexpr size_t spare_entries = 32; // for all entries that are not keys, and the final null
 
 constexpr const char* copied_variables[]
     = {"DISPLAY", "XDG_RUNTIME_DIR", "XDG_SESSION_TYPE", "XAUTHORITY", "PULSE_DIR",
@@ -70,7 +70,7 @@ media_config_t::media_config_t()
         return;
     strncpy_s(m_ini_path, sizeof m_ini_path, path, sizeof m_ini_path - 1);
     m_ini = std::make_unique<ini_t>(m_ini_path);
-    // What could be read counts, however the file ended.
+    // If the file cannot be read in whole, the keys that could be read count.
     static_cast<void>(m_ini->load());
 }
 

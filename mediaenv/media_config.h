@@ -1,4 +1,4 @@
-// The settings of the media component: where it is, what it may do, how it logs.
+// The settings of the media component: its paths, its features and its log files.
 #pragma once
 
 #include "base/src/ini/ini.h"
@@ -10,24 +10,26 @@
 
 namespace rkb {
 
-// Answers from the ini file that the environment variable MIVOMEDIA_INI_PATH names. The file is
-// read once, at construction; nothing is reported when that fails, in part or in whole. A getter
-// returns its default when the variable is unset, or the file does not have the key; an integer
-// is what strtol makes of the stored text, so 0 for a word.
+// Reads the ini file that the environment variable MIVOMEDIA_INI_PATH names, once, when it is
+// constructed. If the file cannot be read in whole, the keys that could be read count; nothing is
+// reported. A getter returns its default if the variable is unset or the file does not have the
+// key. An integer is what strtol() makes of the stored text, so a word gives 0.
 //
-// Any thread, several at once. Getters that look at the environment say so: no other thread may
-// change it meanwhile.
+// Several threads may call the operations at once. Those that read the environment (the
+// constructor, env_rkb_home() and build_environment()) need that no other thread changes it
+// meanwhile.
 class media_config_t : no_copy {
 public:
-    // The process's own settings, made on first use and destroyed at exit.
+    // The settings of the process, created on first use and destroyed at exit.
     [[nodiscard]] static media_config_t& instance();
 
-    // Reads the environment and the file, for settings apart from the process's own.
+    // Reads the environment and the file.
     media_config_t();
     ~media_config_t();
 
-    // Section "ENV": texts, empty by default. The path ends in "/" unless it is empty. In the home
-    // a leading "~" stands for the value of the environment variable HOME (nothing when unset).
+    // Section "ENV": texts, empty by default. The path ends in "/" unless it is empty. A leading
+    // "~" of the home is replaced by the value of the environment variable HOME, or removed if that
+    // is unset.
     [[nodiscard]] std::string env_path() const;
     [[nodiscard]] std::string env_bin() const;
     [[nodiscard]] std::string env_rkb_home() const;
@@ -44,37 +46,40 @@ public:
     [[nodiscard]] int share_offload() const;
     [[nodiscard]] int virtual_background() const;
 
-    // Section "LOG". Files: 1 and more, else 2. Size in MiB: 1 to 999, else 10. Rotation: true
-    // unless the stored integer is 0. Level: as stored, 0 by default.
+    // Section "LOG". The number of files is 2 unless 1 or more is stored. The size is in MiB; it is
+    // 10 unless 1 to 999 is stored. Rotation is true unless 0 is stored. The level is as stored, 0
+    // by default.
     [[nodiscard]] int log_max_file_count() const;
     [[nodiscard]] int log_max_file_size() const;
     [[nodiscard]] bool log_rotation() const;
     [[nodiscard]] int log_level() const;
 
-    // Any key, with the caller's default.
+    // Any key, with a default.
     [[nodiscard]] std::string get_string(
         std::string_view section, std::string_view key, std::string_view missing) const;
     [[nodiscard]] int get_int(std::string_view section, std::string_view key, int missing) const;
 
-    // Makes the environment of a child process: an array of texts NAME=value that ends with null,
-    // each in 255 bytes of its own and cut at 254 characters. In this order:
-    // - the keys of section "ENV" in file order, a leading "~" replaced as in env_rkb_home(), and
-    //   "/" appended to non-empty values of PATH and LD_LIBRARY_PATH that do not end in one. They
-    //   are not joined with this process's own variables of these names;
-    // - what this process has of the variables that a program with a window and sound needs;
+    // Builds the environment of a child process: an array of texts NAME=value with a null at its
+    // end. Each text is an array of 255 bytes and is cut at 254 characters. In this order:
+    // - the keys of section "ENV" in file order. A leading "~" is replaced as by env_rkb_home().
+    // PATH
+    //   and LD_LIBRARY_PATH end in "/" unless they are empty. They are not joined with the
+    //   variables of this process that have the same names;
+    // - copies of this process's variables for the display, PulseAudio and D-Bus, as far as they are
+    //   set: see media_config.cpp for their names;
     // - MIVOMEDIA_INI_PATH.
-    // Returns 1, the array then being the caller's, to go to free_environment(); or 0, and leaves
-    // `*environment` as it is, when there is no ini file or `environment` is null. The array has
-    // room for at least 20 entries more. Reads the environment.
+    // Returns 1; the caller owns the array and frees it with free_environment(). It has room for at
+    // least 20 more entries. Returns 0 and does not change `*environment` if there is no ini file
+    // or `environment` is null. Throws std::bad_alloc.
     [[nodiscard]] int build_environment(char*** environment) const;
 
-    // Frees what build_environment() made. Null is ignored.
+    // Frees an array from build_environment(). Null is ignored.
     static void free_environment(char** environment);
 
 private:
     static constexpr size_t path_size = 4096;
 
-    char m_ini_path[path_size] = {}; // cut to what fits
+    char m_ini_path[path_size] = {}; // cut to 4095 characters
     std::unique_ptr<ini_t> m_ini;    // null without MIVOMEDIA_INI_PATH
 };
 

@@ -1,5 +1,5 @@
-// A program that logs: it reads its configuration file, registers a module, logs from threads
-// until the log rotates, and looks at what it wrote. See README.md for its output.
+// A program that logs: it reads its configuration file, registers a module, logs from several
+// threads until the log rotates, and prints what the log files hold. See README.md for its output.
 #include "base/src/ini/ini.h"
 #include "base/src/ini/ini_config.h"
 #include "base/src/log/log.h"
@@ -17,7 +17,7 @@ namespace {
 
 constexpr uint32_t module_phone = 2;
 
-// Configuration and logs are looked for below RKB_HOME, here a fresh directory.
+// Configuration and logs are below RKB_HOME, here a new directory.
 std::string make_home()
 {
     std::string home = (std::filesystem::temp_directory_path() / "logging-XXXXXX").string();
@@ -65,7 +65,7 @@ void call_from_threads(int threads, int lines)
         caller.thread.join();
 }
 
-// Prints each log file's index, size and first line, and what they hold in all.
+// Prints the name, size and first line of each log file, and the number of lines in all of them.
 void report(const std::string& directory, int threads)
 {
     std::vector<std::filesystem::path> logs;
