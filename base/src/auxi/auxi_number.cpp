@@ -38,7 +38,7 @@ uint64_t cut_to_type(const integer_t& value)
     return value.bytes == 8 ? value.bits : value.bits & ((uint64_t{1} << (value.bytes * 8)) - 1);
 }
 
-// An IEEE 754 double of magnitude up to 2^63 in parts: significand * 2^-shift.
+// A double of magnitude up to 2^63 is significand * 2^-shift.
 struct parts_t {
     uint64_t significand;
     int shift; // -11 .. 1074
@@ -47,7 +47,7 @@ struct parts_t {
 constexpr int fraction_bits = 52;
 constexpr uint64_t fraction_mask = (uint64_t{1} << fraction_bits) - 1;
 
-parts_t parts_of(double magnitude)
+parts_t split(double magnitude)
 {
     const auto bits = std::bit_cast<uint64_t>(magnitude);
     const int exponent = static_cast<int>(bits >> fraction_bits & 0x7FF);
@@ -140,7 +140,7 @@ char* put_fixed(char* to, double value, double limit)
     const double magnitude = negative ? -value : value;
     if (!(magnitude <= limit))
         return nullptr;
-    const hundredths_t number = hundredths(parts_of(magnitude));
+    const hundredths_t number = hundredths(split(magnitude));
     if (negative)
         *to++ = '-';
     to = put_decimal(to, number.whole);

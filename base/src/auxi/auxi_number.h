@@ -32,24 +32,26 @@ struct integer_t {
 // decimal has a sign; the others show the bits of the type.
 char* put_integer(char* to, const integer_t& value, uint32_t radix);
 
-// Largest magnitudes of the fixed-point routine, and the room that its text needs with one byte
-// more: "-2147483648.00" and "-9223372036854775808.00".
+// The largest magnitudes that the short form of a float and of a double is used for, and the bytes
+// that must be free for it: the length of "-2147483648.00" or "-9223372036854775808.00" plus one.
 inline constexpr double ftoa_limit = 2147483648.0;
 inline constexpr double lftoa_limit = 9223372036854775808.0;
 inline constexpr size_t ftoa_reserve = 15;
 inline constexpr size_t lftoa_reserve = 24;
 
-// The same for "%.2f" of the largest float (39 digits) and double (309 digits).
+// The bytes that must be free for the long form: the largest float has 39 digits before the point,
+// the largest double 309.
 inline constexpr size_t float_reserve = 43;
 inline constexpr size_t double_reserve = 313;
 
-// Writes `value` as "%.2f" does (the nearest, a tie to the even digit, "-0.00" for what rounds to
-// zero from below) and returns the end of the text; no NUL. Returns null, nothing written, when
-// the magnitude is above `limit`, which is at most lftoa_limit, or when it is not a number.
+// Writes `value` with two decimals as "%.2f" does: rounded to nearest, ties to the even digit,
+// negative numbers that round to zero as "-0.00". Returns the end of the text; writes no NUL.
+// Returns null and writes nothing if the magnitude is above `limit` or `value` is not a number.
+// `limit` is at most lftoa_limit.
 [[nodiscard]] char* put_fixed(char* to, double value, double limit);
 
-// Writes a positive number of any size, infinity included, as "%.2f" does. `room` is at least
-// double_reserve, for values that are floats float_reserve.
+// Writes a positive number of any size, or infinity, as "%.2f" does. Returns the end of the text;
+// writes no NUL. `room` is at least double_reserve, or float_reserve if `value` is that of a float.
 char* put_fixed_large(char* to, size_t room, double value);
 
 } // namespace rkb

@@ -35,7 +35,8 @@ bool in_range(uint32_t value, uint32_t low, uint32_t high)
     return value >= low && value <= high;
 }
 
-// All bytes or none, so that a line that fits again does not follow on from half of another.
+// Writes all bytes or none: after a line that was cut by a full disk the next one would not begin
+// on a line of its own.
 void write_whole(int file, const char* data, size_t length)
 {
     size_t done = 0;
@@ -82,7 +83,7 @@ logger_file_base_t::~logger_file_base_t() = default;
 void logger_file_base_t::set_directory(const char* directory)
 {
     m_directory = has_text(directory) ? directory : default_log_directory();
-    create_directories(m_directory); // a failure shows when a file is opened
+    create_directories(m_directory); // a failure is reported when a file is opened
     m_prefix = m_directory;
     if (m_prefix.back() != '/')
         m_prefix += '/';
@@ -140,7 +141,7 @@ void logger_file_base_t::write_raw(FILE* stream, const char* data, size_t length
         return;
     const int file = fileno_unlocked(stream);
     if (file >= 0 && __fpending(stream) == 0) {
-        write_whole(file, data, length); // what stdio would do too, in several steps more
+        write_whole(file, data, length); // as fwrite() and fflush() do, but with less work
         return;
     }
     fwrite(data, 1, length, stream);
@@ -204,7 +205,7 @@ void logger_file_base_t::store_index() const
         O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
     if (file < 0)
         return;
-    dprintf(file, "%u", m_index); // what is lost here costs the next run its index only
+    dprintf(file, "%u", m_index); // if this fails, the next run begins with another index
     ::close(file);
 }
 
@@ -221,7 +222,7 @@ void logger_file_base_t::remove_earlier_files() const
         const int length
             = snprintf(path.data(), path.size(), "%s%s", m_directory.c_str(), entry->d_name);
         if (length > 0 && static_cast<size_t>(length) < path.size())
-            unlink(path.data()); // a cut path would name something else
+            unlink(path.data()); // not with a cut path, which names another file
     }
 }
 
