@@ -9,7 +9,8 @@ namespace {
 
 using rkb::log_control_t;
 
-// Made before the library's own statics, and destroyed after some of them. Module 0 passes unasked.
+// Constructed before the library's static objects and destroyed after some of them. Lines of module
+// 0 pass without registration.
 struct early_t {
     early_t()
     {
@@ -138,8 +139,8 @@ TEST_F(LogTest, WritePassesALineToTheSinksThatItsSlotNames)
     EXPECT_TRUE(primary.lines.empty()); // its former places were cleared
     secondary.lines.clear();
     control().set_sink_everywhere(&primary, 3);
-    primary.answer = 7;      // nobody's concern
-    control().set_gate(255); // write does not ask it
+    primary.result = 7;      // is ignored
+    control().set_gate(255); // does not concern write()
     EXPECT_EQ(control().write(9, 3, "abc", 3), 0u);
     EXPECT_EQ(primary.lines, std::vector<std::string>{"abc"});
     EXPECT_EQ(secondary.lines, std::vector<std::string>{"abc"});
@@ -237,7 +238,7 @@ TEST_F(LogTest, EntryPointsLogTheirCallAndAct)
         "\tenable_logger max_level = 260\n",
         "\tconfigure_logger, max_size = 5, max_idx = 9\n",
     };
-    // Behind these are the sink's own line of its configuration and its complaint.
+    // After these come two lines of the sink: its own call and that it failed.
     ASSERT_EQ(sink.lines.size(), std::size(messages) + 2);
     for (size_t i = 0; i < std::size(messages); ++i)
         EXPECT_TRUE(sink.lines[i].ends_with(messages[i])) << sink.lines[i];

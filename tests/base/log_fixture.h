@@ -1,4 +1,4 @@
-// What the tests of logging, and of what is logged, share.
+// For tests of logging, and of what is logged.
 #pragma once
 
 #include "base/src/log/log.h"
@@ -9,13 +9,13 @@
 #include <cstdio>
 #include <vector>
 
-inline rkb::local_time_t test_now; // what the time source says
+inline rkb::local_time_t test_now; // what the time source returns
 
 struct Recorder final : rkb::log_it {
     uint32_t write(uint32_t, uint32_t, const char* data, size_t length) override
     {
         lines.emplace_back(data, length);
-        return answer;
+        return result;
     }
     // The message of the last line: what follows the level's name.
     std::string message() const { return lines.empty() ? "" : message_of(lines.back()); }
@@ -29,7 +29,7 @@ struct Recorder final : rkb::log_it {
     }
 
     std::vector<std::string> lines;
-    uint32_t answer = 0;
+    uint32_t result = 0;
 
 private:
     static std::string message_of(const std::string& line)
@@ -38,7 +38,7 @@ private:
     }
 };
 
-// As messages show it.
+// As log lines show it.
 inline std::string address_of(const void* object)
 {
     char text[32];
@@ -56,8 +56,8 @@ protected:
         rkb::set_local_time_source([] { return test_now; });
     }
 
-    // The control lives as long as the process: leave it as it was found, without a word to the
-    // sinks of the test, which are gone.
+    // The control lives as long as the process. Resets it, without a line to the sinks of the test,
+    // which are destroyed.
     void TearDown() override
     {
         rkb::enable_logger(255);

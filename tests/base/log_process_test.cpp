@@ -90,7 +90,7 @@ void expect_all_lines(const std::string& directory)
     EXPECT_TRUE(found == expected) << found.size(); // without printing them
 }
 
-// Starts threads that log until the control is gone, and waits until they have begun.
+// Starts threads that log until the control ends, and waits until they have begun.
 void log_until_exit(int threads)
 {
     static std::atomic<bool> all_are_there = false;
@@ -114,21 +114,21 @@ protected:
     const test::TempDirectory m_directory;
 };
 
-struct Mortal final : rkb::log_it {
-    static inline bool is_gone = false;
-    ~Mortal() override { is_gone = true; }
+struct StaticSink final : rkb::log_it {
+    static inline bool is_destroyed = false;
+    ~StaticSink() override { is_destroyed = true; }
     uint32_t write(uint32_t, uint32_t, const char*, size_t) override
     {
-        if (is_gone)
+        if (is_destroyed)
             _exit(EXIT_FAILURE);
         return 0;
     }
 };
 
-TEST_F(LogProcess, TheLinesAtExitGoToNoSinkThatMayBeDestroyed)
+TEST_F(LogProcess, TheLinesOfTheExitGoToNoStaticSink)
 {
     EXPECT_TRUE(passesInChild([] {
-        static Mortal sink; // destroyed before the control is closed
+        static StaticSink sink; // destroyed before the control is closed
         rkb::register_logger_handle(&sink, 2);
         rkb::register_logger(1, "UTIL", 5, nullptr, 2);
         RKB_LOG(1, rkb::log_info, "binds the sink\n");

@@ -148,23 +148,23 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
 
 TEST_F(LogTest, ADirectoryThatWasRemovedIsCreatedAgain)
 {
-    const std::string gone = directory() + "parent/gone/";
-    logger_file sink(gone.c_str(), "n", "log", mebibyte, 9);
+    const std::string removed = directory() + "parent/gone/";
+    logger_file sink(removed.c_str(), "n", "log", mebibyte, 9);
     std::filesystem::remove_all(directory() + "parent");
     EXPECT_EQ(write(sink, "first\n"), 0u);
-    EXPECT_EQ(content(gone + "n_" + stamp(0) + ".log"), "first\n");
-    EXPECT_EQ(content(gone + id_file), "0");
+    EXPECT_EQ(content(removed + "n_" + stamp(0) + ".log"), "first\n");
+    EXPECT_EQ(content(removed + id_file), "0");
     // Removed while a file is open: that file still takes the line that fills it.
     std::filesystem::remove_all(directory() + "parent");
     EXPECT_EQ(write(sink, std::string(mebibyte + 1, 'x')), 0u);
     EXPECT_EQ(write(sink, "second\n"), 0u);
-    EXPECT_EQ(content(gone + "n_" + stamp(1) + ".log"), "second\n");
-    EXPECT_EQ(content(gone + id_file), "1");
+    EXPECT_EQ(content(removed + "n_" + stamp(1) + ".log"), "second\n");
+    EXPECT_EQ(content(removed + id_file), "1");
 }
 
 TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
 {
-    const auto write_in_vain = [](logger_file& sink) {
+    const auto failed_write = [](logger_file& sink) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(write(sink, "lost\n"), 999u);
         return testing::internal::GetCapturedStderr();
@@ -173,13 +173,13 @@ TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
     logger_file sink(blocked.c_str(), "n", "log", mebibyte, 9);
     std::filesystem::remove(blocked);
     std::ofstream(directory() + "blocked") << "a file in the directory's place";
-    EXPECT_EQ(write_in_vain(sink), "failed to open file [" + blocked + "n] errno = 20\n");
+    EXPECT_EQ(failed_write(sink), "failed to open file [" + blocked + "n] errno = 20\n");
     std::filesystem::remove(directory() + "blocked");
     EXPECT_EQ(write(sink, "kept\n"), 0u);
 
     const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
     logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
-    EXPECT_TRUE(write_in_vain(hopeless).ends_with("errno = 36\n"));
+    EXPECT_TRUE(failed_write(hopeless).ends_with("errno = 36\n"));
 }
 
 TEST_F(LogTest, ALogFileIsClosedInProgramsThatTheProcessStarts)
@@ -197,7 +197,7 @@ TEST_F(LogTest, ALogFileIsClosedInProgramsThatTheProcessStarts)
     EXPECT_EQ(found, 1);
 }
 
-TEST_F(LogTest, AnIdFileThatIsAPipeHoldsNothingUp)
+TEST_F(LogTest, AnIdFileThatIsAPipeDoesNotBlock)
 {
     ASSERT_EQ(mkfifo((directory() + id_file).c_str(), 0600), 0);
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);

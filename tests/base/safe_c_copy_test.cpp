@@ -20,7 +20,7 @@ struct function_t {
     const char* name;
     int (*copy)(char* dest, size_t destsz, const char* src, size_t count);
     int kind;
-    const char* no_space; // the messages behind its name
+    const char* no_space; // the messages after its name
     const char* overlap;  // null when the buffers may
 };
 
@@ -106,8 +106,8 @@ private:
     Recorder m_log;
 };
 
-// Five bytes, any of which may be NUL, between guards that no call may touch.
-TEST_F(BoundedCopy, DoesAsItsReferenceWithAllBuffersAmongFiveBytes)
+// Five bytes, any of which may be NUL, between guards that no call may change.
+TEST_F(BoundedCopy, EqualsItsReferenceForAllBuffersWithinFiveBytes)
 {
     constexpr size_t begin = 8;
     constexpr size_t end = begin + 5;
@@ -124,7 +124,7 @@ TEST_F(BoundedCopy, DoesAsItsReferenceWithAllBuffersAmongFiveBytes)
     }
 }
 
-TEST_F(BoundedCopy, LooksForNullFirstAndTakesSizesUpToItsLimit)
+TEST_F(BoundedCopy, ChecksForNullFirstAndTakesSizesUpToItsLimit)
 {
     for (const function_t& function : functions) {
         SCOPED_TRACE(function.name);

@@ -1,4 +1,4 @@
-// The bounded functions but for the copies.
+// The bounded functions except the copies.
 #include "base/src/safe_c/safe_c.h"
 #include "tests/base/log_fixture.h"
 
@@ -12,8 +12,8 @@ namespace {
 using namespace rkb;
 using namespace rkb::safe_c;
 
-// A stretch of memory as a text in which '.' stands for a NUL, '#' for what no call may touch and
-// '-' for bytes that a call might write. Comparing the whole picture shows every stray write.
+// Memory as a text in which '.' stands for a NUL, '#' for bytes that no call may change and '-' for
+// bytes that a call might write. Comparing all of it shows every wrong write.
 std::string memory(std::string picture)
 {
     for (char& c : picture)
@@ -32,7 +32,7 @@ int print(char* dst, size_t size, const char* format, ...)
     return result;
 }
 
-// Without the compiler's checks, which would not let a test be wrong on purpose.
+// Without the compiler's checks, which do not accept wrong formats.
 constexpr int (*sprintf_unchecked)(char*, size_t, const char*, ...) = sprintf_s;
 constexpr int (*sscanf_unchecked)(const char*, const char*, ...) = sscanf_s;
 
@@ -152,7 +152,7 @@ TEST_F(LogTest, BoundedFunctionsWriteOnlyWhatTheyShouldAndReportRejectionsOnceAt
     }
 }
 
-TEST(MemcmpS, TellsTheDifferenceOfTheFirstUnequalBytes)
+TEST(MemcmpS, ReturnsTheDifferenceOfTheFirstUnequalBytes)
 {
     int diff = 77;
     for (const size_t size : {1u, 255u, 256u, 257u, 600u, 1024u}) {
@@ -170,19 +170,19 @@ TEST(MemcmpS, TellsTheDifferenceOfTheFirstUnequalBytes)
     EXPECT_EQ(diff, 0);
 }
 
-TEST(StrtokS, CutsAsThePlatformDoesWithinItsSize)
+TEST(StrtokS, SplitsAsThePlatformDoesWithinItsSize)
 {
     using tokens_t = std::vector<std::string>;
     const std::tuple<const char*, size_t, tokens_t, const char*> rows[] = {
         {",;ab,c;;d.##", 9, {"ab", "c", "d"}, ",;ab.c.;d.##"},
-        {"ab,cd##", 4, {"ab"}, "ab.cd##"}, // the rest has no end within four
+        {"ab,cd##", 4, {"ab"}, "ab.cd##"}, // no end of a token within four bytes
         {",,,##", 3, {}, ",,,##"},
         {"ab.##", 0, {}, "ab.##"},
     };
     for (const auto& [before, strmax, tokens, after] : rows) {
         std::string bytes = memory(before);
         tokens_t found;
-        char* saved = bytes.data() + 1; // what it holds does not count when there is a string
+        char* saved = bytes.data() + 1; // is ignored when there is a string
         for (char* token = strtok_s(bytes.data(), strmax, ";,", &saved); token;
              token = strtok_s(nullptr, strmax, ";,", &saved))
             found.emplace_back(token);

@@ -18,7 +18,7 @@ protected:
         messages += std::to_string(level) + text + "|";
         length = size;
     }
-    std::string messages; // each behind its level
+    std::string messages; // each after its level
     size_t length = 0;
 };
 
@@ -33,7 +33,7 @@ TEST_F(Trace, PassesOnlyWithAnObserverTheEnableBitAndTheLevelBit)
     KX::Trace(KX::kTraceError, "switched off");
     KX::traceSettings.enableFlags = KX::traceSettings.levelMask = ~0u;
     KX::traceSettings.observer = nullptr;
-    KX::Trace(KX::kTraceError, "nobody there");
+    KX::Trace(KX::kTraceError, "no observer");
     EXPECT_EQ(messages, "242|1not masked|");
 }
 

@@ -38,7 +38,7 @@ TEST(ThreadDeathTest, MustBeJoinedBeforeItIsDestroyed)
 }
 #endif
 
-TEST(Thread, RunsWithTheNamePromisedAndAStackOfAtLeastAMebibyte)
+TEST(Thread, HasItsNameAndAStackOfAtLeastAMebibyte)
 {
     struct seen_t {
         pthread_attr_t attributes;
@@ -70,7 +70,7 @@ TEST(Thread, StartingAgainJoinsTheEarlierThread)
     EXPECT_EQ(runs, 20);
 }
 
-TEST(Condition, EndsOnASignalOrWithFalseWhenTheTimeIsOver)
+TEST(Condition, ReturnsOnASignalOrFalseAfterItsTime)
 {
     struct gate_t {
         rkb::thread_mutex_recursive mutex;
@@ -86,7 +86,7 @@ TEST(Condition, EndsOnASignalOrWithFalseWhenTheTimeIsOver)
     };
     rkb::thread_t thread;
     const std::lock_guard lock(gate.mutex);
-    while (gate.condition.wait(gate.mutex, 1)) { } // nobody signals: must end in false
+    while (gate.condition.wait(gate.mutex, 1)) { } // nothing signals: must return false
     ASSERT_EQ(thread.start(open, &gate), 1);
     while (!gate.open)
         ASSERT_TRUE(gate.condition.wait(gate.mutex, rkb::condition_t::no_limit));

@@ -16,7 +16,7 @@ protected:
     }
     void write(std::string_view text) { m_directory.file("media.ini", text); }
 
-    // What all getters say of the file as it is now.
+    // What all getters return for the file as it is now.
     static std::string answers(const media_config_t& c = media_config_t())
     {
         std::string text;
@@ -29,7 +29,7 @@ protected:
         return text;
     }
 
-    // The environment that is built of it, a bar behind each entry.
+    // The environment that is built from it, with a bar after each entry.
     static std::string environment()
     {
         std::string text;

@@ -22,7 +22,7 @@ constexpr std::array<const char*, 6> level_names{
 
 // The one control. None of these is destroyed, because lines may be logged before main and after
 // it. The mutex guards creation and destruction.
-enum class stage_t { none, creating, alive, gone }; // gone: after release() and at exit
+enum class stage_t { none, creating, alive, ended }; // ended: by release() or the exit
 constinit std::atomic<log_control_t*> the_control{nullptr};
 constinit std::atomic<stage_t> the_stage{stage_t::none};
 constinit log_control_t* left_at_exit = nullptr; // so that leak checkers find it
@@ -81,7 +81,7 @@ struct log_control_t::process_hooks_t : no_copy {
         {
             const std::lock_guard lock(the_mutex());
             left_at_exit = the_control.exchange(nullptr, std::memory_order_acq_rel);
-            the_stage.store(stage_t::gone, std::memory_order_release);
+            the_stage.store(stage_t::ended, std::memory_order_release);
         }
         close_gate(); // first, so that threads which log do not keep close_at_exit() from its lock
         if (left_at_exit)
@@ -133,7 +133,7 @@ log_control_t* log_control_t::instance()
 
 log_control_t* log_control_t::create()
 {
-    if (the_stage.load(std::memory_order_acquire) == stage_t::gone)
+    if (the_stage.load(std::memory_order_acquire) == stage_t::ended)
         return nullptr;
     install_process_hooks();
     const std::lock_guard lock(the_mutex());
@@ -156,7 +156,7 @@ void log_control_t::release()
     if (log_control_t* control = the_control.load(std::memory_order_acquire))
         control->log_own_line("log_control_t::release()\n");
     const std::lock_guard lock(the_mutex());
-    the_stage.store(stage_t::gone, std::memory_order_release);
+    the_stage.store(stage_t::ended, std::memory_order_release);
     delete the_control.exchange(nullptr, std::memory_order_acq_rel);
     close_gate();
 }
