@@ -80,6 +80,14 @@ function(kelprobe_library name)
   target_link_libraries(kelprobe_${name}
     PUBLIC ${ARG_LINK}
     PRIVATE ${ARG_PRIVATE} Kelprobe::warnings)
+  # Some packages have their headers where every compiler looks. Who does not link such a package
+  # finds these first, which are errors.
+  foreach(package HIDAPI LIBUSB)
+    if(NOT PkgConfig::${package} IN_LIST ARG_LINK AND NOT PkgConfig::${package} IN_LIST ARG_PRIVATE)
+      target_include_directories(kelprobe_${name} BEFORE PRIVATE
+        "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/forbidden/${package}")
+    endif()
+  endforeach()
 endfunction()
 
 # kelprobe_test(NAME SOURCES file... LINK target... [ENVIRONMENT var=value...]

@@ -1,0 +1,1 @@
+#error "this layer does not link hidapi"
