@@ -183,8 +183,8 @@ TEST_F(LogTest, DestroyingTheDefaultFileSinkEmptiesOnlyThePlacesThatHeldIt)
     control().set_sink(9, rkb::log_error, &set_later);
     const std::pair<uint32_t, uint32_t> sites[]
         = {{9, rkb::log_info}, {9, rkb::log_error}, {10, rkb::log_info}, {0, rkb::log_info}};
-    for (const auto& [module_id, level] : sites)
-        RKB_LOG(module_id, level, module_id << "." << level << ";\n");
+    for (const auto& site : sites)
+        RKB_LOG(site.first, site.second, site.first << "." << site.second << ";\n");
     EXPECT_EQ(registered.messages(), "9.3;\n10.3;\n");
     EXPECT_EQ(set_later.messages(), "9.1;\n");
     const std::string file = default_log();
