@@ -1,44 +1,80 @@
 #include "sim/device/profiles.h"
 
-#include "profile_descriptors.h" // made from profiles/*.hex by CMake
+#include "report/descriptor_file.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <stdexcept>
+#include <utility>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 namespace sim {
 namespace {
 
-std::vector<Profile> makeProfiles()
+Bytes readDescriptor(const fs::path& file)
 {
-    std::vector<Profile> list = {
-        {"speakerphone", "speakerphone, all controls in report 3",
-            {0x0b0e, 0x0410, u"Kelprobe", u"Simulated speakerphone", u"S0001",
-                descriptors::speakerphone()}},
-        {"no-report-ids", "speakerphone whose reports have no ids",
-            {0x0b0e, 0x2456, u"Kelprobe", u"Simulated without report ids", u"S0002",
-                descriptors::no_report_ids()}},
-        {"lamp-per-report", "headset with each lamp in a report of its own",
-            {0x047f, 0xc056, u"Kelprobe", u"Simulated lamp per report", u"S0003",
-                descriptors::lamp_per_report()}},
-        {"no-out-endpoint", "speakerphone that gets its reports by control transfers",
-            {0x413c, 0x8223, u"Kelprobe", u"Simulated without OUT endpoint", u"",
-                descriptors::no_out_endpoint()}},
-        {"webcam", "webcam with a mute lamp and no other",
-            {0x046d, 0x0944, u"Kelprobe", u"Simulated webcam", u"S0005", descriptors::webcam()}},
-        {"no-telephony", "headset with volume keys and no telephony controls",
-            {0x046d, 0x0ac4, u"", u"Simulated headset", u"", descriptors::no_telephony()}},
-    };
-    const auto without = std::find_if(list.begin(), list.end(),
-        [](const Profile& profile) { return profile.name == "no-out-endpoint"; });
-    without->info.hasOutEndpoint = false;
+    auto result = report::readDescriptorFile(file);
+    if (const auto* error = std::get_if<report::DescriptorError>(&result))
+        throw std::runtime_error(error->text);
+    return std::get<report::DescriptorBytes>(std::move(result));
+}
+
+struct Row {
+    std::string_view name;
+    std::string_view description;
+    const char* file; // of a real device: named after its ids
+    uint16_t vendorId;
+    uint16_t productId;
+    const char16_t* manufacturer;
+    const char16_t* product;
+    const char16_t* serialNumber;
+    bool hasOutEndpoint = true;
+};
+
+constexpr Row kRows[] = {
+    {"speakerphone", "speakerphone, all controls in report 3", "speakerphone.hex", 0x0b0e, 0x0410,
+        u"Kelprobe", u"Simulated speakerphone", u"S0001"},
+    {"no-report-ids", "speakerphone whose reports have no ids", "no-report-ids.hex", 0x0b0e, 0x2456,
+        u"Kelprobe", u"Simulated without report ids", u"S0002"},
+    {"lamp-per-report", "headset with each LED in a report of its own", "047f-c056.hex", 0x047f,
+        0xc056, u"Kelprobe", u"Simulated lamp per report", u"S0003"},
+    {"no-out-endpoint", "speakerphone that gets its reports by control transfers", "413c-8223.hex",
+        0x413c, 0x8223, u"Kelprobe", u"Simulated without OUT endpoint", u"", false},
+    {"webcam", "webcam with a mute LED and no other", "webcam.hex", 0x046d, 0x0944, u"Kelprobe",
+        u"Simulated webcam", u"S0005"},
+    {"no-telephony", "headset with volume keys and no telephony controls", "no-telephony.hex",
+        0x046d, 0x0ac4, u"", u"Simulated headset", u""},
+};
+
+std::vector<Profile> readProfiles()
+{
+    const fs::path directory = profileDirectory();
+    std::vector<Profile> list;
+    for (const Row& row : kRows) {
+        UsbDeviceInfo info{row.vendorId, row.productId, row.manufacturer, row.product,
+            row.serialNumber, readDescriptor(directory / row.file)};
+        info.hasOutEndpoint = row.hasOutEndpoint;
+        list.push_back({row.name, row.description, std::move(info)});
+    }
     return list;
 }
 
 } // namespace
 
+fs::path profileDirectory()
+{
+    if (const char* const named = std::getenv("KELPROBE_PROFILES"); named && *named)
+        return named;
+    fs::path installed
+        = fs::read_symlink("/proc/self/exe").parent_path() / KELPROBE_INSTALLED_PROFILES;
+    return fs::is_directory(installed) ? installed : fs::path(KELPROBE_SOURCE_PROFILES);
+}
+
 std::span<const Profile> profiles()
 {
-    static const std::vector<Profile> list = makeProfiles();
+    static const std::vector<Profile> list = readProfiles();
     return list;
 }
 

@@ -3,6 +3,7 @@
 
 #include "sim/device/usb_device_info.h"
 
+#include <filesystem>
 #include <span>
 #include <string_view>
 
@@ -14,10 +15,16 @@ struct Profile {
     UsbDeviceInfo info;
 };
 
-// The first is the one to take unless told otherwise.
+// Where the profiles' report descriptors are: the directory that the environment variable
+// KELPROBE_PROFILES names, else the installed one ("../share/kelprobe/profiles" from the directory
+// of the running program) if there is one, else the one in the source tree.
+std::filesystem::path profileDirectory();
+
+// All profiles; the first is the default. The first call reads the descriptors and throws
+// std::runtime_error if one cannot be read; what() names the file and the fault.
 std::span<const Profile> profiles();
 
-// Null for a name there is not.
+// Null if there is no profile of that name. Throws as profiles() does.
 [[nodiscard]] const Profile* findProfile(std::string_view name);
 
 } // namespace sim

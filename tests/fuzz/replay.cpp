@@ -1,11 +1,11 @@
 // Runs a fuzz target over seeds: replay-NAME DIRECTORY...
 // Or writes them to a directory as libFuzzer reads them: replay-NAME --write TO DIRECTORY...
 //
-// A file *.hex is read as hexadecimal digits without the lines that begin with #, any other file as
-// it is.
+// A file *.hex is read as a descriptor file, any other as it is; *.md is left out.
 #include "tests/support/device_file.h"
 
 #include <cstdio>
+#include <fstream>
 #include <iterator>
 #include <map>
 
@@ -29,7 +29,8 @@ Seeds seedsOf(char** directories, char** end)
     Seeds seeds;
     for (; directories != end; ++directories)
         for (const auto& entry : std::filesystem::directory_iterator(*directories))
-            seeds[entry.path().filename()] = contents(entry.path());
+            if (entry.path().extension() != ".md")
+                seeds[entry.path().filename()] = contents(entry.path());
     return seeds;
 }
 

@@ -1,55 +1,63 @@
-// Report descriptors of real devices, from tests/data/devices.
+// Report descriptors for tests: of devices on the market, and given as text.
 #pragma once
 
-#include <cctype>
-#include <cstdint>
+#include "report/descriptor_file.h"
+
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
 
+// Throws std::runtime_error if it is an error.
+inline report::DescriptorBytes bytesOf(report::DescriptorResult result)
+{
+    if (const auto* error = std::get_if<report::DescriptorError>(&result))
+        throw std::runtime_error(error->text);
+    return std::get<report::DescriptorBytes>(std::move(result));
+}
+
+// As in a descriptor file, but empty for an empty text.
 inline std::vector<uint8_t> bytesFromHex(const std::string& text)
 {
-    std::string digits;
-    for (const char c : text)
-        if (std::isxdigit(static_cast<unsigned char>(c)))
-            digits += c;
-    std::vector<uint8_t> bytes;
-    for (size_t i = 0; i + 1 < digits.size(); i += 2)
-        bytes.push_back(static_cast<uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
-    return bytes;
+    return text.empty() ? report::DescriptorBytes{} : bytesOf(report::parseDescriptor(text, text));
 }
 
-// The bytes of a file of hexadecimal digits. Lines that begin with # are its header.
-inline std::vector<uint8_t> bytesFromHexFile(const std::filesystem::path& path)
+inline std::vector<uint8_t> bytesFromHexFile(const std::filesystem::path& file)
 {
-    std::ifstream file(path);
-    if (!file)
-        throw std::runtime_error("cannot read " + path.string());
-    std::string digits;
-    for (std::string line; std::getline(file, line);)
-        if (!line.starts_with('#'))
-            digits += line;
-    return bytesFromHex(digits);
+    return bytesOf(report::readDescriptorFile(file));
 }
 
-// `name`: the file's name without its ending.
-inline std::vector<uint8_t> deviceDescriptor(const std::string& name)
+// Every file of a device on the market, with its name "VVVV-PPPP.hex". Those that the simulator
+// has as profiles are among its profiles, the others among the tests' data.
+inline std::vector<std::filesystem::path> deviceFiles()
 {
-    return bytesFromHexFile(std::string(KELPROBE_TEST_DATA) + "/devices/" + name + ".hex");
+    std::vector<std::filesystem::path> files;
+    for (const char* const directory : {KELPROBE_TEST_DEVICES, KELPROBE_TEST_PROFILES})
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (entry.path().extension() == ".hex" && entry.path().stem().native().find('-') == 4)
+                files.push_back(entry.path());
+    return files;
 }
 
+// "VVVV-PPPP" of each.
 inline std::vector<std::string> deviceNames()
 {
     std::vector<std::string> names;
-    for (const auto& entry :
-        std::filesystem::directory_iterator(std::string(KELPROBE_TEST_DATA) + "/devices"))
-        if (entry.path().extension() == ".hex")
-            names.push_back(entry.path().stem());
+    for (const auto& file : deviceFiles())
+        names.push_back(file.stem());
     return names;
+}
+
+// `name` is one of deviceNames().
+inline std::vector<uint8_t> deviceDescriptor(const std::string& name)
+{
+    for (const auto& file : deviceFiles())
+        if (file.stem() == name)
+            return bytesFromHexFile(file);
+    throw std::runtime_error("there is no file " + name + ".hex");
 }
 
 } // namespace test

@@ -1,0 +1,39 @@
+#include "sim/device/profiles.h"
+#include "tests/support/temp_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <set>
+
+namespace {
+
+// What devices and drivers are told apart by.
+TEST(Profiles, DifferInTheirIds)
+{
+    std::set<std::pair<uint16_t, uint16_t>> ids;
+    for (const sim::Profile& profile : sim::profiles())
+        EXPECT_TRUE(ids.emplace(profile.info.vendorId, profile.info.productId).second)
+            << profile.name;
+}
+
+TEST(Profiles, AFileThatIsMissingOrBrokenIsAnError)
+{
+    const test::TempDirectory directory;
+    setenv("KELPROBE_PROFILES", directory.path().c_str(), 1);
+    const auto error = [] {
+        try {
+            return std::string(sim::profiles().front().name);
+        } catch (const std::runtime_error& caught) {
+            return std::string(caught.what());
+        }
+    };
+    const std::string file = directory.path() + "speakerphone.hex";
+    EXPECT_EQ(error(), file + ": No such file or directory");
+    directory.file("speakerphone.hex", "# nothing\n");
+    EXPECT_EQ(error(), file + ":2:1: expected a descriptor, found no bytes");
+    unsetenv("KELPROBE_PROFILES");
+    EXPECT_EQ(error(), "speakerphone");
+}
+
+} // namespace
