@@ -1,4 +1,5 @@
 #include "sim/device/profiles.h"
+#include "tests/support/device_file.h"
 #include "tests/support/temp_directory.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,16 @@ TEST(Profiles, DifferInTheirIds)
     for (const sim::Profile& profile : sim::profiles())
         EXPECT_TRUE(ids.emplace(profile.info.vendorId, profile.info.productId).second)
             << profile.name;
+}
+
+TEST(Profiles, EveryDescriptorFileHasAnOriginAndALicence)
+{
+    for (const char* const directory : {KELPROBE_TEST_DEVICES "/", KELPROBE_TEST_PROFILES "/"}) {
+        const std::string origins = test::content(std::string(directory) + "ORIGINS.md");
+        for (const auto& [file, text] : test::filesIn(directory))
+            EXPECT_TRUE(file == "ORIGINS.md" || origins.find("| `" + file + "` |") != origins.npos)
+                << directory << file;
+    }
 }
 
 TEST(Profiles, AFileThatIsMissingOrBrokenIsAnError)
