@@ -20,6 +20,9 @@ public:
     UsbBus(const UsbBus&) = delete;
     UsbBus& operator=(const UsbBus&) = delete;
 
+    // Where the emulated /sys and /dev are.
+    const std::string& directory() const { return root_; }
+
     // The next place for a device, counted from 1.
     int takePort() { return ++lastPort_; }
 
@@ -39,7 +42,7 @@ private:
     void makeNode(const std::string& node, const Usbfs& usbfs) const;
 
     UMockdevTestbed* testbed_;
-    std::string root_; // where the emulated /sys and /dev are
+    std::string root_;
     int lastPort_ = 0;
     int lastAddress_ = 1; // the root hub's, which is not emulated
 };

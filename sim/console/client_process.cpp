@@ -1,122 +1,100 @@
 #include "sim/console/client_process.h"
 
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
+#include "sim/console/event_source.h"
 
-#include <cerrno>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
-#include <system_error>
+#include <memory>
+#include <utility>
 
 namespace sim {
 namespace {
 
-constexpr int kPatienceMs = 2000;
+constexpr guint kTerminationLimitMs = 2000;
 
-class FileActions {
-public:
-    FileActions()
-    {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions_, STDERR_FILENO, STDOUT_FILENO);
-    }
-    FileActions(const FileActions&) = delete;
-    FileActions& operator=(const FileActions&) = delete;
-    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
-
-    const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_;
+struct StringsFree {
+    void operator()(gchar** strings) const { g_strfreev(strings); }
 };
+using Environment = std::unique_ptr<gchar*, StringsFree>;
 
-// A group of its own, and signals as if we had not touched them.
-class Attributes {
-public:
-    Attributes()
-    {
-        sigset_t none;
-        sigset_t all;
-        sigemptyset(&none);
-        sigfillset(&all);
-        posix_spawnattr_init(&attributes_);
-        posix_spawnattr_setsigmask(&attributes_, &none);
-        posix_spawnattr_setsigdefault(&attributes_, &all);
-        posix_spawnattr_setpgroup(&attributes_, 0);
-        posix_spawnattr_setflags(
-            &attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
-    }
-    Attributes(const Attributes&) = delete;
-    Attributes& operator=(const Attributes&) = delete;
-    ~Attributes() { posix_spawnattr_destroy(&attributes_); }
+Environment environmentWith(const std::string& libraries)
+{
+    gchar** const variables = g_get_environ();
+    const gchar* const inherited = g_environ_getenv(variables, "LD_PRELOAD");
+    const std::string all
+        = inherited && *inherited ? std::string(inherited) + ':' + libraries : libraries;
+    return Environment(g_environ_setenv(variables, "LD_PRELOAD", all.c_str(), TRUE));
+}
 
-    const posix_spawnattr_t* get() const { return &attributes_; }
-
-private:
-    posix_spawnattr_t attributes_;
-};
+// In the child, between fork() and exec(): may only call what is async-signal-safe.
+void prepareChild(gpointer)
+{
+    setpgid(0, 0);
+    for (int signal = 1; signal < NSIG; ++signal)
+        std::signal(signal, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
 
 } // namespace
 
-std::string preloadList()
+ClientProcess::ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd)
+    : onEnd_(std::move(onEnd))
 {
-    constexpr const char* kUmockdev = "libumockdev-preload.so.0";
-    const auto own
-        = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "kelprobe-sim-preload.so";
-    if (!exists(own))
-        throw std::runtime_error("missing library: " + own.native());
-    void* const library = dlopen(kUmockdev, RTLD_LAZY | RTLD_LOCAL);
-    if (!library)
-        throw std::runtime_error(
-            std::string("missing library: ") + kUmockdev + " (Debian package umockdev)");
-    dlclose(library);
-    const char* const others = getenv("LD_PRELOAD");
-    return (others && *others ? std::string(others) + ":" : "") + own.native() + ":" + kUmockdev;
+    // GLib gives the child /dev/null for standard input unless told otherwise.
+    constexpr auto flags = static_cast<GSpawnFlags>(
+        G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
+    GError* error = nullptr;
+    if (!g_spawn_async(nullptr, const_cast<gchar**>(command), environmentWith(libraries).get(),
+            flags, prepareChild, nullptr, &pid_, &error)) {
+        using Reason = ClientStartError::Reason;
+        const bool notFound = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT);
+        const std::string what = error->message;
+        g_error_free(error);
+        throw ClientStartError(notFound ? Reason::kNotFound : Reason::kCannotRun, what);
+    }
+    g_child_watch_add(
+        pid_,
+        [](GPid, int waitStatus, gpointer self) {
+            static_cast<ClientProcess*>(self)->handleEnd(waitStatus);
+        },
+        this);
 }
 
-ClientProcess::ClientProcess(char* const* command)
-{
-    setenv("LD_PRELOAD", preloadList().c_str(), 1);
-    const int error = posix_spawnp(
-        &pid_, command[0], FileActions().get(), Attributes().get(), command, environ);
-    unsetenv("LD_PRELOAD");
-    if (error)
-        throw std::system_error(error, std::generic_category(), command[0]);
-    // glibc 2.36 has a wrapper, but C++ cannot link it.
-    pidFd_ = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
-}
-
+// The signal also goes to a group whose first process has ended: others may be left in it.
 ClientProcess::~ClientProcess()
 {
-    if (pid_ < 0)
-        return;
     kill(-pid_, SIGTERM);
-    if (waited_)
+    if (waitForEnd(kTerminationLimitMs))
         return;
-    if (!endsWithin(kPatienceMs))
-        kill(-pid_, SIGKILL);
-    wait();
+    kill(-pid_, SIGKILL);
+    while (!ended_)
+        g_main_context_iteration(nullptr, TRUE);
 }
 
-bool ClientProcess::endsWithin(int milliseconds) const
+void ClientProcess::handleEnd(int waitStatus)
 {
-    pollfd end = {pidFd_.get(), POLLIN, 0};
-    return poll(&end, 1, milliseconds) > 0;
+    ended_ = true;
+    onEnd_(WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : 128 + WTERMSIG(waitStatus));
 }
 
-int ClientProcess::wait()
+bool ClientProcess::waitForEnd(guint milliseconds)
 {
-    int status = 0;
-    while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) { }
-    waited_ = true;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    bool timedOut = false;
+    const EventSource timer(g_timeout_add(
+        milliseconds,
+        [](gpointer flag) -> gboolean {
+            *static_cast<bool*>(flag) = true;
+            return G_SOURCE_REMOVE;
+        },
+        &timedOut));
+    while (!ended_ && !timedOut)
+        g_main_context_iteration(nullptr, TRUE);
+    return ended_;
 }
 
 } // namespace sim

@@ -1,43 +1,60 @@
 // The program that is run with the simulated devices.
 #pragma once
 
-#include "sim/bus/file_descriptor.h"
+#include <glib.h>
 
-#include <sys/types.h>
-
+#include <functional>
+#include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace sim {
 
-// It finds the bus of this process instead of the machine's. It and what it
-// starts are a process group of their own. Its standard input is empty; its
-// output goes to our standard error.
+// The program could not be started. what() names it and the reason.
+class ClientStartError : public std::runtime_error {
+public:
+    enum class Reason { kNotFound, kCannotRun };
+
+    ClientStartError(Reason why, const std::string& what)
+        : std::runtime_error(what)
+        , reason(why)
+    {
+    }
+
+    const Reason reason;
+};
+
+// A child process in a process group of its own, with the default action for every signal and none
+// blocked. Its standard input is empty; its output goes to our standard error. It has our
+// environment, with more libraries in LD_PRELOAD; our own environment is not changed.
+//
+// Uses GLib's default main context, which has to run in the thread that calls these. SIGCHLD must
+// not be ignored.
 class ClientProcess {
 public:
-    // `command` is as for execvp. Throws std::system_error with what() fit to be
-    // shown; the code is that of the failed start.
-    explicit ClientProcess(char* const* command);
-    // Ends it if it still runs: politely, then by force after two seconds.
+    // Called once from the main context after the process has ended: with its exit status or, as
+    // in a shell, 128 + the signal that ended it.
+    using EndCallback = std::function<void(int status)>;
+
+    // Starts `command`, which is as for execvp(). `libraries` are added to the inherited LD_PRELOAD
+    // after a colon. Throws ClientStartError.
+    ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd);
+
+    // Ends the process group by SIGTERM and, if the process has not ended after two seconds, by
+    // SIGKILL. Runs the main context until the process has ended, so onEnd has been called when
+    // this returns.
     ~ClientProcess();
+
     ClientProcess(const ClientProcess&) = delete;
     ClientProcess& operator=(const ClientProcess&) = delete;
 
-    // Becomes readable when it ends.
-    int pidFd() const { return pidFd_.get(); }
-
-    // Waits for its end. As a shell has it: the exit status, or 128 + signal.
-    int wait();
-
 private:
-    bool endsWithin(int milliseconds) const;
+    void handleEnd(int waitStatus);
+    bool waitForEnd(guint milliseconds);
 
-    pid_t pid_ = -1;
-    FileDescriptor pidFd_;
-    bool waited_ = false;
+    const EndCallback onEnd_;
+    GPid pid_ = -1;
+    bool ended_ = false;
 };
-
-// The value for the client's LD_PRELOAD. Throws std::runtime_error if one of
-// the libraries cannot be found.
-std::string preloadList();
 
 } // namespace sim

@@ -1,5 +1,7 @@
 #include "sim/console/console.h"
 
+#include "sim/console/line_reader.h"
+
 #include <charconv>
 #include <cstdio>
 #include <iterator>
@@ -133,12 +135,16 @@ std::string_view commandHelp()
 )";
 }
 
-void Console::obey(std::string_view line)
+void Console::execute(std::string_view line)
 {
+    auto station = stations_.begin();
+    if (line.size() > LineReader::kMaxLine) {
+        station->say("not understood: line too long");
+        return;
+    }
     std::string_view words = trim(line);
     if (words.empty())
         return;
-    auto station = stations_.begin();
     if (const size_t colon = words.find(':'); colon != words.npos) {
         const std::optional<int> wanted = number(trim(words.substr(0, colon)));
         if (!wanted || *wanted < 1 || static_cast<size_t>(*wanted) > stations_.size()) {

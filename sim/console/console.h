@@ -20,7 +20,7 @@ public:
 
     // "2: mute" is for the second device, "mute" for the first. A line that
     // makes no sense is answered with one line; an empty one with none.
-    void obey(std::string_view line);
+    void execute(std::string_view line);
 
 private:
     std::list<Station>& stations_;

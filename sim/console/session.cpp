@@ -2,21 +2,24 @@
 
 #include "sim/console/client_process.h"
 #include "sim/console/console.h"
+#include "sim/console/event_source.h"
+#include "sim/console/line_reader.h"
+#include "sim/console/preload_libraries.h"
 
-#include <poll.h>
+#include <glib-unix.h>
 #include <sys/signalfd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <system_error>
 
 namespace sim {
 namespace {
 
-constexpr size_t kMaxLine = 256 * size_t{1024}; // "raw" with the longest report there can be
+constexpr auto kReadable = static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR);
 
-// To be made before any thread, so that no thread takes the signals.
+// Returns a signalfd for the signals that end a session. g_unix_signal_add() does not take SIGQUIT.
 FileDescriptor blockEndingSignals()
 {
     sigset_t signals;
@@ -24,67 +27,74 @@ FileDescriptor blockEndingSignals()
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end us before the program
-    return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+    return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-class LineReader {
+class Session {
 public:
-    // Hands each complete line to `obey`, and what follows the last. False at the end of input.
-    template <class Obey>
-    bool read(Obey obey)
+    Session(Console& console, const FileDescriptor& signals)
+        : input_([&console](std::string_view line) { console.execute(line); })
+        , signals_(signals)
     {
-        std::array<char, 4096> buffer;
-        const ssize_t size = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (size <= 0) {
-            if (!text_.empty())
-                obey(std::string_view(text_));
-            return false;
-        }
-        text_.append(buffer.data(), static_cast<size_t>(size));
-        size_t begin = 0;
-        for (size_t end; (end = text_.find('\n', begin)) != text_.npos; begin = end + 1)
-            obey(std::string_view(text_).substr(begin, end - begin));
-        text_.erase(0, begin);
-        if (text_.size() > kMaxLine)
-            text_.clear();
-        return true;
+    }
+
+    // The program ends before this returns: it could not live without the devices.
+    int run(char* const* command, const std::string& libraries)
+    {
+        const ClientProcess client(command, libraries, [this](int status) { end(status); });
+        const EventSource input(g_unix_fd_add(STDIN_FILENO, kReadable, onInput, this));
+        const EventSource signal(g_unix_fd_add(signals_.get(), kReadable, onSignal, this));
+        while (!status_)
+            g_main_context_iteration(nullptr, TRUE);
+        return *status_;
     }
 
 private:
-    std::string text_;
-};
-
-int serve(Console& console, ClientProcess& client, const FileDescriptor& signals)
-{
-    LineReader input;
-    enum { kClient, kSignal, kInput };
-    std::array<pollfd, 3> files = {{
-        {client.pidFd(), POLLIN, 0},
-        {signals.get(), POLLIN, 0},
-        {STDIN_FILENO, POLLIN, 0},
-    }};
-    for (;;) {
-        if (poll(files.data(), files.size(), -1) < 0)
-            continue;
-        if (files[kClient].revents)
-            return client.wait();
-        if (files[kSignal].revents) {
-            signalfd_siginfo info = {};
-            if (read(signals.get(), &info, sizeof info) == sizeof info)
-                return 128 + static_cast<int>(info.ssi_signo);
-        }
-        const auto obey = [&](std::string_view line) { console.obey(line); };
-        if (files[kInput].revents && !input.read(obey))
-            files[kInput].fd = -1; // the program goes on
+    static gboolean onInput(int file, GIOCondition, gpointer self)
+    {
+        return static_cast<Session*>(self)->readInput(file) ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
     }
-}
+
+    static gboolean onSignal(int file, GIOCondition, gpointer self)
+    {
+        signalfd_siginfo info = {};
+        if (read(file, &info, sizeof info) == sizeof info)
+            static_cast<Session*>(self)->end(128 + static_cast<int>(info.ssi_signo));
+        return G_SOURCE_CONTINUE;
+    }
+
+    // False at the end of input, which does not end the program.
+    bool readInput(int file)
+    {
+        std::array<char, 4096> buffer;
+        const ssize_t size = read(file, buffer.data(), buffer.size());
+        if (size > 0)
+            input_.add({buffer.data(), static_cast<size_t>(size)});
+        else if (size == 0 || (errno != EAGAIN && errno != EINTR)) {
+            input_.finish();
+            return false;
+        }
+        return true;
+    }
+
+    void end(int status)
+    {
+        if (!status_) // the program also ends, by our SIGTERM, after a signal to us
+            status_ = status;
+    }
+
+    LineReader input_;
+    const FileDescriptor& signals_;
+    std::optional<int> status_;
+};
 
 } // namespace
 
 int runSession(std::span<const Profile* const> profiles, char* const* command)
 {
     const FileDescriptor signals = blockEndingSignals();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end us before the program
+    std::signal(SIGCHLD, SIG_DFL); // the parent may have left it ignored
     UsbBus bus;
     Transcript transcript(profiles.size());
     std::list<Station> stations;
@@ -93,11 +103,10 @@ int runSession(std::span<const Profile* const> profiles, char* const* command)
         stations.emplace_front(bus, profiles[number - 1]->info, number, transcript);
     Console console(stations);
     try {
-        ClientProcess client(command); // ends before the devices do: it could not live without
-        return serve(console, client, signals);
-    } catch (const std::system_error& error) {
+        return Session(console, signals).run(command, preloadLibraries(bus.directory()));
+    } catch (const ClientStartError& error) {
         fprintf(stderr, "kelprobe-sim: %s\n", error.what());
-        return error.code() == std::errc::no_such_file_or_directory ? 127 : 126;
+        return error.reason == ClientStartError::Reason::kNotFound ? 127 : 126;
     }
 }
 

@@ -1,14 +1,12 @@
 // kelprobe-sim as a process, its input and output.
-#include <gtest/gtest.h>
+#include "tests/support/temp_directory.h"
 
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 
 namespace fs = std::filesystem;
 
@@ -30,11 +28,12 @@ protected:
         fs::remove_all(directory_);
     }
 
-    // Starts it with arguments as for a shell; the one before must have ended.
-    void start(const std::string& arguments)
+    // Starts it with arguments as for a shell. The one before must have ended.
+    void start(const std::string& arguments, const std::string& program = KELPROBE_SIM)
     {
-        const std::string command = "exec <" + fifo() + "; echo $$; exec " KELPROBE_SIM " ";
-        output_ = popen((command + arguments).c_str(), "r");
+        const std::string command
+            = "exec <" + fifo() + "; echo $$; exec " + program + ' ' + arguments;
+        output_ = popen(command.c_str(), "r");
         input_ = fopen(fifo().c_str(), "w");
         pid_ = std::stoi(line());
     }
@@ -102,7 +101,8 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
 {
     start("run speakerphone webcam -- sleep 60");
     for (const auto& [words, answer] : {
-             std::pair{"raw 01 02", "1: raw report          01 02  (no program listens)"},
+             std::pair{
+                 std::string("raw 01 02"), "1: raw report          01 02  (no program listens)"},
              {" 1 : hook off ", "1: hook switch pressed 03 01 00  (no program listens)"},
              {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
              {"", "2: mute released       08 00  (no program listens)"}, // of the one before
@@ -111,6 +111,7 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
              {"0: mute", "1: no such device"},
              {"x: mute", "1: no such device"},
              {"raw 0", "1: not understood: raw 0 (try help)"},
+             {std::string(300'000, 'x'), "1: not understood: line too long"},
              {"dance", "1: not understood: dance (try help)"},
              {"hook up", "1: not understood: hook up (try help)"},
              {"fault claim x", "1: not understood: fault claim x (try help)"},
@@ -174,6 +175,38 @@ TEST_F(KelprobeSim, EndsAsTheProgramDoes)
         start(arguments);
         EXPECT_EQ(exitStatus(), status) << arguments;
     }
+}
+
+TEST_F(KelprobeSim, EndsTheProgramWhenASignalEndsIt)
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        startClient("open w 030000 gone");
+        EXPECT_EQ(line(), "no change           03 00 00");
+        kill(pid_, signal);
+        EXPECT_EQ(exitStatus(), 128 + signal);
+    }
+}
+
+TEST_F(KelprobeSim, FindsItsLibraryUnderAPathThatLdPreloadCannotHold)
+{
+    const test::TempDirectory directory;
+    const fs::path copy = directory.path() + "a b:c";
+    fs::create_directory(copy);
+    for (const fs::path file : {KELPROBE_SIM, KELPROBE_SIM_PRELOAD})
+        fs::copy(file, copy / file.filename());
+    const std::string program = "'" + (copy / "kelprobe-sim").string() + "'";
+    const std::string arguments = "run -- grep -q kelprobe-sim-preload /proc/self/maps";
+    start(arguments, program);
+    EXPECT_EQ(exitStatus(), 0);
+    setenv("TMPDIR", copy.c_str(), 1);
+    start(arguments, program);
+    EXPECT_EQ(exitStatus(), 1) << "a link below TMPDIR would be no better";
+}
+
+TEST_F(KelprobeSim, KnowsTheStatusOfTheProgramWhereSigchldIsIgnored)
+{
+    start("run -- sh -c 'exit 37'", "env --ignore-signal=CHLD " KELPROBE_SIM);
+    EXPECT_EQ(exitStatus(), 37);
 }
 
 } // namespace

@@ -1,0 +1,33 @@
+// Cuts what is read from a stream into lines.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace sim {
+
+class LineReader {
+public:
+    // The longest line that can make sense: "raw" with the longest report.
+    static constexpr size_t kMaxLine = 256 * size_t{1024};
+
+    // Called with each line, without its end. Of a line longer than kMaxLine it gets the first
+    // kMaxLine + 1 characters.
+    using Callback = std::function<void(std::string_view line)>;
+
+    explicit LineReader(Callback onLine)
+        : onLine_(std::move(onLine))
+    {
+    }
+
+    void add(std::string_view text);
+    // The stream has ended: what follows the last line end is a line too, unless it is empty.
+    void finish();
+
+private:
+    const Callback onLine_;
+    std::string line_; // begun, not yet ended
+};
+
+} // namespace sim
