@@ -46,7 +46,7 @@ void PtyNode::setReady(bool ready)
 // for root as well.
 void PtyNode::setOpenable(bool openable)
 {
-    require(chmod(path_.c_str(), openable ? 0666 : 0) == 0, path_.c_str());
+    require(fchmod(slave_.get(), openable ? 0600 : 0) == 0, path_.c_str());
 }
 
 void PtyNode::hangUp()

@@ -18,7 +18,7 @@ public:
     const std::string& path() const { return path_; }
 
     void setReady(bool ready);
-    void setOpenable(bool openable); // false: opening gives EACCES; true at first
+    void setOpenable(bool openable); // by this user; if not, opening gives EACCES. At first, yes.
     void hangUp();
 
 private:

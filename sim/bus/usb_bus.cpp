@@ -4,6 +4,7 @@
 #include "sim/bus/usbfs_server.h"
 #include "sim/device/usb_descriptors.h"
 
+#include <sys/statvfs.h>
 #include <umockdev.h>
 #include <unistd.h>
 
@@ -18,11 +19,8 @@ namespace sim {
 namespace {
 
 constexpr size_t kMaxRootLength = 60; // paths of sockets below it have at most 107 characters
-
-void letEveryoneUse(const std::string& path)
-{
-    fs::permissions(path, fs::perms::all);
-}
+constexpr size_t kMinFreeBytes = 512 * size_t{1024}; // a device takes some 10 files of a block
+constexpr size_t kMinFreeFiles = 100;
 
 std::string nodeFor(int address)
 {
@@ -61,12 +59,23 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
 }
 
 // umockdev_testbed_new() aborts where it cannot make its directory.
+// umockdev ends the process when it cannot write, so check first.
+void requireRoom(const std::string& directory)
+{
+    struct statvfs room = {};
+    if (!fs::is_directory(directory) || access(directory.c_str(), W_OK | X_OK) != 0
+        || statvfs(directory.c_str(), &room) != 0)
+        throw std::runtime_error("cannot write in TMPDIR: " + directory);
+    const bool limitsFiles = room.f_files > 0;
+    if (room.f_bavail * room.f_frsize < kMinFreeBytes
+        || (limitsFiles && room.f_favail < kMinFreeFiles))
+        throw std::runtime_error("no room in TMPDIR: " + directory);
+}
+
 UMockdevTestbed* makeTestbed()
 {
-    const char* const directory = g_get_tmp_dir();
-    if (access(directory, W_OK | X_OK) != 0)
-        throw std::runtime_error(std::string("cannot write in TMPDIR: ") + directory);
-    return umockdev_testbed_new();
+    requireRoom(g_get_tmp_dir());
+    return umockdev_testbed_new(); // its directory is for its owner alone
 }
 
 } // namespace
@@ -81,8 +90,6 @@ UsbBus::UsbBus()
         g_object_unref(testbed_);
         throw std::runtime_error("the path of TMPDIR is too long for sockets below it: " + root_);
     }
-    letEveryoneUse(root_); // clients put the sockets for their uevents there
-    letEveryoneUse(root_ + "/ioctl/_default");
 }
 
 UsbBus::~UsbBus()
@@ -98,7 +105,6 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     const int address = ++lastAddress_;
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);
-    letEveryoneUse(root_ + "/ioctl" + place.node);
     makeNode(place.node, *usbfs);
     if (!umockdev_testbed_add_from_string(
             testbed_, sysfsRecord(place, address, info).c_str(), nullptr))

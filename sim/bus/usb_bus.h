@@ -9,13 +9,16 @@
 
 namespace sim {
 
-// One at a time in a process: it sets UMOCKDEV_DIR, by which this process (if
-// umockdev's library is preloaded) and those started later find the bus. Has a
-// directory below TMPDIR, open to all users, that goes with it. Outlives its
-// devices. Not for several threads at once.
+// Only one at a time in a process: it sets UMOCKDEV_DIR, by which this process (if umockdev's
+// library is preloaded) and those started later find the bus. Its files are in a directory below
+// TMPDIR that only this user may enter, so only programs of the same user, or root, can use the
+// bus. The destructor removes the directory. Must outlive its devices. Not for several threads at
+// once.
+//
+// umockdev ends the process by a GLib error (SIGTRAP) if it cannot write a file there.
 class UsbBus {
 public:
-    UsbBus(); // throws std::runtime_error
+    UsbBus(); // throws std::runtime_error, also if there is too little room
     ~UsbBus();
     UsbBus(const UsbBus&) = delete;
     UsbBus& operator=(const UsbBus&) = delete;

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 namespace sim {
 namespace {
@@ -28,6 +29,17 @@ FileDescriptor blockEndingSignals()
         sigaddset(&signals, signal);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+// umockdev ends the process by an error message when it cannot write a file.
+void printMessage(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
+{
+    if (!(level & G_LOG_LEVEL_ERROR)) {
+        g_log_default_handler(domain, level, message, nullptr);
+        return;
+    }
+    fprintf(stderr, "kelprobe-sim: %s\n", message);
+    _exit(EXIT_FAILURE); // GLib would raise SIGTRAP
 }
 
 class Session {
@@ -95,6 +107,7 @@ int runSession(std::span<const Profile* const> profiles, char* const* command)
     const FileDescriptor signals = blockEndingSignals();
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end us before the program
     std::signal(SIGCHLD, SIG_DFL); // the parent may have left it ignored
+    g_log_set_default_handler(printMessage, nullptr);
     UsbBus bus;
     Transcript transcript(profiles.size());
     std::list<Station> stations;

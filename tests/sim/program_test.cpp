@@ -203,6 +203,31 @@ TEST_F(KelprobeSim, FindsItsLibraryUnderAPathThatLdPreloadCannotHold)
     EXPECT_EQ(exitStatus(), 1) << "a link below TMPDIR would be no better";
 }
 
+TEST_F(KelprobeSim, KeepsOtherUsersFromTheBus)
+{
+    start(R"(run -- sh -c 'test $(stat -c %a $UMOCKDEV_DIR) = 700 && )"
+          R"(test $(stat -Lc %a $UMOCKDEV_DIR/dev/bus/usb/001/*) = 600')");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(KelprobeSim, SaysThatTmpdirIsNoUse)
+{
+    const test::TempDirectory directory;
+    const std::string file = directory.file("file", "");
+    fs::permissions(file, fs::perms::all);
+    setenv("TMPDIR", file.c_str(), 1);
+    start("run -- true");
+    EXPECT_EQ(exitStatus(), 1) << "it is a file";
+
+    setenv("TMPDIR", directory.path().c_str(), 1);
+    const std::string inNamespace = "unshare --map-root-user --mount ";
+    const std::string mount = "mount -t tmpfs -o size=4k tmpfs " + directory.path();
+    if (std::system((inNamespace + mount).c_str()) != 0)
+        GTEST_SKIP() << "mounting is not permitted";
+    start("run -- true", inNamespace + "sh -c '" + mount + R"( && "$@"' sh )" + KELPROBE_SIM);
+    EXPECT_EQ(exitStatus(), 1) << "there is no room in it";
+}
+
 TEST_F(KelprobeSim, KnowsTheStatusOfTheProgramWhereSigchldIsIgnored)
 {
     start("run -- sh -c 'exit 37'", "env --ignore-signal=CHLD " KELPROBE_SIM);
