@@ -10,8 +10,10 @@ long InterfaceOwner::claim(UMockdevIoctlClient* client, unsigned number)
         return -ENOENT;
     if (claimedBy_ == client)
         return 0;
-    if (driverBound_ || claimedBy_ || device_.faults.refuseClaim.strikes())
+    if (driverBound_ || claimedBy_ || device_.faults.refuseClaim.consume()) {
+        device_.addEvent({DeviceEvent::Kind::kClaimRefused});
         return -EBUSY;
+    }
     claimedBy_ = client;
     ++device_.counters.claims;
     return 0;
@@ -21,11 +23,11 @@ long InterfaceOwner::release(UMockdevIoctlClient* client, unsigned number)
 {
     if (number != device_.info.interfaceNumber || claimedBy_ != client)
         return -EINVAL;
-    forget(client);
+    removeClient(client);
     return 0;
 }
 
-void InterfaceOwner::forget(UMockdevIoctlClient* client)
+void InterfaceOwner::removeClient(UMockdevIoctlClient* client)
 {
     if (claimedBy_ != client)
         return;
@@ -49,8 +51,10 @@ long InterfaceOwner::disconnectDriver(unsigned number)
         return -EINVAL;
     if (!driverBound_)
         return -ENODATA;
-    if (device_.faults.refuseDetach.strikes())
+    if (device_.faults.refuseDetach.consume()) {
+        device_.addEvent({DeviceEvent::Kind::kDetachRefused});
         return -EBUSY;
+    }
     driverBound_ = false;
     return 0;
 }

@@ -1,5 +1,4 @@
 // Who has the device's interface: the kernel's driver, a client, or nobody.
-// The operations are usbfs's own, with the kernel's answers. Not locked.
 #pragma once
 
 #include "sim/device/device_model.h"
@@ -8,6 +7,7 @@
 
 namespace sim {
 
+// The operations and their results are those of the kernel's usbfs. Not locked.
 class InterfaceOwner {
 public:
     explicit InterfaceOwner(DeviceModel& device)
@@ -15,15 +15,15 @@ public:
     {
     }
 
-    // These return the ioctl's result, or -errno. `number` is the interface's.
-    // To claim what one has already is no error and does not count. A transfer
-    // to the interface claims it too, if its client did not.
+    // These return the ioctl's result, or -errno. `number` is the interface number. A client may
+    // claim again what it has claimed. A transfer to the interface also claims it.
     long claim(UMockdevIoctlClient* client, unsigned number);
     long release(UMockdevIoctlClient* client, unsigned number);
     long connectDriver(unsigned number);
     long disconnectDriver(unsigned number);
 
-    void forget(UMockdevIoctlClient* client); // it is gone
+    // Releases what the client has claimed.
+    void removeClient(UMockdevIoctlClient* client);
 
     // "usbhid", "usbfs", or null if nobody has the interface.
     const char* driverName() const;

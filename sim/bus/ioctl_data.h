@@ -1,4 +1,4 @@
-// umockdev's copy of a piece of a client's memory.
+// umockdev's copies of parts of a client's memory.
 #pragma once
 
 #include <umockdev.h>
@@ -13,18 +13,18 @@ struct IoctlDataUnref {
     void operator()(UMockdevIoctlData* data) const { g_object_unref(data); }
 };
 
-// A reference of our own, for data that has to outlive the ioctl.
+// For data that has to outlive the ioctl.
 using IoctlDataRef = std::unique_ptr<UMockdevIoctlData, IoctlDataUnref>;
 
-inline IoctlDataRef keep(UMockdevIoctlData* data)
+inline IoctlDataRef newReference(UMockdevIoctlData* data)
 {
     g_object_ref(data);
     return IoctlDataRef(data);
 }
 
-// The copy of what the pointer at `offset` of `data` points to in the client.
-// `data` owns it, and both go back to the client together. Null for a null
-// pointer or if the client's memory cannot be read.
+// Returns the copy of what the pointer at `offset` of `data` points to in the client. `data` owns
+// it, and both are written back to the client together. Null for a null pointer or if the client's
+// memory cannot be read.
 inline UMockdevIoctlData* resolve(UMockdevIoctlData* data, size_t offset, size_t length)
 {
     UMockdevIoctlData* const target = umockdev_ioctl_data_resolve(data, offset, length, nullptr);

@@ -42,8 +42,6 @@ void PtyNode::setReady(bool ready)
     tcflow(slave_.get(), ready ? TCOON : TCOOFF);
 }
 
-// Whoever has it open keeps it. The preload library makes a mode of 0 hold
-// for root as well.
 void PtyNode::setOpenable(bool openable)
 {
     require(fchmod(slave_.get(), openable ? 0600 : 0) == 0, path_.c_str());

@@ -1,4 +1,4 @@
-// A device node that poll() sees as it would see a usbfs node.
+// A device node for which poll() gives what it gives for a usbfs node.
 #pragma once
 
 #include "sim/bus/file_descriptor.h"
@@ -7,9 +7,9 @@
 
 namespace sim {
 
-// The slave of a pseudo terminal: flow control makes it look writable or not
-// ("a transfer can be reaped"), closing the master raises POLLERR ("the device
-// is gone"). The state is the node's: all who have it open see the same.
+// The slave of a pseudo terminal. Flow control makes it writable or not ("a transfer can be
+// reaped"); closing the master raises POLLERR ("the device is gone"). All clients that have the
+// node open share this state. Not locked.
 class PtyNode {
 public:
     PtyNode(); // throws std::system_error; not ready
@@ -18,7 +18,9 @@ public:
     const std::string& path() const { return path_; }
 
     void setReady(bool ready);
-    void setOpenable(bool openable); // by this user; if not, opening gives EACCES. At first, yes.
+    // Whether this user may open the node; at first, yes. If not, opening gives EACCES, also to
+    // root if the client has our preload library. Clients that have it open keep it.
+    void setOpenable(bool openable);
     void hangUp();
 
 private:

@@ -10,8 +10,8 @@
 namespace sim {
 namespace {
 
-// Without the "libudev" header that udevd's own messages have: libudev takes
-// it for one of the kernel's, which need no hashes.
+// Without the "libudev" header of udevd's messages, libudev takes it for one of the kernel's, which
+// need no hashes.
 std::string messageFor(const Uevent& event)
 {
     std::string message = event.action + "@" + event.devicePath + '\0';
@@ -29,7 +29,7 @@ void send(const std::string& message, const std::string& socketPath)
         return;
     socketPath.copy(to.sun_path, socketPath.size());
     const FileDescriptor from(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    // A listener that has gone leaves its socket behind: no error.
+    // No error if it fails: a listener that has ended leaves its socket.
     sendto(from.get(), message.data(), message.size(), MSG_NOSIGNAL,
         reinterpret_cast<const sockaddr*>(&to), sizeof to);
 }

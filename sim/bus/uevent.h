@@ -1,4 +1,4 @@
-// Messages about devices that come and go, as the kernel sends them.
+// The kernel's messages about devices that appear and disappear.
 #pragma once
 
 #include <string>
@@ -11,8 +11,8 @@ struct Uevent {
     std::string node;       // "/dev/bus/usb/..."
 };
 
-// Sends to every process that listens in the testbed at `root`. No listener is
-// no error. Works with and without umockdev's library preloaded.
+// Sends to every process that listens in the testbed at `root`; there may be none. Works with and
+// without umockdev's library preloaded.
 void broadcast(const std::string& root, const Uevent& event);
 
 } // namespace sim

@@ -72,9 +72,9 @@ std::optional<Urb> UrbQueue::reap(UMockdevIoctlClient* owner)
     return urb;
 }
 
-void UrbQueue::dropOwner(UMockdevIoctlClient* owner)
+void UrbQueue::removeClient(UMockdevIoctlClient* client)
 {
-    const auto owned = [owner](const Urb& urb) { return urb.owner == owner; };
+    const auto owned = [client](const Urb& urb) { return urb.owner == client; };
     waiting_.remove_if(owned);
     finished_.remove_if(owned);
 }

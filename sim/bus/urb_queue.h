@@ -1,5 +1,4 @@
-// The transfers (URBs) of one plugged-in device: those that wait for input and
-// those that are finished and not yet reaped. Not locked.
+// The transfers (URBs) of one plugged-in device.
 #pragma once
 
 #include "sim/bus/ioctl_data.h"
@@ -22,23 +21,25 @@ struct Urb {
     Bytes data = {}; // of an IN transfer
 };
 
+// Holds the transfers that wait for input, those that are finished and not yet reaped, and input
+// that no transfer has asked for. Not locked.
 class UrbQueue {
 public:
-    static constexpr size_t kMaxInput = 65536; // reports
+    static constexpr size_t kMaxInput = 65536; // unread input reports
 
-    // An input report for the oldest waiting transfer, or for the next to come.
-    // False if too many are unread already.
+    // Gives an input report to the oldest waiting transfer, or else to the next that comes. False
+    // if there are kMaxInput unread reports.
     [[nodiscard]] bool addInput(const Bytes& report);
     void waitForInput(Urb urb);
-    void forgetInput() { input_.clear(); }
+    void dropInput() { input_.clear(); }
 
     void finish(Urb urb, int status);
     void finishAllWaiting(int status);
-    // Ends a waiting transfer with -ENOENT. False if there is none such.
+    // Finishes a waiting transfer with -ENOENT. False if it does not wait.
     [[nodiscard]] bool discard(UMockdevIoctlClient* owner, unsigned long requestAddress);
 
     [[nodiscard]] std::optional<Urb> reap(UMockdevIoctlClient* owner);
-    void dropOwner(UMockdevIoctlClient* owner);
+    void removeClient(UMockdevIoctlClient* client); // with its transfers
 
     bool anyFinished() const { return !finished_.empty(); }
     bool allInputReaped() const;
@@ -46,7 +47,7 @@ public:
 private:
     void deliver();
 
-    std::deque<Bytes> input_; // oldest first, like the others
+    std::deque<Bytes> input_; // all three: oldest first
     std::list<Urb> waiting_;
     std::list<Urb> finished_;
 };

@@ -39,7 +39,7 @@ std::string descriptorAttribute(const UsbDeviceInfo& info)
     return text;
 }
 
-// What libusb looks at, and no more.
+// What libusb reads, and no more.
 std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDeviceInfo& info)
 {
     return "P: " + place.sysfsPath
@@ -97,9 +97,8 @@ UsbBus::~UsbBus()
     g_object_unref(testbed_);
 }
 
-// The socket before the node: a client that found a node without a socket
-// would be led to a handler that knows no call. So the socket also stays when
-// the device is unplugged.
+// The socket comes before the node, and stays when the device is unplugged: at a node without a
+// socket, a client's ioctls would all fail with ENOTTY.
 UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs)
 {
     const int address = ++lastAddress_;
@@ -109,7 +108,7 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     if (!umockdev_testbed_add_from_string(
             testbed_, sysfsRecord(place, address, info).c_str(), nullptr))
         throw std::runtime_error("cannot add " + place.sysfsPath + " to the testbed");
-    if (!umockdev_in_mock_environment()) // otherwise umockdev has just done so
+    if (!umockdev_in_mock_environment()) // otherwise umockdev has sent it
         broadcast(root_, {"add", place.sysfsPath, place.node});
     return place;
 }
@@ -121,7 +120,7 @@ void UsbBus::makeNode(const std::string& node, const Usbfs& usbfs) const
     fs::create_symlink(usbfs.nodePath(), path);
 }
 
-// The node goes first, so that nobody opens what is about to go.
+// The node first, so that nobody opens it any more.
 void UsbBus::unplug(const Place& place, Usbfs& usbfs)
 {
     fs::remove(root_ + place.node);

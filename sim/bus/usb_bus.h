@@ -26,7 +26,7 @@ public:
     // Where the emulated /sys and /dev are.
     const std::string& directory() const { return root_; }
 
-    // The next place for a device, counted from 1.
+    // Returns the next free port, counted from 1.
     int takePort() { return ++lastPort_; }
 
     struct Place {
@@ -34,11 +34,10 @@ public:
         std::string node;      // "/dev/bus/usb/001/NNN"
     };
 
-    // Makes a device appear with an address of its own, as each plugging-in
-    // does. Throws std::runtime_error.
+    // Adds a device, each time with a new address. Throws std::runtime_error.
     Place plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs);
 
-    // Makes it disappear, its transfers failed first.
+    // Fails the device's transfers, then removes it.
     void unplug(const Place& place, Usbfs& usbfs);
 
 private:

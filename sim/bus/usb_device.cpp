@@ -11,11 +11,11 @@ UsbDevice::UsbDevice(UsbBus& bus, UsbDeviceInfo info)
 {
 }
 
-// umockdev's thread may have a hand on the model for a while yet.
+// umockdev's thread may still use the model for a while.
 UsbDevice::~UsbDevice()
 {
     unplug();
-    model_->setOutputCallback({});
+    model_->setEventCallback({});
 }
 
 std::string UsbDevice::hidPath() const
@@ -58,20 +58,28 @@ bool UsbDevice::inject(const Bytes& report)
     return plugged && plugged->inject(report);
 }
 
-bool UsbDevice::waitUntilRead(std::chrono::milliseconds limit)
+bool UsbDevice::waitUntilRead(std::chrono::milliseconds timeout)
 {
     const auto plugged = usbfs();
-    return plugged && plugged->waitUntilRead(limit);
+    return plugged && plugged->waitUntilRead(timeout);
 }
 
-bool UsbDevice::waitForOutputs(size_t count, std::chrono::milliseconds limit)
+bool UsbDevice::waitForOutputs(size_t count, std::chrono::milliseconds timeout)
 {
-    return model_->outputs.waitFor(count, limit);
+    return model_->outputs.waitFor(count, timeout);
 }
 
-void UsbDevice::setOutputCallback(DeviceModel::OutputCallback callback)
+void UsbDevice::setEventCallback(DeviceModel::EventCallback callback)
 {
-    model_->setOutputCallback(std::move(callback));
+    model_->setEventCallback(std::move(callback));
+}
+
+void UsbDevice::setOutputCallback(std::function<void(const Bytes&)> callback)
+{
+    model_->setEventCallback([callback = std::move(callback)](const DeviceEvent& event) {
+        if (callback && event.kind == DeviceEvent::Kind::kOutput)
+            callback(event.report);
+    });
 }
 
 void UsbDevice::setOpenable(bool openable)

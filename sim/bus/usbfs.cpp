@@ -11,15 +11,15 @@
 namespace sim {
 namespace {
 
-// libusb makes one URB of each transfer, and reaps those that unplugging failed.
+// With these libusb makes one URB of each transfer, and reaps those that fail at unplug.
 constexpr uint32_t kCapabilities = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_NO_PACKET_SIZE_LIM
     | USBDEVFS_CAP_REAP_AFTER_DISCONNECT;
 
-// The longest report or descriptor, behind a setup packet.
+// The longest report or descriptor, after a setup packet.
 constexpr int kMaxTransfer = 0xffff + int{DeviceModel::SetupPacket::kSize};
 
-// The size of what the ioctl's argument points to; 0 if it is not looked at,
-// or is itself the value (an address of the client's, for DISCARDURB).
+// The size of what the ioctl's argument points to. 0 if the argument is not used, or is the value
+// itself (for DISCARDURB, an address in the client).
 size_t targetSize(unsigned long request)
 {
     switch (request) {
@@ -108,11 +108,11 @@ void Usbfs::handleIoctl(UMockdevIoctlClient* client)
     device_->notify(); // unlocked: the callback may inject or unplug
 }
 
-void Usbfs::forget(UMockdevIoctlClient* client)
+void Usbfs::removeClient(UMockdevIoctlClient* client)
 {
     const std::lock_guard lock(mutex_);
-    urbs_.dropOwner(client);
-    owner_.forget(client);
+    urbs_.removeClient(client);
+    owner_.removeClient(client);
     stateChanged();
 }
 
@@ -154,7 +154,7 @@ long Usbfs::answerConnected(
     case USBDEVFS_RESET:
         return 0;
     default:
-        return -ENOTTY; // libusb has a way round each of the others
+        return -ENOTTY; // libusb does without the others
     }
 }
 
@@ -177,7 +177,7 @@ long Usbfs::driverIoctl(UMockdevIoctlData* target)
     case USBDEVFS_CONNECT: {
         const long result = owner_.connectDriver(number);
         if (result > 0)
-            urbs_.forgetInput(); // the driver takes it
+            urbs_.dropInput(); // the driver reads it
         return result;
     }
     case USBDEVFS_DISCONNECT:
@@ -193,7 +193,7 @@ long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
     if (request.buffer_length < 0 || request.buffer_length > kMaxTransfer)
         return -EINVAL;
     const auto length = static_cast<size_t>(request.buffer_length);
-    Urb urb{.owner = client, .request = keep(target)};
+    Urb urb{.owner = client, .request = newReference(target)};
     urb.buffer = length ? resolve(target, offsetof(usbdevfs_urb, buffer), length) : nullptr;
     if (length && !urb.buffer)
         return -EFAULT;
@@ -245,9 +245,9 @@ long Usbfs::submitInterrupt(Urb urb, uint8_t endpoint)
     return 0;
 }
 
-// Results go into umockdev's copy of the client's memory only here, on
-// umockdev's thread: written by inject() they would race with the end of
-// SUBMITURB, when umockdev sends that copy back to the client.
+// Results are written into umockdev's copy of the client's memory only here, on umockdev's thread.
+// If inject() wrote them, that would race with the end of SUBMITURB, when umockdev sends the copy
+// back to the client.
 long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* target)
 {
     const std::optional<Urb> urb = urbs_.reap(client);

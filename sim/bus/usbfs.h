@@ -1,5 +1,5 @@
-// What the kernel's usbfs does for one plugged-in device: answers the ioctls
-// of every client that has the device node open.
+// The kernel's usbfs for one plugged-in device: handles the ioctls of every client that has the
+// device node open.
 #pragma once
 
 #include "sim/bus/interface_owner.h"
@@ -19,18 +19,21 @@ public:
 
     const std::string& nodePath() const { return node_.path(); }
 
-    // Any thread, except that the last three are umockdev's alone.
+    // Any thread may call these. See UsbDevice for those of the same name there.
     bool inject(const Bytes& report);
     [[nodiscard]] bool waitUntilRead(std::chrono::milliseconds limit);
     void setOpenable(bool openable);
     void disconnect();
     bool driverBound();
     bool claimed();
+
+    // For umockdev's thread. handleIoctl() completes the ioctl and runs the device's event
+    // callback.
     void handleIoctl(UMockdevIoctlClient* client);
-    void forget(UMockdevIoctlClient* client);
+    void removeClient(UMockdevIoctlClient* client);
 
 private:
-    // These return the ioctl's result, or -errno. `target` is what the ioctl's
+    // These need the lock and return the ioctl's result, or -errno. `target` is what the ioctl's
     // argument points to.
     long answer(UMockdevIoctlClient* client);
     long answerConnected(

@@ -23,11 +23,10 @@ gboolean onIoctl(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer usbfs
 void onClientGone(gpointer usbfs, GObject* client)
 {
     const std::unique_ptr<SharedUsbfs> owner(&shared(usbfs));
-    (*owner)->forget(reinterpret_cast<UMockdevIoctlClient*>(client));
+    (*owner)->removeClient(reinterpret_cast<UMockdevIoctlClient*>(client));
 }
 
-// The "client-vanished" signal is never emitted, but the client's object does
-// go away with the client.
+// umockdev never emits the "client-vanished" signal, but destroys the client's object.
 void onClientConnected(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer usbfs)
 {
     auto owner = std::make_unique<SharedUsbfs>(shared(usbfs));

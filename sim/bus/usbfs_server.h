@@ -1,4 +1,4 @@
-// Puts a Usbfs at the end of a testbed node's ioctls.
+// Connects a Usbfs to the ioctls of a testbed's node.
 #pragma once
 
 #include "sim/bus/usbfs.h"
@@ -7,9 +7,8 @@
 
 namespace sim {
 
-// From now until the testbed is gone, ioctls on `node` ("/dev/bus/usb/...") go
-// to `usbfs`, on umockdev's thread; the testbed shares its ownership. Throws
-// std::runtime_error.
+// From now on `usbfs` handles the ioctls on `node` ("/dev/bus/usb/..."), on umockdev's thread. The
+// testbed shares its ownership until it is destroyed itself. Throws std::runtime_error.
 void serveIoctls(
     UMockdevTestbed* testbed, const std::string& node, const std::shared_ptr<Usbfs>& usbfs);
 

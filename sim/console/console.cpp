@@ -19,7 +19,7 @@ std::string_view trim(std::string_view text)
     return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
-// Takes the first word off `text`.
+// Removes the first word from `text` and returns it.
 std::string_view takeWord(std::string_view& text)
 {
     const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
@@ -27,7 +27,7 @@ std::string_view takeWord(std::string_view& text)
     return word;
 }
 
-// A number from 0; nothing for any other text.
+// A number from 0; no value for any other text.
 std::optional<int> number(std::string_view text)
 {
     int value = 0;
@@ -38,52 +38,52 @@ std::optional<int> number(std::string_view text)
     return value;
 }
 
-// These return false for words they cannot use.
+// These return false if the words make no sense.
 
-bool hook(Station& station, std::string_view position)
+bool hook(ConsoleDevice& device, std::string_view position)
 {
     if (position.empty())
-        station.press(Button::kHook);
+        device.press(Button::kHook);
     else if (position == "off")
-        station.moveHook(HookPosition::kOffHook);
+        device.setHook(HookPosition::kOffHook);
     else if (position == "on")
-        station.moveHook(HookPosition::kOnHook);
+        device.setHook(HookPosition::kOnHook);
     else
         return false;
     return true;
 }
 
-bool raw(Station& station, std::string_view text)
+bool raw(ConsoleDevice& device, std::string_view text)
 {
     const auto report = fromHex(text);
     if (!report || report->empty())
         return false;
-    station.sendRaw(*report);
+    device.sendRaw(*report);
     return true;
 }
 
-bool fault(Station& station, std::string_view words)
+bool fault(ConsoleDevice& device, std::string_view words)
 {
     const std::string_view name = takeWord(words);
     const std::optional<int> count = number(words);
-    return (count || words.empty()) && station.setFault(name, count);
+    return (count || words.empty()) && device.setFault(name, count);
 }
 
 template <Button button>
-bool press(Station& station, std::string_view)
+bool press(ConsoleDevice& device, std::string_view)
 {
-    station.press(button);
+    device.press(button);
     return true;
 }
 
-template <void (Station::*action)()>
-bool perform(Station& station, std::string_view)
+template <void (ConsoleDevice::*action)()>
+bool perform(ConsoleDevice& device, std::string_view)
 {
-    (station.*action)();
+    (device.*action)();
     return true;
 }
 
-bool help(Station&, std::string_view)
+bool help(ConsoleDevice&, std::string_view)
 {
     fputs(commandHelp().data(), stdout);
     fflush(stdout);
@@ -92,7 +92,7 @@ bool help(Station&, std::string_view)
 
 struct Command {
     std::string_view name;
-    bool (*run)(Station& station, std::string_view words);
+    bool (*run)(ConsoleDevice& device, std::string_view words);
 };
 
 constexpr Command kCommands[] = {
@@ -101,18 +101,18 @@ constexpr Command kCommands[] = {
     {"flash", press<Button::kFlash>},
     {"busy", press<Button::kBusy>},
     {"raw", raw},
-    {"unplug", perform<&Station::unplug>},
-    {"replug", perform<&Station::replug>},
+    {"unplug", perform<&ConsoleDevice::unplug>},
+    {"replug", perform<&ConsoleDevice::replug>},
     {"fault", fault},
     {"help", help},
 };
 
-bool runCommand(Station& station, std::string_view words)
+bool runCommand(ConsoleDevice& device, std::string_view words)
 {
     const std::string_view name = takeWord(words);
     for (const Command& command : kCommands) {
         if (command.name == name)
-            return command.run(station, words);
+            return command.run(device, words);
     }
     return false;
 }
@@ -122,24 +122,25 @@ bool runCommand(Station& station, std::string_view words)
 std::string_view commandHelp()
 {
     return R"(Commands, a line each; "2: mute" is for the second device:
-  hook [off|on]   press the hook switch: change its position, or say which
+  hook [off|on]   move the hook switch to that position, or to the other one
   mute            press and release the mute button; likewise flash and busy
   raw HEX         send an input report, as on the wire
-  unplug          pull the plug; replug pulls it and puts it in (again)
+  unplug          unplug the device; replug unplugs it if necessary and plugs
+                  it in again
   fault NAME [N]  from now on, or the next N times:
                   claim, detach (refused), stall (of the report descriptor),
-                  write (fails); until "fault none": open (not permitted),
+                  write (refused); until "fault none": open (not permitted),
                   short N (the report descriptor ends after N bytes);
-                  at once: flood N (N input reports)
+                  at once: flood N (N input reports, at most 65536)
   help            this text
 )";
 }
 
 void Console::execute(std::string_view line)
 {
-    auto station = stations_.begin();
+    auto device = devices_.begin();
     if (line.size() > LineReader::kMaxLine) {
-        station->say("not understood: line too long");
+        device->print("not understood: line too long");
         return;
     }
     std::string_view words = trim(line);
@@ -147,15 +148,15 @@ void Console::execute(std::string_view line)
         return;
     if (const size_t colon = words.find(':'); colon != words.npos) {
         const std::optional<int> wanted = number(trim(words.substr(0, colon)));
-        if (!wanted || *wanted < 1 || static_cast<size_t>(*wanted) > stations_.size()) {
-            station->say("no such device");
+        if (!wanted || *wanted < 1 || static_cast<size_t>(*wanted) > devices_.size()) {
+            device->print("no such device");
             return;
         }
-        std::advance(station, *wanted - 1);
+        std::advance(device, *wanted - 1);
         words = trim(words.substr(colon + 1));
     }
-    if (!runCommand(*station, words))
-        station->say("not understood: " + std::string(words) + " (try help)");
+    if (!runCommand(*device, words))
+        device->print("not understood: " + std::string(words) + " (try help)");
 }
 
 } // namespace sim

@@ -1,29 +1,30 @@
 // The commands that kelprobe-sim takes, line by line.
 #pragma once
 
-#include "sim/console/station.h"
+#include "sim/console/console_device.h"
 
 #include <list>
 #include <string_view>
 
 namespace sim {
 
-// What `help` and "kelprobe-sim help" say about the commands.
+// The text of the command `help`.
 std::string_view commandHelp();
 
 class Console {
 public:
-    explicit Console(std::list<Station>& stations)
-        : stations_(stations)
+    // At least one device.
+    explicit Console(std::list<ConsoleDevice>& devices)
+        : devices_(devices)
     {
     }
 
-    // "2: mute" is for the second device, "mute" for the first. A line that
-    // makes no sense is answered with one line; an empty one with none.
+    // Executes a line: "2: mute" is for the second device, "mute" for the first. Prints one line if
+    // it is not a command. Blank lines are ignored.
     void execute(std::string_view line);
 
 private:
-    std::list<Station>& stations_;
+    std::list<ConsoleDevice>& devices_;
 };
 
 } // namespace sim

@@ -110,11 +110,11 @@ int runSession(std::span<const Profile* const> profiles, char* const* command)
     g_log_set_default_handler(printMessage, nullptr);
     UsbBus bus;
     Transcript transcript(profiles.size());
-    std::list<Station> stations;
+    std::list<ConsoleDevice> devices;
     // The last first, as the system lists the device plugged in last at the top.
     for (size_t number = profiles.size(); number > 0; --number)
-        stations.emplace_front(bus, profiles[number - 1]->info, number, transcript);
-    Console console(stations);
+        devices.emplace_front(bus, profiles[number - 1]->info, number, transcript);
+    Console console(devices);
     try {
         return Session(console, signals).run(command, preloadLibraries(bus.directory()));
     } catch (const ClientStartError& error) {

@@ -8,7 +8,7 @@ namespace sim {
 std::string describe(const std::string& what, const Bytes& report)
 {
     constexpr size_t kColumn = 20;
-    constexpr size_t kGap = 2; // behind words that reach over the column
+    constexpr size_t kGap = 2; // after words that reach over the column
     std::string line = what;
     line.resize(what.size() < kColumn ? kColumn : what.size() + kGap, ' ');
     return line + toHex(report);

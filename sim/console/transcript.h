@@ -8,13 +8,13 @@
 
 namespace sim {
 
-// "ring lamp on        03 08 00"
+// A line about a report: "ring LED on         03 08 00".
 std::string describe(const std::string& what, const Bytes& report);
 
-// Whole lines to standard output, each flushed. Any thread.
+// Prints whole lines to standard output and flushes each. Any thread.
 class Transcript {
 public:
-    // With more than one device each line begins with the device's number.
+    // With more than one device, each line begins with the device's number.
     explicit Transcript(size_t devices)
         : numbered_(devices > 1)
     {

@@ -6,16 +6,16 @@
 
 namespace sim {
 
-// A fault that strikes a number of times, or until told otherwise. Any thread.
+// Makes an operation of the device fail a number of times, or always. Any thread.
 class Fault {
 public:
     static constexpr int kAlways = -1;
 
-    // The next `times` occasions fail. 0 ends the fault.
+    // The next `times` operations fail. 0 ends the fault.
     void arm(int times = kAlways) { left_ = times; }
 
-    // True if this occasion is to fail. Uses up one of the times.
-    [[nodiscard]] bool strikes()
+    // Called by each operation: true if it has to fail, which uses up one of the times.
+    [[nodiscard]] bool consume()
     {
         int left = left_;
         while (left > 0 && !left_.compare_exchange_weak(left, left - 1)) { }

@@ -40,7 +40,7 @@ Setup Setup::from(std::span<const uint8_t> bytes)
 
 DeviceModel::DeviceModel(UsbDeviceInfo deviceInfo)
     : info(std::move(deviceInfo))
-    , numbered(findReportFields(info.reportDescriptor).numbered)
+    , hasReportIds(findReportFields(info.reportDescriptor).hasReportIds)
 {
 }
 
@@ -81,9 +81,9 @@ Reply DeviceModel::getReportDescriptor(const Setup& setup)
     if (setup.value != ClassDescriptor::kReport << 8)
         return stall();
     ++counters.reportDescriptorReads;
-    if (faults.stallReportDescriptor.strikes())
+    if (faults.stallReportDescriptor.consume())
         return stall();
-    const bool cut = faults.shortenReportDescriptor.strikes();
+    const bool cut = faults.shortenReportDescriptor.consume();
     return send(info.reportDescriptor,
         cut ? std::min<size_t>(setup.length, faults.shortLength) : setup.length);
 }
@@ -97,35 +97,40 @@ Reply DeviceModel::setReport(const Setup& setup, std::span<const uint8_t> out)
 
 bool DeviceModel::receive(std::span<const uint8_t> wire)
 {
-    if (faults.failWrite.strikes())
-        return false;
     Bytes report(wire.begin(), wire.end());
-    if (!numbered)
+    if (!hasReportIds)
         report.insert(report.begin(), 0);
-    {
-        const std::lock_guard lock(pendingMutex_);
-        pending_.push_back(report);
+    if (faults.failWrite.consume()) {
+        addEvent({DeviceEvent::Kind::kOutputRefused, std::move(report)});
+        return false;
     }
+    addEvent({DeviceEvent::Kind::kOutput, report});
     outputs.add(std::move(report));
     return true;
+}
+
+void DeviceModel::addEvent(DeviceEvent event)
+{
+    const std::lock_guard lock(eventsMutex_);
+    events_.push_back(std::move(event));
 }
 
 void DeviceModel::notify()
 {
     const std::lock_guard callbackLock(callbackMutex_);
-    std::vector<Bytes> reports;
+    std::vector<DeviceEvent> events;
     {
-        const std::lock_guard lock(pendingMutex_);
-        reports.swap(pending_);
+        const std::lock_guard lock(eventsMutex_);
+        events.swap(events_);
     }
-    const OutputCallback callback = callback_; // may replace itself while it runs
-    for (const Bytes& report : reports) {
+    const EventCallback callback = callback_; // may replace itself while it runs
+    for (const DeviceEvent& event : events) {
         if (callback)
-            callback(report);
+            callback(event);
     }
 }
 
-void DeviceModel::setOutputCallback(OutputCallback callback)
+void DeviceModel::setEventCallback(EventCallback callback)
 {
     const std::lock_guard lock(callbackMutex_);
     callback_ = std::move(callback);

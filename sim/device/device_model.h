@@ -1,5 +1,4 @@
-// The device's own side of the bus: what its firmware answers and what it
-// receives, whether it is plugged in at the moment or not.
+// The device's own side of the bus: its answers and what it receives, plugged in or not.
 #pragma once
 
 #include "sim/device/device_faults.h"
@@ -12,15 +11,29 @@
 
 namespace sim {
 
+// Something that a client did with the device.
+struct DeviceEvent {
+    enum class Kind {
+        kOutput,        // an output report was received
+        kOutputRefused, // an output report stalled
+        kClaimRefused,  // claiming the interface gave EBUSY
+        kDetachRefused, // detaching the kernel driver gave EBUSY
+    };
+
+    Kind kind = Kind::kOutput;
+    Bytes report = {}; // as in DeviceModel::outputs; empty if no report is concerned
+};
+
 struct DeviceCounters {
     std::atomic<int> reportDescriptorReads = 0; // requests, answered or not
     std::atomic<int> claims = 0;                // that succeeded
-    std::atomic<int> releases = 0;              // also by a client that went away
+    std::atomic<int> releases = 0;              // including those by clients that ended
 };
 
+// Any thread may call any of these.
 class DeviceModel {
 public:
-    using OutputCallback = std::function<void(const Bytes&)>;
+    using EventCallback = std::function<void(const DeviceEvent&)>;
 
     struct SetupPacket {
         static constexpr size_t kSize = 8;
@@ -38,33 +51,33 @@ public:
     struct ControlReply {
         bool stalled = false;
         Bytes data = {};        // of an IN transfer
-        size_t transferred = 0; // bytes of either direction, setup packet not counted
+        size_t transferred = 0; // bytes of either direction, without the setup packet
     };
 
     explicit DeviceModel(UsbDeviceInfo info);
 
-    // Answers for the device and its one interface: the host sees to it that a
-    // request to an interface means that one. `out` is the data stage of a
-    // host-to-device transfer.
+    // Handles requests to the device and to its interface; the caller has checked the interface
+    // number. `out` is the data stage of a host-to-device transfer.
     ControlReply control(const SetupPacket& setup, std::span<const uint8_t> out);
 
-    // An output report as it came through the OUT endpoint. False is a stall.
+    // Takes an output report that came through the OUT endpoint. False if it stalls.
     [[nodiscard]] bool receive(std::span<const uint8_t> wire);
 
-    // Hands reports that came since the last call to the callback. Separate
-    // from receiving so that the caller holds no lock of its own meanwhile.
+    // Adds an event for the callback. notify() calls the callback for each event since the last
+    // call, in their order; the caller must hold no lock that the callback may need.
+    void addEvent(DeviceEvent event);
     void notify();
 
-    // Replaces the callback. Afterwards the earlier one is not running and will
-    // not run again, unless this is called from inside it.
-    void setOutputCallback(OutputCallback callback);
+    // Replaces the callback. When this returns, the previous callback is not running and will not
+    // run again, unless it is the one that called this.
+    void setEventCallback(EventCallback callback);
 
     const UsbDeviceInfo info;
-    const bool numbered; // reports start with their id
+    const bool hasReportIds; // every report starts with its id
     DeviceFaults faults;
     DeviceCounters counters;
-    // Reports as hid_write() takes them: the report id first, which is 0 if the
-    // device has none and then is not on the wire.
+    // Reports as hid_write() takes them: report id first, 0 for a device without report ids (where
+    // it is not on the wire).
     OutputLog outputs;
 
 private:
@@ -72,10 +85,10 @@ private:
     ControlReply getReportDescriptor(const SetupPacket& setup);
     ControlReply setReport(const SetupPacket& setup, std::span<const uint8_t> out);
 
-    std::mutex pendingMutex_;
-    std::vector<Bytes> pending_;         // for the callback
+    std::mutex eventsMutex_;
+    std::vector<DeviceEvent> events_;    // not yet handed to the callback
     std::recursive_mutex callbackMutex_; // held while the callback runs
-    OutputCallback callback_;
+    EventCallback callback_;
 };
 
 } // namespace sim

@@ -14,11 +14,11 @@ class OutputLog {
 public:
     void add(Bytes report);
 
-    // Waits until at least `count` reports are here that have not been taken.
-    // False if that did not come about within the time.
+    // Waits until at least `count` reports are here that have not been taken. False if the time
+    // is over before.
     [[nodiscard]] bool waitFor(size_t count, std::chrono::milliseconds limit);
 
-    // All reports since the last call, oldest first.
+    // Returns the reports since the last call, oldest first.
     [[nodiscard]] std::vector<Bytes> take();
 
 private:

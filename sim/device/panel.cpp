@@ -12,11 +12,11 @@ struct Name {
     std::string_view text;
 };
 
-constexpr uint16_t kOffHookLamp = 0x17;
+constexpr uint16_t kOffHookLed = 0x17;
 
-constexpr std::array kLampNames = {
+constexpr std::array kLedNames = {
     Name{0x09, "mute"},
-    Name{kOffHookLamp, "off-hook"},
+    Name{kOffHookLed, "off-hook"},
     Name{0x18, "ring"},
     Name{0x1e, "speaker"},
     Name{0x20, "hold"},
@@ -53,28 +53,33 @@ Panel::Panel(const Bytes& reportDescriptor)
 
 std::vector<Panel::InputReport> Panel::press(Button button)
 {
-    const std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
+    if (button == Button::kHook)
+        return moveHook(
+            hook_ == HookPosition::kOnHook ? HookPosition::kOffHook : HookPosition::kOnHook);
     const ReportField* const field = find(button);
     if (!field)
         return {};
-    if (button == Button::kHook) {
-        hook_ = hook_ == HookPosition::kOnHook ? HookPosition::kOffHook : HookPosition::kOnHook;
-        return {{nameOf(button) + " pressed", inputReport(field->reportId)}};
-    }
     const Bytes released = inputReport(field->reportId);
     Bytes pressed = released;
-    set(*field, pressed, fields_.numbered);
+    set(*field, pressed, fields_.hasReportIds);
     return {{nameOf(button) + " pressed", pressed}, {nameOf(button) + " released", released}};
+}
+
+std::vector<Panel::InputReport> Panel::setHook(HookPosition position)
+{
+    const std::lock_guard lock(mutex_);
+    return moveHook(position);
 }
 
 std::vector<Panel::InputReport> Panel::moveHook(HookPosition position)
 {
-    const std::lock_guard lock(mutex_);
     const ReportField* const field = find(Button::kHook);
     if (!field)
         return {};
     hook_ = position;
-    return {{nameOf(Button::kHook) + " pressed", inputReport(field->reportId)}};
+    const char* const name = position == HookPosition::kOffHook ? " off" : " on";
+    return {{nameOf(Button::kHook) + name, inputReport(field->reportId)}};
 }
 
 Bytes Panel::idleReport() const
@@ -85,21 +90,24 @@ Bytes Panel::idleReport() const
     return fields_.inputBits.empty() ? Bytes{0} : inputReport(fields_.inputBits.begin()->first);
 }
 
-std::string Panel::light(const Bytes& report)
+std::string Panel::applyOutput(const Bytes& report)
 {
     const std::lock_guard lock(mutex_);
     std::string changes;
-    for (const ReportField& lamp : fields_.lamps) {
-        if (report.empty() || report.front() != lamp.reportId)
+    for (const ReportField& led : fields_.leds) {
+        if (report.empty() || report.front() != led.reportId)
             continue;
-        const bool on = isSet(lamp, report, true);
-        if (on == lit_.contains(lamp.usage))
+        const bool on = isSet(led, report, true);
+        if (on == lit_.contains(led.usage))
             continue;
-        on ? void(lit_.insert(lamp.usage)) : void(lit_.erase(lamp.usage));
-        if (lamp.usage == kOffHookLamp)
+        if (on)
+            lit_.insert(led.usage);
+        else
+            lit_.erase(led.usage);
+        if (led.usage == kOffHookLed)
             hook_ = on ? HookPosition::kOffHook : HookPosition::kOnHook;
-        changes += (changes.empty() ? "" : ", ") + nameOf(kLampNames, lamp.usage);
-        changes += on ? " lamp on" : " lamp off";
+        changes += (changes.empty() ? "" : ", ") + nameOf(kLedNames, led.usage);
+        changes += on ? " LED on" : " LED off";
     }
     return changes.empty() ? "no change" : changes;
 }
@@ -113,13 +121,13 @@ const ReportField* Panel::find(Button button) const
     return found == fields_.buttons.end() ? nullptr : &*found;
 }
 
-// Everything released, with the hook switch in its position.
+// Every button released, the hook switch in its position.
 Bytes Panel::inputReport(uint8_t reportId) const
 {
-    Bytes report = emptyReport(reportId, fields_.inputBits, fields_.numbered);
+    Bytes report = emptyReport(reportId, fields_.inputBits, fields_.hasReportIds);
     const ReportField* const hook = find(Button::kHook);
     if (hook && hook->reportId == reportId && hook_ == HookPosition::kOffHook)
-        set(*hook, report, fields_.numbered);
+        set(*hook, report, fields_.hasReportIds);
     return report;
 }
 

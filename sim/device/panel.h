@@ -1,5 +1,4 @@
-// The lamps and buttons on a simulated device's case: what reports mean there,
-// and which reports pressing makes.
+// The LEDs and buttons of a simulated device.
 #pragma once
 
 #include "sim/device/report_fields.h"
@@ -23,22 +22,23 @@ public:
         Bytes report;     // as on the wire
     };
 
-    // What the device sends for it, in order; nothing if it has no such button.
-    // The hook switch changes its position; the others are pressed and released.
-    // Every report tells the position of a hook switch that lies in it.
+    // Return the input reports of a press, in order; none if the device has no such button. The
+    // hook switch changes its position ("hook switch off"); the other buttons are pressed and
+    // released. Each report also holds the position of the hook switch if that is in it.
     std::vector<InputReport> press(Button button);
-    std::vector<InputReport> moveHook(HookPosition position);
+    std::vector<InputReport> setHook(HookPosition position);
 
-    // A report for floods: only tells the position of the hook switch.
+    // An input report with every button released.
     Bytes idleReport() const;
 
-    // Takes in an output report, report id first, and says which lamps it
-    // changed: "ring lamp on, hold lamp off", or "no change". The hook switch
-    // follows the off-hook lamp without a report, so that it is in step after a
-    // call that was taken or ended on the host.
-    std::string light(const Bytes& report);
+    // Takes an output report, report id first, and returns which LEDs it changed: "ring LED on,
+    // hold LED off", or "no change". The hook switch follows the off-hook LED, so that it is
+    // right after a call that was answered or ended on the host.
+    std::string applyOutput(const Bytes& report);
 
 private:
+    // These need the lock.
+    std::vector<InputReport> moveHook(HookPosition position);
     const ReportField* find(Button button) const;
     Bytes inputReport(uint8_t reportId) const;
 

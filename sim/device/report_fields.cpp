@@ -23,17 +23,17 @@ enum Item : uint8_t {
 
 constexpr uint8_t kLongItem = 0xfe;
 constexpr uint32_t kVariable = 0x02;  // main item flag: a field per usage, not an array
-constexpr size_t kMaxUsages = 0x1000; // no real field names more, a hostile range does
+constexpr size_t kMaxUsages = 0x1000; // more than any real field has
 constexpr size_t kMaxReportBits = 0xffff * size_t{8};
 
-class Walker {
+class FieldFinder {
 public:
-    explicit Walker(ReportFields& found)
+    explicit FieldFinder(ReportFields& found)
         : found_(found)
     {
     }
 
-    void take(uint8_t item, uint32_t value, size_t valueSize)
+    void handleItem(uint8_t item, uint32_t value, size_t valueSize)
     {
         switch (item) {
         case kUsagePage:
@@ -46,7 +46,7 @@ public:
             count_ = value;
             break;
         case kReportId:
-            takeReportId(value);
+            setReportId(value);
             break;
         case kUsage:
             usages_.push_back(full(value, valueSize));
@@ -55,13 +55,13 @@ public:
             minimum_ = full(value, valueSize);
             break;
         case kUsageMaximum:
-            takeUsageMaximum(full(value, valueSize));
+            addUsageRange(full(value, valueSize));
             break;
         case kInput:
-            takeField(value, UsagePage::kTelephony, found_.buttons, found_.inputBits);
+            addFields(value, UsagePage::kTelephony, found_.buttons, found_.inputBits);
             break;
         case kOutput:
-            takeField(value, UsagePage::kLed, found_.lamps, found_.outputBits);
+            addFields(value, UsagePage::kLed, found_.leds, found_.outputBits);
             break;
         default:
             break;
@@ -71,27 +71,26 @@ public:
     }
 
 private:
-    // A usage with its page in the upper half. One of four bytes brings its
-    // own page; for the others it is the one in force at the main item, which
-    // 0 stands for.
+    // A usage with its page in the upper half. A value of four bytes has a page of its own; for
+    // the others the page is 0, which stands for the one in force at the main item.
     static uint32_t full(uint32_t value, size_t valueSize)
     {
         return valueSize == 4 ? value : value & 0xffff;
     }
 
-    void takeReportId(uint32_t value)
+    void setReportId(uint32_t value)
     {
         id_ = static_cast<uint8_t>(value);
-        found_.numbered = true;
+        found_.hasReportIds = true;
     }
 
-    void takeUsageMaximum(uint32_t maximum)
+    void addUsageRange(uint32_t maximum)
     {
         for (uint32_t usage = minimum_; usage <= maximum && usages_.size() < kMaxUsages; ++usage)
             usages_.push_back(usage);
     }
 
-    void takeField(
+    void addFields(
         uint32_t flags, UsagePage wanted, std::vector<ReportField>& fields, ReportSizes& sizes)
     {
         size_t& bits = sizes[id_];
@@ -114,9 +113,9 @@ private:
     std::vector<uint32_t> usages_;
 };
 
-size_t wirePosition(const ReportField& field, bool numbered)
+size_t wirePosition(const ReportField& field, bool hasReportIds)
 {
-    return field.bit / 8 + (numbered ? 1 : 0);
+    return field.bit / 8 + (hasReportIds ? 1 : 0);
 }
 
 uint8_t mask(const ReportField& field)
@@ -129,7 +128,7 @@ uint8_t mask(const ReportField& field)
 ReportFields findReportFields(const Bytes& reportDescriptor)
 {
     ReportFields found;
-    Walker walker(found);
+    FieldFinder finder(found);
     for (size_t at = 0; at < reportDescriptor.size();) {
         const uint8_t prefix = reportDescriptor[at++];
         const size_t size = (prefix & 3) == 3 ? 4 : prefix & 3;
@@ -138,31 +137,31 @@ ReportFields findReportFields(const Bytes& reportDescriptor)
         uint32_t value = 0;
         for (size_t i = 0; i < size; ++i)
             value |= uint32_t{reportDescriptor[at + i]} << (8 * i);
-        walker.take(prefix & 0xfc, value, size);
+        finder.handleItem(prefix & 0xfc, value, size);
         at += size;
     }
     return found;
 }
 
-Bytes emptyReport(uint8_t id, const ReportSizes& sizes, bool numbered)
+Bytes emptyReport(uint8_t id, const ReportSizes& sizes, bool hasReportIds)
 {
     const auto found = sizes.find(id);
     const size_t bits = found == sizes.end() ? 0 : found->second;
-    Bytes report((numbered ? 1 : 0) + (bits + 7) / 8);
-    if (numbered)
+    Bytes report((hasReportIds ? 1 : 0) + (bits + 7) / 8);
+    if (hasReportIds)
         report[0] = id;
     return report;
 }
 
-bool isSet(const ReportField& field, const Bytes& report, bool numbered)
+bool isSet(const ReportField& field, const Bytes& report, bool hasReportIds)
 {
-    const size_t at = wirePosition(field, numbered);
+    const size_t at = wirePosition(field, hasReportIds);
     return at < report.size() && (report[at] & mask(field));
 }
 
-void set(const ReportField& field, Bytes& report, bool numbered)
+void set(const ReportField& field, Bytes& report, bool hasReportIds)
 {
-    const size_t at = wirePosition(field, numbered);
+    const size_t at = wirePosition(field, hasReportIds);
     if (at < report.size())
         report[at] |= mask(field);
 }

@@ -1,6 +1,7 @@
-// Where the telephony controls lie in a device's reports. The simulated device
-// reads its own report descriptor with this and with nothing of the product's,
-// so that it is an independent check of what the product reads in it. Pure.
+// Where the telephony controls are in a device's reports. Pure.
+//
+// The simulated device reads its report descriptor with this and not with the product's parser, so
+// that it checks what the product finds.
 #pragma once
 
 #include "sim/device/wire_bytes.h"
@@ -16,29 +17,29 @@ struct ReportField {
     UsagePage page;
     uint16_t usage = 0;
     uint8_t reportId = 0; // 0 in a device without report ids
-    size_t bit = 0;       // counted from the first bit behind the report id
+    size_t bit = 0;       // counted from the first bit after the report id
 };
 
-// Total bits, without the report id, of each report id.
+// The size in bits of the report of each id, without the id itself.
 using ReportSizes = std::map<uint8_t, size_t>;
 
 struct ReportFields {
-    bool numbered = false;            // every report starts with its id
-    std::vector<ReportField> lamps;   // LED page, output reports, in descriptor order
+    bool hasReportIds = false;        // every report starts with its id
+    std::vector<ReportField> leds;    // LED page, output reports, in descriptor order
     std::vector<ReportField> buttons; // telephony page, input reports, in descriptor order
     ReportSizes inputBits;
     ReportSizes outputBits;
 };
 
-// Total: what a broken descriptor says before it breaks is kept.
+// Never fails. Of a broken descriptor, what comes before the fault counts.
 ReportFields findReportFields(const Bytes& reportDescriptor);
 
-// A report of the size that `sizes` gives `id`, all bits clear, id first if
-// `numbered`.
-Bytes emptyReport(uint8_t id, const ReportSizes& sizes, bool numbered);
+// A report of the size that `sizes` has for `id`, with all bits clear, id first if `hasReportIds`.
+Bytes emptyReport(uint8_t id, const ReportSizes& sizes, bool hasReportIds);
 
-// The byte and mask of a field in a report as on the wire.
-bool isSet(const ReportField& field, const Bytes& report, bool numbered);
-void set(const ReportField& field, Bytes& report, bool numbered);
+// These read and set a field in a report as on the wire. A field beyond the report's end is clear
+// and stays so.
+bool isSet(const ReportField& field, const Bytes& report, bool hasReportIds);
+void set(const ReportField& field, Bytes& report, bool hasReportIds);
 
 } // namespace sim

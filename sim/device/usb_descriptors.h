@@ -1,4 +1,4 @@
-// The descriptors of a device, byte by byte. Pure.
+// The USB descriptors of a device as bytes. Pure.
 #pragma once
 
 #include "sim/device/usb_device_info.h"
@@ -9,13 +9,12 @@ namespace sim {
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info);
 
-// With the interface, HID and endpoint descriptors that belong to it.
+// Followed by its interface, HID and endpoint descriptors.
 Bytes configurationDescriptor(const UsbDeviceInfo& info);
 
 Bytes hidDescriptor(const UsbDeviceInfo& info);
 
-// String descriptor `index`; 0 is the list of languages. Nothing for a string
-// that the device does not have.
+// String descriptor `index`; 0 is the list of languages. No value if the device does not have it.
 [[nodiscard]] std::optional<Bytes> stringDescriptor(const UsbDeviceInfo& info, uint8_t index);
 
 } // namespace sim

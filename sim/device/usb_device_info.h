@@ -1,4 +1,4 @@
-// What a simulated USB HID device is: everything a host can ask it about itself.
+// What a simulated USB HID device tells a host about itself.
 #pragma once
 
 #include "sim/device/wire_bytes.h"
@@ -27,7 +27,7 @@ struct ClassDescriptor {
 struct UsbDeviceInfo {
     uint16_t vendorId = 0;
     uint16_t productId = 0;
-    // An empty string is one the device does not have. At most 126 units are sent.
+    // The device has no descriptor for an empty string. At most 126 units are sent.
     std::u16string manufacturer;
     std::u16string product;
     std::u16string serialNumber;

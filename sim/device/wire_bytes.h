@@ -1,4 +1,4 @@
-// Bytes as they travel on the bus, and their text form "03 08 00".
+// Bytes as on the bus, and their text form "03 08 00".
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ using Bytes = std::vector<uint8_t>;
 // Two lower-case digits a byte, with one blank between bytes.
 std::string toHex(std::span<const uint8_t> bytes);
 
-// Digits in pairs, blanks between pairs as wanted. Nothing for anything else.
+// Pairs of digits, with any number of blanks between pairs. No value for other text.
 [[nodiscard]] std::optional<Bytes> fromHex(std::string_view text);
 
 constexpr uint8_t lowByte(size_t value)

@@ -1,9 +1,9 @@
-// A program that knows nothing of the simulation, to be run by kelprobe-sim: takes with the
-// speakerphone the steps that its arguments name.
+// A program for kelprobe-sim to run: takes the steps that its arguments name with the speakerphone.
 //
 // open       open the device, in ten seconds  w HEX  write the report
-// fail       opening must fail               r HEX  wait for the report, which must be this one
-// gone       wait until the device is gone   kill   end by SIGKILL
+// fail       opening must fail               x HEX  writing the report must fail
+// gone       wait until the device is gone   r HEX  wait for the report, which must be this one
+// kill       end by SIGKILL
 //
 // Exit status: the number of the argument that failed, or 0.
 #include "tests/sim/hid_handle.h"
@@ -31,7 +31,7 @@ bool openEventually()
     return hid != nullptr;
 }
 
-// Takes a step; `next` points to the argument behind its name.
+// Takes a step; `next` points to the argument after its name.
 bool take(const std::string& step, char**& next)
 {
     if (step == "open")
@@ -43,6 +43,8 @@ bool take(const std::string& step, char**& next)
     if (step == "kill")
         return std::raise(SIGKILL) == 0;
     const sim::Bytes report = sim::fromHex(*next++).value();
+    if (step == "x")
+        return !writeReport(hid, report);
     return step == "w" ? writeReport(hid, report) : readReport(hid) == report;
 }
 

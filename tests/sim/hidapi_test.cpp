@@ -73,11 +73,11 @@ TEST_F(HidapiOnBus, ReadsAndWritesWithEveryProfile)
         const Hid hid = opened(device);
         EXPECT_FALSE(device.driverBound());
 
-        const bool numbered = profile.name != "no-report-ids";
-        const Bytes input = numbered ? Bytes{3, 1, 0} : Bytes{1, 0};
+        const bool hasReportIds = profile.name != "no-report-ids";
+        const Bytes input = hasReportIds ? Bytes{3, 1, 0} : Bytes{1, 0};
         ASSERT_TRUE(device.inject(input));
         EXPECT_EQ(readReport(hid), input);
-        const Bytes output = {uint8_t(numbered ? 3 : 0), 8, 0};
+        const Bytes output = {uint8_t(hasReportIds ? 3 : 0), 8, 0};
         EXPECT_TRUE(writeReport(hid, output));
         EXPECT_EQ(device.takeOutputs(), Reports{output}) << "there before hid_write() returned";
         EXPECT_EQ(hid_get_input_report(hid.get(), Bytes(3).data(), 3), -1) << "stalls";

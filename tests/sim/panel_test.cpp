@@ -34,10 +34,10 @@ TEST(Panel, ButtonsSendWhatTheDescriptorSays)
         {"speakerphone", Button::kBusy, "line busy pressed 03 02 00, line busy released 03 00 00"},
         {"no-report-ids", Button::kMute, "mute pressed 04 00, mute released 00 00"},
         {"lamp-per-report", Button::kMute, "mute pressed 08 01, mute released 08 00"},
-        {"lamp-per-report", Button::kHook, "hook switch pressed 08 02"},
+        {"lamp-per-report", Button::kHook, "hook switch off 08 02"},
         {"lamp-per-report", Button::kBusy, ""},
         {"no-out-endpoint", Button::kBusy, "line busy pressed 05 10, line busy released 05 00"},
-        {"webcam", Button::kHook, "hook switch pressed 08 02"},
+        {"webcam", Button::kHook, "hook switch off 08 02"},
         {"no-telephony", Button::kMute, ""},
     };
     for (const auto& testCase : cases)
@@ -45,43 +45,43 @@ TEST(Panel, ButtonsSendWhatTheDescriptorSays)
             << testCase.profile;
 }
 
-TEST(Panel, EveryReportTellsThePositionOfTheHookSwitch)
+TEST(Panel, EveryReportHoldsThePositionOfTheHookSwitch)
 {
     sim::Panel panel = panelOf("speakerphone");
-    EXPECT_EQ(text(panel.press(Button::kHook)), "hook switch pressed 03 01 00");
+    EXPECT_EQ(text(panel.press(Button::kHook)), "hook switch off 03 01 00");
     EXPECT_EQ(text(panel.press(Button::kBusy)),
         "line busy pressed 03 03 00, line busy released 03 01 00");
-    EXPECT_EQ(text(panel.press(Button::kHook)), "hook switch pressed 03 00 00");
-    panel.light({3, 1, 0}); // taken on the host
+    EXPECT_EQ(text(panel.press(Button::kHook)), "hook switch on 03 00 00");
+    panel.applyOutput({3, 1, 0}); // answered on the host
     EXPECT_EQ(panel.idleReport(), (Bytes{3, 1, 0}));
-    EXPECT_EQ(text(panel.moveHook(sim::HookPosition::kOnHook)), "hook switch pressed 03 00 00");
+    EXPECT_EQ(text(panel.setHook(sim::HookPosition::kOnHook)), "hook switch on 03 00 00");
 }
 
-TEST(Panel, LampsGoByTheReportTheyLieIn)
+TEST(Panel, LedsAreInTheReportOfTheDescriptor)
 {
     const struct {
         const char* profile;
         std::vector<std::pair<Bytes, const char*>> reports;
     } cases[] = {
         {"speakerphone",
-            {{{3, 8, 0}, "ring lamp on"}, {{3, 8, 0}, "no change"}, {{4, 0xff, 0xff}, "no change"},
-                {{3, 1, 0}, "off-hook lamp on, ring lamp off"}, {{3, 5, 0}, "mute lamp on"},
-                {{3}, "off-hook lamp off, mute lamp off"}, {{}, "no change"}}},
-        {"no-report-ids", {{{0, 4, 0}, "ring lamp on"}, {{0, 0, 0}, "ring lamp off"}}},
+            {{{3, 8, 0}, "ring LED on"}, {{3, 8, 0}, "no change"}, {{4, 0xff, 0xff}, "no change"},
+                {{3, 1, 0}, "off-hook LED on, ring LED off"}, {{3, 5, 0}, "mute LED on"},
+                {{3}, "off-hook LED off, mute LED off"}, {{}, "no change"}}},
+        {"no-report-ids", {{{0, 4, 0}, "ring LED on"}, {{0, 0, 0}, "ring LED off"}}},
         {"lamp-per-report",
-            {{{0x18, 1}, "ring lamp on"}, {{0x17, 1}, "off-hook lamp on"},
-                {{0x18, 0}, "ring lamp off"}}},
-        {"webcam", {{{8, 1}, "mute lamp on"}, {{8, 3}, "no change"}}},
+            {{{0x18, 1}, "ring LED on"}, {{0x17, 1}, "off-hook LED on"},
+                {{0x18, 0}, "ring LED off"}}},
+        {"webcam", {{{8, 1}, "mute LED on"}, {{8, 3}, "no change"}}},
     };
     for (const auto& testCase : cases) {
         sim::Panel panel = panelOf(testCase.profile);
         for (const auto& [report, expected] : testCase.reports)
-            EXPECT_EQ(panel.light(report), expected)
+            EXPECT_EQ(panel.applyOutput(report), expected)
                 << testCase.profile << ' ' << sim::toHex(report);
     }
 }
 
-TEST(Panel, ABrokenDescriptorIsNoDanger)
+TEST(Panel, SurvivesABrokenDescriptor)
 {
     const Bytes hostile[] = {{}, {0x05}, {0x07, 1, 2}, {0xfe, 0xff, 0xff},
         // one-bit telephony inputs without end, of every usage there is
@@ -90,7 +90,7 @@ TEST(Panel, ABrokenDescriptorIsNoDanger)
     for (const Bytes& descriptor : hostile) {
         sim::Panel panel(descriptor);
         EXPECT_LE(panel.idleReport().size(), 65536U);
-        EXPECT_EQ(panel.light(Bytes(64, 0xff)), "no change");
+        EXPECT_EQ(panel.applyOutput(Bytes(64, 0xff)), "no change");
         panel.press(Button::kHook);
     }
 }

@@ -50,7 +50,7 @@ protected:
     }
     void endInput() { input_ = freopen("/dev/null", "w", input_); }
 
-    // The next line of standard output; "end" behind the last.
+    // The next line of standard output; "end" after the last.
     std::string line()
     {
         char text[500];
@@ -59,7 +59,7 @@ protected:
         return std::string(text, strcspn(text, "\n"));
     }
 
-    // Of its end, which it is to come to by itself.
+    // Waits until it ends by itself.
     int exitStatus()
     {
         while (line() != "end") { }
@@ -78,20 +78,20 @@ private:
     FILE* output_ = nullptr;
 };
 
-TEST_F(KelprobeSim, TellsOfLampsAndPresses)
+TEST_F(KelprobeSim, PrintsLedsAndPresses)
 {
     startClient(
         "open w 030000 w 030800 r 030100 w 030000 w 030100 r 030900 r 030100 w 030500 gone");
     EXPECT_EQ(line(), "no change           03 00 00");
-    EXPECT_EQ(line(), "ring lamp on        03 08 00");
+    EXPECT_EQ(line(), "ring LED on         03 08 00");
     command("hook");
-    EXPECT_EQ(line(), "hook switch pressed 03 01 00");
-    EXPECT_EQ(line(), "ring lamp off       03 00 00");
-    EXPECT_EQ(line(), "off-hook lamp on    03 01 00");
+    EXPECT_EQ(line(), "hook switch off     03 01 00");
+    EXPECT_EQ(line(), "ring LED off        03 00 00");
+    EXPECT_EQ(line(), "off-hook LED on     03 01 00");
     command("mute");
     EXPECT_EQ(line(), "mute pressed        03 09 00");
     EXPECT_EQ(line(), "mute released       03 01 00");
-    EXPECT_EQ(line(), "mute lamp on        03 05 00");
+    EXPECT_EQ(line(), "mute LED on         03 05 00");
     endInput();
     kill(pid_, SIGTERM);
     EXPECT_EQ(exitStatus(), 128 + SIGTERM);
@@ -103,7 +103,7 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
     for (const auto& [words, answer] : {
              std::pair{
                  std::string("raw 01 02"), "1: raw report          01 02  (no program listens)"},
-             {" 1 : hook off ", "1: hook switch pressed 03 01 00  (no program listens)"},
+             {" 1 : hook off ", "1: hook switch off     03 01 00  (no program listens)"},
              {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
              {"", "2: mute released       08 00  (no program listens)"}, // of the one before
              {"2: flash", "2: the device has no such button"},
@@ -117,7 +117,8 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
              {"fault claim x", "1: not understood: fault claim x (try help)"},
              {"fault short", "1: not understood: fault short (try help)"},
              {"fault write 3", "1: fault write 3"},
-             {"fault flood 2147483647", "1: fault flood 2147483647"},
+             {"fault flood 65536", "1: fault flood 65536"},
+             {"fault flood 65537", "1: not understood: fault flood 65537 (try help)"},
              {"fault none", "1: fault none"},
              {"unplug", "1: unplugged"},
              {"replug", "1: plugged in"},
@@ -132,11 +133,19 @@ TEST_F(KelprobeSim, AnswersEveryCommand)
 
 TEST_F(KelprobeSim, FaultsReachTheProgram)
 {
-    for (const std::string fault : {"claim", "detach", "open"}) {
-        startClient("open w 030000 r 01 fail");
-        EXPECT_NE(line(), "end") << "the program listens";
-        command("fault " + fault);
+    for (const auto& [fault, steps, printed] : {
+             std::tuple{"claim", "fail", "claim refused"},
+             {"detach", "fail", "detach refused"},
+             {"open", "fail", "end"}, // the client is refused by the system, not by the device
+             {"write 1", "x 030800 w 030800", "write refused       03 08 00"},
+         }) {
+        startClient(std::string("open w 030000 r 01 ") + steps);
+        EXPECT_EQ(line(), "no change           03 00 00");
+        command(std::string("fault ") + fault);
         command("raw 01");
+        EXPECT_EQ(line(), std::string("fault ") + fault);
+        EXPECT_EQ(line(), "raw report          01");
+        EXPECT_EQ(line(), printed);
         EXPECT_EQ(exitStatus(), 0) << fault;
     }
 }
@@ -147,7 +156,7 @@ TEST_F(KelprobeSim, ADeviceComesBack)
     EXPECT_EQ(line(), "2: no change           03 00 00");
     command("2: replug");
     EXPECT_EQ(line(), "2: plugged in");
-    EXPECT_EQ(line(), "2: ring lamp on        03 08 00");
+    EXPECT_EQ(line(), "2: ring LED on         03 08 00");
     EXPECT_EQ(exitStatus(), 0);
 }
 
@@ -156,7 +165,7 @@ TEST_F(KelprobeSim, AKilledProgramLeavesTheDeviceUsable)
     start(
         "run -- sh -c '" KELPROBE_SIM_CLIENT " open kill; " KELPROBE_SIM_CLIENT " open w 030800'");
     endInput(); // which does not end the program
-    EXPECT_EQ(line(), "ring lamp on        03 08 00");
+    EXPECT_EQ(line(), "ring LED on         03 08 00");
     EXPECT_EQ(exitStatus(), 0);
 }
 

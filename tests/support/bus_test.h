@@ -20,7 +20,7 @@
 // Waits until the condition holds, asking again every millisecond. False after
 // `limit`, which is generous: tests must pass on a busy machine.
 [[nodiscard]] bool eventually(const std::function<bool()>& condition,
-    std::chrono::milliseconds limit = sim::UsbDevice::kPatience);
+    std::chrono::milliseconds limit = sim::UsbDevice::kDefaultTimeout);
 
 class BusTest : public testing::Test {
 protected:

@@ -1,0 +1,46 @@
+// A simulated device as kelprobe-sim has one for each profile on its command line.
+#pragma once
+
+#include "sim/bus/usb_device.h"
+#include "sim/console/transcript.h"
+#include "sim/device/panel.h"
+
+#include <optional>
+
+namespace sim {
+
+// The device with its LEDs and buttons. What happens to it is printed. One thread may use it; lines
+// about what a client did are printed on umockdev's thread.
+class ConsoleDevice {
+public:
+    // Plugs in. `number` is the device's number in the transcript, which must outlive the device.
+    ConsoleDevice(UsbBus& bus, const UsbDeviceInfo& info, size_t number, Transcript& transcript);
+
+    void press(Button button);
+    void setHook(HookPosition position);
+    void sendRaw(const Bytes& report);
+    void unplug();
+    void replug();
+
+    // Switches on a fault of console.h's help for the next `number` times, or for ever without a
+    // number; for "short" and "flood" it is the number of bytes and of reports. False if there is
+    // no such fault or a number is missing or too large.
+    [[nodiscard]] bool setFault(std::string_view name, std::optional<int> number);
+
+    void print(const std::string& line) { transcript_.print(number_, line); }
+
+private:
+    void printEvent(const DeviceEvent& event);
+    void send(const std::vector<Panel::InputReport>& reports);
+    void send(const std::string& what, const Bytes& report);
+    bool armFault(std::string_view name, int times);
+    bool flood(int reports);
+    void clearFaults();
+
+    const size_t number_;
+    Transcript& transcript_;
+    Panel panel_;
+    UsbDevice device_;
+};
+
+} // namespace sim
