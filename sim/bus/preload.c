@@ -1,9 +1,9 @@
-/* Preloaded before libumockdev-preload.so.0: keeps that library's open() away
- * from everything but the testbed's own nodes. Without this,
+/* Loaded into the client before libumockdev-preload.so.0: passes only paths of the testbed's own
+ * nodes on to that library's open(). Without this,
  * - failed opens below /dev overflow a table of 50 entries and abort the client;
  * - ioctls on the machine's own nodes (a terminal, a GPU) fail with ENOTTY;
- * - a client that leads a session takes the node, which is a pseudo terminal,
- *   for its controlling terminal, and SIGHUP ends it at unplug;
+ * - the node, a pseudo terminal, becomes the controlling terminal of a client that leads a session,
+ *   and SIGHUP ends the client at unplug;
  * - root may open a node that nobody is permitted to open. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -22,13 +22,13 @@
 
 typedef int (*open_function)(const char*, int, ...);
 
-/* Not through open(), which is what is being replaced. */
+/* Not by open(), which this library replaces. */
 static int open_directly(const char* path, int flags, mode_t mode)
 {
     return (int)syscall(SYS_openat, AT_FDCWD, path, flags, mode);
 }
 
-/* The path of the testbed's own node that stands for `path`; 0 if none does. */
+/* Writes the path of the testbed's node for `path`. Returns 0 if there is none. */
 static int find_node(const char* path, char* node, size_t size)
 {
     const char* root = getenv("UMOCKDEV_DIR");
@@ -40,7 +40,7 @@ static int find_node(const char* path, char* node, size_t size)
     return faccessat(AT_FDCWD, node, F_OK, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-/* umockdev enters even a failed open in its table, so try first. */
+/* umockdev adds even a failed open to its table, so try first. */
 static int can_open(const char* node, int flags, mode_t mode)
 {
     struct stat status;

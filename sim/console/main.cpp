@@ -1,78 +1,57 @@
 // kelprobe-sim: runs a program with simulated USB HID devices.
-#include "sim/console/console.h"
+#include "sim/console/command_line.h"
 #include "sim/console/session.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
-#include <string_view>
 
 namespace {
 
 constexpr int kUsageError = 2;
 
-void printHelp(FILE* file)
-{
-    fputs("usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]\n"
-          "       kelprobe-sim list\n"
-          "       kelprobe-sim help\n"
-          "\n"
-          "run plugs in a device per PROFILE (speakerphone unless told otherwise), runs\n"
-          "PROGRAM with them and ends with its exit status. Standard output tells what the\n"
-          "devices receive and send; PROGRAM's output goes to standard error. Commands are\n"
-          "read from standard input, the end of which does not end PROGRAM.\n"
-          "\n",
-        file);
-    fputs(sim::commandHelp().data(), file);
-}
-
-int list()
+void printProfiles()
 {
     for (const sim::Profile& profile : sim::profiles())
         printf("%-16s %04x:%04x  %s\n", profile.name.data(), profile.info.vendorId,
             profile.info.productId, profile.description.data());
-    return 0;
 }
 
-int misuse()
-{
-    printHelp(stderr);
-    return kUsageError;
-}
-
-int run(char** arguments)
-{
-    std::vector<const sim::Profile*> profiles;
-    for (; *arguments && std::string_view(*arguments) != "--"; ++arguments) {
-        profiles.push_back(sim::findProfile(*arguments));
-        if (!profiles.back()) {
-            fprintf(
-                stderr, "kelprobe-sim: no profile %s; kelprobe-sim list shows them\n", *arguments);
-            return kUsageError;
-        }
+struct Execute {
+    int operator()(const sim::RunCommand& run) const
+    {
+        return sim::runSession(run.profiles, run.program);
     }
-    if (!arguments[0] || !arguments[1])
-        return misuse();
-    if (profiles.empty())
-        profiles.push_back(&sim::profiles().front());
-    return sim::runSession(profiles, arguments + 1);
-}
+    int operator()(sim::ListCommand) const
+    {
+        printProfiles();
+        return EXIT_SUCCESS;
+    }
+    int operator()(sim::HelpCommand) const
+    {
+        fputs(sim::helpText().c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
+    int operator()(sim::VersionCommand) const
+    {
+        puts("kelprobe-sim " KELPROBE_VERSION);
+        return EXIT_SUCCESS;
+    }
+    int operator()(const sim::UsageError& error) const
+    {
+        fprintf(stderr, "kelprobe-sim: %s\nTry kelprobe-sim --help.\n", error.text.c_str());
+        return kUsageError;
+    }
+};
 
 } // namespace
 
-int main(int, char** argv)
+int main(int argc, char** argv)
 {
     try {
-        const std::string_view command = argv[0] && argv[1] ? argv[1] : "";
-        if (command == "run")
-            return run(argv + 2);
-        if (command == "list")
-            return list();
-        if (command != "help")
-            return misuse();
-        printHelp(stdout);
-        return 0;
+        return std::visit(Execute(), sim::parseCommandLine(argv + (argc > 0 ? 1 : 0)));
     } catch (const std::exception& error) {
         fprintf(stderr, "kelprobe-sim: %s\n", error.what());
-        return 1;
+        return EXIT_FAILURE;
     }
 }

@@ -178,8 +178,7 @@ TEST_F(KelprobeSim, EndsAsTheProgramDoes)
              {"run -- /", 126},
              {"run no-such-profile -- true", 2},
              {"run speakerphone", 2},
-             {"help", 0},
-             {"", 2},
+             {"lst", 2},
          }) {
         start(arguments);
         EXPECT_EQ(exitStatus(), status) << arguments;
@@ -210,6 +209,28 @@ TEST_F(KelprobeSim, FindsItsLibraryUnderAPathThatLdPreloadCannotHold)
     setenv("TMPDIR", copy.c_str(), 1);
     start(arguments, program);
     EXPECT_EQ(exitStatus(), 1) << "a link below TMPDIR would be no better";
+}
+
+TEST_F(KelprobeSim, SaysWhatItIsOnStandardOutput)
+{
+    for (const auto& [arguments, first] : {
+             std::pair{"--version", "kelprobe-sim " KELPROBE_VERSION},
+             {"run --help", "usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]"},
+             {"list", "speakerphone     0b0e:0410  speakerphone, all controls in report 3"},
+         }) {
+        start(arguments);
+        EXPECT_EQ(line(), first);
+        EXPECT_EQ(exitStatus(), 0);
+    }
+}
+
+TEST_F(KelprobeSim, ABrokenProfileIsAnError)
+{
+    const test::TempDirectory directory;
+    directory.file("speakerphone.hex", "05 0");
+    start("list", "env KELPROBE_PROFILES=" + directory.path() + " " KELPROBE_SIM);
+    EXPECT_EQ(line(), "end");
+    EXPECT_EQ(exitStatus(), 1);
 }
 
 TEST_F(KelprobeSim, KeepsOtherUsersFromTheBus)
