@@ -15,7 +15,7 @@ constexpr const char* kUmockdevLibrary = "libumockdev-preload.so.0";
 fs::path ownLibrary()
 {
     const fs::path directory = fs::read_symlink("/proc/self/exe").parent_path();
-    const fs::path built = directory / kOwnLibrary;
+    fs::path built = directory / kOwnLibrary;
     fs::path installed = directory / KELPROBE_INSTALLED_LIBRARIES / kOwnLibrary;
     if (fs::exists(built))
         return built;

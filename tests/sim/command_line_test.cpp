@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 
 namespace {
@@ -47,8 +49,8 @@ TEST(CommandLine, IsUnderstoodOrExplained)
         std::istringstream stream(line);
         std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
         std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
+        std::transform(words.begin(), words.end(), std::back_inserter(arguments),
+            [](std::string& word) { return word.data(); });
         arguments.push_back(nullptr);
         EXPECT_EQ(std::visit(Describe(), sim::parseCommandLine(arguments.data())), expected)
             << line;
