@@ -9,7 +9,7 @@ namespace {
 
 sim::UsbDeviceInfo describe(Speakerphone::Owner owner)
 {
-    sim::UsbDeviceInfo info = sim::profiles().front().info;
+    sim::UsbDeviceInfo info = sim::findProfile("built-in")->info;
     info.productId = static_cast<uint16_t>(owner);
     return info;
 }

@@ -33,19 +33,24 @@ struct Row {
     bool hasOutEndpoint = true;
 };
 
+// pid.codes' vendor id. Its product ids 1 to 0x10 are for tests.
+constexpr uint16_t kTestVendor = 0x1209;
+
 constexpr Row kRows[] = {
-    {"speakerphone", "speakerphone, all controls in report 3", "speakerphone.hex", 0x0b0e, 0x0410,
+    {"speakerphone", "speakerphone, all controls in report 3", "speakerphone.hex", kTestVendor, 1,
         u"Kelprobe", u"Simulated speakerphone", u"S0001"},
-    {"no-report-ids", "speakerphone whose reports have no ids", "no-report-ids.hex", 0x0b0e, 0x2456,
+    {"built-in", "the speakerphone whose descriptor Kelprobe does not ask for", "speakerphone.hex",
+        0x0b0e, 0x0410, u"Kelprobe", u"Simulated built-in speakerphone", u"S0006"},
+    {"no-report-ids", "speakerphone whose reports have no ids", "no-report-ids.hex", kTestVendor, 2,
         u"Kelprobe", u"Simulated without report ids", u"S0002"},
     {"lamp-per-report", "headset with each LED in a report of its own", "047f-c056.hex", 0x047f,
         0xc056, u"Kelprobe", u"Simulated lamp per report", u"S0003"},
     {"no-out-endpoint", "speakerphone that gets its reports by control transfers", "413c-8223.hex",
         0x413c, 0x8223, u"Kelprobe", u"Simulated without OUT endpoint", u"", false},
-    {"webcam", "webcam with a mute LED and no other", "webcam.hex", 0x046d, 0x0944, u"Kelprobe",
+    {"webcam", "webcam with a mute LED and no other", "webcam.hex", kTestVendor, 3, u"Kelprobe",
         u"Simulated webcam", u"S0005"},
     {"no-telephony", "headset with volume keys and no telephony controls", "no-telephony.hex",
-        0x046d, 0x0ac4, u"", u"Simulated headset", u""},
+        kTestVendor, 4, u"", u"Simulated headset", u""},
 };
 
 std::vector<Profile> readProfiles()

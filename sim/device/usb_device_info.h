@@ -1,4 +1,4 @@
-// What a simulated USB HID device tells a host about itself.
+// What a host can read of a simulated USB HID device.
 #pragma once
 
 #include "sim/device/wire_bytes.h"

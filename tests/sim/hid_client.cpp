@@ -19,7 +19,7 @@ Hid hid;
 bool open()
 {
     hid.reset();
-    hid.reset(hid_open(0x0b0e, 0x0410, nullptr));
+    hid.reset(hid_open(0x1209, 0x0001, nullptr));
     return hid != nullptr;
 }
 

@@ -44,14 +44,14 @@ TEST_F(HidapiOnBus, ListsWhatIsPluggedIn)
 {
     EXPECT_EQ(listed(), Lines{});
     sim::UsbDevice& first = plug("speakerphone");
-    const std::wstring firstLine = L"1-1:1.0 0b0e:0410 Simulated speakerphone, S0001";
+    const std::wstring firstLine = L"1-1:1.0 1209:0001 Simulated speakerphone, S0001";
     EXPECT_EQ(listed(), Lines{firstLine});
 
     sim::UsbDeviceInfo info = sim::findProfile("no-telephony")->info;
     info.product = u"Téléphone";
     info.interfaceNumber = 3;
     plug(info);
-    const std::wstring secondLine = L"1-2:1.3 046d:0ac4 Téléphone, ?";
+    const std::wstring secondLine = L"1-2:1.3 1209:0004 Téléphone, ?";
     EXPECT_EQ(listed(), (Lines{firstLine, secondLine}));
 
     first.unplug();
@@ -118,7 +118,7 @@ TEST_F(HidapiOnBus, KeepsTwoDevicesApart)
 TEST_F(HidapiOnBus, FloodsArriveInOrder)
 {
     constexpr size_t kReports = 2000;
-    constexpr size_t kUnread = 20; // hidapi drops what is more than 30 behind
+    constexpr size_t kUnread = 20; // hidapi keeps 30 unread reports
     sim::UsbDevice& device = plug();
     const Hid hid = opened(device);
     const auto report = [](size_t i) { return Bytes{3, sim::highByte(i), sim::lowByte(i)}; };
@@ -185,7 +185,7 @@ TEST_F(HidapiOnBus, RefusalsFailTheOpenUntilTheyEnd)
     }
     device.setOpenable(false);
     EXPECT_FALSE(openHid(device));
-    EXPECT_EQ(listed(), Lines{L"1-1:1.0 0b0e:0410 ?, ?"}) << "listed, but cannot be asked";
+    EXPECT_EQ(listed(), Lines{L"1-1:1.0 1209:0001 ?, ?"}) << "listed, but cannot be asked";
     device.unplug();
     device.plug();
     EXPECT_FALSE(openHid(device)) << "that outlasts unplugging";

@@ -1,3 +1,4 @@
+#include "hid/model/BuiltInDescriptor.h"
 #include "sim/device/profiles.h"
 #include "tests/support/device_file.h"
 #include "tests/support/temp_directory.h"
@@ -16,6 +17,15 @@ TEST(Profiles, DifferInTheirIds)
     for (const sim::Profile& profile : sim::profiles())
         EXPECT_TRUE(ids.emplace(profile.info.vendorId, profile.info.productId).second)
             << profile.name;
+}
+
+TEST(Profiles, BuiltInHasTheDescriptorThatKelprobeHas)
+{
+    const sim::UsbDeviceInfo& info = sim::findProfile("built-in")->info;
+    EXPECT_EQ(std::pair(info.vendorId, info.productId),
+        std::pair(KX::kBuiltInVendorId, KX::kBuiltInProductId));
+    EXPECT_EQ(info.reportDescriptor,
+        sim::Bytes(KX::kBuiltInDescriptor.begin(), KX::kBuiltInDescriptor.end()));
 }
 
 TEST(Profiles, EveryDescriptorFileHasAnOriginAndALicence)

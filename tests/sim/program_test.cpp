@@ -216,7 +216,7 @@ TEST_F(KelprobeSim, SaysWhatItIsOnStandardOutput)
     for (const auto& [arguments, first] : {
              std::pair{"--version", "kelprobe-sim " KELPROBE_VERSION},
              {"run --help", "usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]"},
-             {"list", "speakerphone     0b0e:0410  speakerphone, all controls in report 3"},
+             {"list", "speakerphone     1209:0001  speakerphone, all controls in report 3"},
          }) {
         start(arguments);
         EXPECT_EQ(line(), first);
