@@ -11,7 +11,7 @@
 
 namespace {
 
-const QString kSpeakerphone = QStringLiteral("0x0b0e-HID-0x0410#");  // "A" in stories
+const QString kSpeakerphone = QStringLiteral("0x1209-HID-0x0001#");  // "A" in stories
 const QString kLampPerReport = QStringLiteral("0x047f-HID-0xc056#"); // "B"
 
 #define RING "03 08 00; "

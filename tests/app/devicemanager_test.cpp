@@ -37,10 +37,10 @@ TEST_F(Devices, OneLineEachWithTheStringsThatThereAre)
     info.manufacturer = u"M\u00fcller \U0001F3A4 <b>";
     plug(info);
     const QStringList expected = {
-        QStringLiteral("046d:0867 1-3:1.0 "),
-        QStringLiteral("046d:0867 1-4:1.0 M\u00fcller \U0001F3A4 <b> "),
-        QStringLiteral("046d:0ac4 1-2:1.0 Simulated headset"),
-        QStringLiteral("0b0e:0410 1-1:1.0 Kelprobe Simulated speakerphone"),
+        QStringLiteral("1209:0001 1-1:1.0 Kelprobe Simulated speakerphone"),
+        QStringLiteral("1209:0004 1-2:1.0 Simulated headset"),
+        QStringLiteral("1209:0867 1-3:1.0 "),
+        QStringLiteral("1209:0867 1-4:1.0 M\u00fcller \U0001F3A4 <b> "),
     };
     DeviceManager manager;
     plug("lamp-per-report"); // too late
@@ -64,7 +64,7 @@ TEST_F(Devices, ChoosingARowSelectsTheIdOfItsLine)
     for (int row = 0; row < 3; ++row) {
         const QString line = manager.deviceListModel()->stringList()[row];
         const QString id
-            = line.startsWith(u"046d:0944 ") ? "0x046d-HID-0x0944#" : "0x0b0e-HID-0x0410#";
+            = line.startsWith(u"1209:0003 ") ? "0x1209-HID-0x0003#" : "0x1209-HID-0x0001#";
         manager.slt_onSelectDevice(row);
         const QString change = QStringLiteral("%1 KXHost Destroyed; %2 KXHost Created");
         // Rows of one vendor and product share a host.

@@ -129,9 +129,9 @@ TEST_F(Scene, FollowsAMeetingAndListsItsLog)
     EXPECT_TRUE(QTest::qWaitFor([&] { return look() == kClicks[5][1]; }));
 
     EXPECT_EQ(text("id_line4.count"), "10");
-    EXPECT_EQ(lastLine(), "0x0b0e-HID-0x0410# Muted from device");
+    EXPECT_EQ(lastLine(), "0x1209-HID-0x0001# Muted from device");
     EXPECT_EQ(text("[" + kLine + ".text, " + kLine + ".readOnly]"),
-        "0x0b0e-HID-0x0410# KXHost Created,true");
+        "0x1209-HID-0x0001# KXHost Created,true");
     const QVariant word
         = value(kLine + ".mapToItem(null, " + kLine + ".positionToRectangle(22).x, 5)");
     QTest::mouseDClick(window_, Qt::LeftButton, {}, word.toPointF().toPoint());
