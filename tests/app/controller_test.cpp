@@ -149,7 +149,7 @@ TEST_F(Controller, EveryStepOfAMeeting)
 
 TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
 {
-    auto& other = record(plug("lamp-per-report"));
+    auto& other = record(plug("led-per-report"));
     controller_ = std::make_unique<HidController>();
     controller_->selectDevice(kSpeakerphone);
     EXPECT_EQ(story_.take(), ONHOOK "A KXHost Created; ");

@@ -43,7 +43,7 @@ TEST_F(Devices, OneLineEachWithTheStringsThatThereAre)
         QStringLiteral("1209:0867 1-4:1.0 M\u00fcller \U0001F3A4 <b> "),
     };
     DeviceManager manager;
-    plug("lamp-per-report"); // too late
+    plug("led-per-report"); // too late
     QStringList lines = manager.deviceListModel()->stringList();
     lines.sort(); // hidapi does not promise an order
     EXPECT_EQ(lines, expected);

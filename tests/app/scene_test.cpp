@@ -145,7 +145,7 @@ TEST_F(Scene, FollowsAMeetingAndListsItsLog)
 TEST_F(Scene, ADeviceIsChosenFromTheList)
 {
     plug("speakerphone");
-    plug("lamp-per-report");
+    plug("led-per-report");
     open();
     EXPECT_EQ(text(kChoice + ".currentIndex"), "0");
     click(kChoice);

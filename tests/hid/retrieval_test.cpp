@@ -29,7 +29,7 @@ protected:
 TEST_F(Retrieval, FindsTheInterfaceByEitherFormOfItsPath)
 {
     auto& first = plug("speakerphone");
-    auto& second = plug("lamp-per-report");
+    auto& second = plug("led-per-report");
     EXPECT_EQ(retrieve("1-1:1.0"), first.info().reportDescriptor);
     EXPECT_EQ(retrieve("1-2:1.0"), second.info().reportDescriptor);
     EXPECT_EQ(retrieve("0001:0003:00"), second.info().reportDescriptor);

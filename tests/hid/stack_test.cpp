@@ -77,7 +77,7 @@ const std::pair<const char*, std::vector<Row>> kKinds[] = {
             {"offhook mute ring", "030100 030300", "hang-up; 03 00 00; 03 01 00; ", kCallActive,
                 kMuted},
         }},
-    {"lamp-per-report",
+    {"led-per-report",
         {
             {"ring", "0802 0801", "off-hook; 18 00; 17 01; mute; 09 01; ", kCallActive, kMuted},
             {"offhook", "hangup", "18 00; 17 00; 20 00; ", kCallIdle},
@@ -115,7 +115,7 @@ TEST_F(Stack, OpensOnHookAndClosesCompletely)
 {
     for (const auto& [profile, descriptorReads, story] : {
              std::tuple{"built-in", 0, ON_HOOK}, // whose descriptor is built in
-             {"lamp-per-report", 1, "18 00; 17 00; 20 00; "},
+             {"led-per-report", 1, "18 00; 17 00; 20 00; "},
          }) {
         auto& device = record(plug(profile));
         for (int time = 0; time < 2; ++time) {
@@ -138,7 +138,7 @@ TEST_F(Stack, OpensOnHookAndClosesCompletely)
 
 TEST_F(Stack, ClosesTheDeviceWhenOpenFails)
 {
-    sim::UsbDeviceInfo info = sim::findProfile("lamp-per-report")->info;
+    sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
     info.classDescriptors.emplace();
     const auto& withoutDescriptor = plug(info);
     int exits = calls::hidExits;
@@ -252,7 +252,7 @@ TEST_F(Stack, SurvivesAnUnplugDuringPressesAndOperations)
 
 TEST_F(Stack, ReopensWithoutControlsADeviceThatFailedToOpen)
 {
-    auto& device = record(plug("lamp-per-report"));
+    auto& device = record(plug("led-per-report"));
     device.setOpenable(false);
     EXPECT_EQ(open(device), 0);
     stack_->Ring();

@@ -96,7 +96,7 @@ TEST_F(Host, MapsStatesBothWays)
 TEST_F(Host, OneKeyOneStack)
 {
     auto& device = record(plug("speakerphone"));
-    auto& other = plug("lamp-per-report");
+    auto& other = plug("led-per-report");
     select(keyOf(device));
     EXPECT_EQ(story_.take(), "03 00 00; 03 00 00; 03 00 00; ");
     select(keyOf(device));
