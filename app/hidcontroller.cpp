@@ -64,10 +64,20 @@ void HidController::selectDevice(const QString& id)
         log(" KXHost Destroyed");
         m_destroyHost(m_host);
         m_host = nullptr;
+        discardQueuedEvents();
     }
     m_deviceId = id;
     createHost();
     syncStateToDevice();
+}
+
+// The old host sends no more events, but some may still be queued. Queued calls keep their order,
+// so until this one runs, every event that arrives was queued before it.
+void HidController::discardQueuedEvents()
+{
+    ++m_pendingDiscards;
+    QMetaObject::invokeMethod(
+        this, [this] { --m_pendingDiscards; }, Qt::QueuedConnection);
 }
 
 bool HidController::createHost()
@@ -147,7 +157,7 @@ void HidController::togglePickup()
 
 void HidController::slt_OnCommandChanged(KXCommand command)
 {
-    if (!m_host)
+    if (!m_host || m_pendingDiscards > 0)
         return;
     if (command == KXCommand::Accept)
         acceptFromDevice();
@@ -177,7 +187,7 @@ void HidController::rejectFromDevice()
 // Taken without a meeting, too, and not echoed to the device.
 void HidController::slt_OnStateChanged(KXState state, int value)
 {
-    if (!m_host || state != KXState::Mute)
+    if (!m_host || m_pendingDiscards > 0 || state != KXState::Mute)
         return;
     const bool muted = value != 0;
     setMuteState(muted);

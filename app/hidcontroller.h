@@ -87,12 +87,14 @@ private:
     void send(KXState state, uint8_t value);
     void sendMute(bool muted);
     void sendCall(KXCallState state);
+    void discardQueuedEvents();
     void acceptFromDevice();
     void rejectFromDevice();
     void setFlag(bool& flag, bool value, void (HidController::*changed)());
     void log(const char* text) const;
 
-    std::atomic<IKXHost*> m_host = nullptr; // the callbacks ask whether there is one
+    std::atomic<IKXHost*> m_host = nullptr; // read by the callbacks
+    int m_pendingDiscards = 0;              // while above 0, events are those of a previous host
     QString m_deviceId;
     bool m_muteState = false;
     bool m_meetingStatus = false;

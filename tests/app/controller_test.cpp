@@ -11,8 +11,14 @@
 
 namespace {
 
-const QString kSpeakerphone = QStringLiteral("0x1209-HID-0x0001#");  // "A" in stories
-const QString kLampPerReport = QStringLiteral("0x047f-HID-0xc056#"); // "B"
+QString idOf(const char* profile)
+{
+    const sim::UsbDeviceInfo& info = sim::findProfile(profile)->info;
+    return QString::asprintf("0x%04x-HID-0x%04x#", info.vendorId, info.productId);
+}
+
+const QString kSpeakerphone = idOf("speakerphone");     // "A" in stories
+const QString kLampPerReport = idOf("led-per-report"); // "B"
 
 #define RING "03 08 00; "
 #define ONHOOK "03 00 00; 03 00 00; 03 00 00; "
@@ -165,6 +171,23 @@ TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
     controller_.reset();
     EXPECT_EQ(story_.take(), "18 00; 17 00; 20 00; ");
     EXPECT_FALSE(other.claimed());
+}
+
+// The GUI thread is busy while both devices and another part of the program have something for it.
+TEST_F(Controller, QueuedEventsOfThePreviousDeviceAreDropped)
+{
+    auto& other = record(plug("led-per-report"));
+    start("Ring Pickup");
+    ASSERT_TRUE(device_->inject({3, 8, 0}));
+    EXPECT_EQ(storyLike("03 05 00; "), "03 05 00; ") << "the LED comes after the event";
+    QMetaObject::invokeMethod(controller_.get(), "toggleRing", Qt::QueuedConnection);
+    controller_->selectDevice(kLampPerReport);
+    (void)story_.take();
+    ASSERT_TRUE(other.inject({8, 1}));
+    EXPECT_EQ(storyLike("09 01; "), "09 01; ");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(story_.take(),
+        "18 01; B In Meeting and Incoming a New Meeting; ring+; mute+; B Muted from device; ");
 }
 
 struct WithFactory : HidController {

@@ -32,7 +32,7 @@ TEST_F(UsbCheck, SaysWhatToDoAboutEachDevice)
     EXPECT_EQ(statusOfNone, 1);
 
     auto& open = plug("speakerphone");
-    auto& forbidden = plug("lamp-per-report");
+    auto& forbidden = plug("led-per-report");
     const auto [fine, statusOfFine] = run();
     EXPECT_EQ(statusOfFine, 0);
     EXPECT_FALSE(contains(fine, "permission") || contains(fine, "in use")) << fine;
