@@ -4,7 +4,7 @@
 #include "app/hidcontroller.h"
 
 DeviceManager::DeviceManager()
-    : m_enumeration(hid_enumerate(0, 0)) // of every vendor, every product
+    : m_enumeration(hid_enumerate(0, 0)) // any vendor, any product
 {
     for (const hid_device_info* entry = m_enumeration.get(); entry; entry = entry->next) {
         m_deviceTexts.append(deviceLine(*entry));
@@ -29,7 +29,6 @@ void DeviceManager::setDeviceSelectedIndex(int index)
 
 void DeviceManager::slt_onSelectDevice(int index)
 {
-    // The combo box reports -1 while it has no row.
     if (index < 0 || static_cast<size_t>(index) >= m_entries.size())
         return;
     HidController::instance().selectDevice(deviceId(*m_entries[static_cast<size_t>(index)]));

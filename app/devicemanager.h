@@ -1,4 +1,4 @@
-// The HID devices that were connected when the program started, and the user's choice among them.
+// The list of the HID devices that were connected when the program started.
 #pragma once
 
 #include <QObject>
@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-// Everything here belongs to the GUI thread.
+// All operations belong to the GUI thread.
 class DeviceManager : public QObject {
     Q_OBJECT
     Q_PROPERTY(QStringListModel* deviceListModel READ deviceListModel NOTIFY sig_deviceModelChanged)
@@ -18,22 +18,24 @@ class DeviceManager : public QObject {
             sig_deviceSelectedIndexChanged)
 
 public:
-    // Asks hidapi for every HID device, once; a failure looks like no device. Blocks meanwhile
-    // (milliseconds a device).
+    // Enumerates all HID devices, once. If hidapi fails, the list is empty. Blocks for some
+    // milliseconds per device; hidapi waits up to a second for each request that a device does not
+    // answer.
     DeviceManager();
 
-    // The process-wide manager; created by the first call, destroyed at exit.
+    // The process-wide manager. Created by the first call, destroyed at exit.
     static DeviceManager& instance();
 
-    // A line for each device, in hidapi's order. Owned by the manager.
+    // One line per device, in hidapi's order. Owned by the manager, never changes.
     QStringListModel* deviceListModel() { return &m_listModel; }
 
-    // The row that the window starts with; slt_onSelectDevice() leaves it alone.
+    // The row that the window starts with. slt_onSelectDevice() does not change it.
     int deviceSelectedIndex() const { return m_deviceSelectedIndex; }
     void setDeviceSelectedIndex(int index);
 
 public Q_SLOTS:
-    // Makes the device of row `index` the controller's; an index outside the list is ignored.
+    // Passes the id of the device in row `index` to HidController::selectDevice(), which blocks.
+    // Ignores an index outside the list: the combo box reports -1 for an empty list.
     void slt_onSelectDevice(int index = 0);
 
 Q_SIGNALS:
@@ -45,10 +47,9 @@ private:
         void operator()(hid_device_info* list) const { hid_free_enumeration(list); }
     };
 
-    // Destroyed from the last to the first: the entries before the list they point into.
     QStringListModel m_listModel; // holds m_deviceTexts
     int m_deviceSelectedIndex = 0;
     std::unique_ptr<hid_device_info, FreeEnumeration> m_enumeration;
-    std::vector<const hid_device_info*> m_entries; // parallel to m_deviceTexts
+    std::vector<const hid_device_info*> m_entries; // point into m_enumeration, one per device text
     QStringList m_deviceTexts;
 };

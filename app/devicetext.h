@@ -1,14 +1,15 @@
-// The two texts made of an enumerated HID device: what the user chooses from, and the id.
+// The two texts made from an enumerated HID device: its line in the device list, and its id.
 #pragma once
 
 #include <QString>
 
 #include <hidapi/hidapi.h>
 
-// "VVVV:PPPP " (four lower-case hexadecimal digits each), then path, manufacturer and product as
-// far as they are known; path and manufacturer are followed by a blank.
+// "VVVV:PPPP " (four lower-case hexadecimal digits each), then path, manufacturer and product,
+// without those that are null. A blank follows the path and the manufacturer. The names are not
+// changed: they may contain line breaks or markup.
 QString deviceLine(const hid_device_info& device);
 
-// "0xVVVV-HID-0xPPPP#", the key that the host selects by. Devices of one vendor and product share
-// it.
+// "0xVVVV-HID-0xPPPP#", the key by which the host selects a device. Devices with the same vendor
+// and product id have the same key.
 QString deviceId(const hid_device_info& device);

@@ -136,7 +136,7 @@ void HidController::toggleHangup()
         return;
     sendCall(KXCallIdle);
     if (m_meetingStatus)
-        sendCall(KXCallActive); // out of the ringing call, back in the running meeting
+        sendCall(KXCallActive); // rejects the ringing call, keeps the running meeting
     log(m_meetingStatus ? " In Meeting and Reject a New Meeting from UI"
                         : " Reject Meeting from UI");
     setRingState(false);
@@ -165,7 +165,7 @@ void HidController::slt_OnCommandChanged(KXCommand command)
         rejectFromDevice();
 }
 
-// A device may accept, and reject below, while nothing rings.
+// ringState is not checked: a device may accept or reject while nothing rings.
 void HidController::acceptFromDevice()
 {
     sendCall(KXCallActive);
@@ -174,8 +174,8 @@ void HidController::acceptFromDevice()
     setRingState(false);
 }
 
-// In a meeting a single off-hook, where toggleHangup() sends on-hook first: deliberate, the device
-// has left the ringing call by itself.
+// In a meeting this sends only off-hook, while toggleHangup() sends on-hook first. Deliberate: the
+// device has already left the ringing call by itself.
 void HidController::rejectFromDevice()
 {
     sendCall(m_meetingStatus ? KXCallActive : KXCallIdle);
@@ -184,7 +184,7 @@ void HidController::rejectFromDevice()
     setRingState(false);
 }
 
-// Taken without a meeting, too, and not echoed to the device.
+// Also accepted while no meeting is on. Not sent back to the device.
 void HidController::slt_OnStateChanged(KXState state, int value)
 {
     if (!m_host || m_pendingDiscards > 0 || state != KXState::Mute)

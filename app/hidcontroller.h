@@ -1,8 +1,8 @@
 // The simulated meeting: its state, the device that shows it, and the log of its transitions.
 //
-// Every change goes the same way, whether a button of the window or of the device asked for it: to
-// the device, to the properties, and as one line to the log list. The operations differ in the
-// order of the three on purpose; the order of reports and lines can be relied on.
+// Every transition, whether a button of the window or of the device caused it, is sent to the
+// device, stored in the properties and logged as one line. The order of these three differs
+// between the operations; it is deliberate and callers may rely on it.
 #pragma once
 
 #include "host/IKXHost.h"
@@ -16,8 +16,11 @@
 Q_DECLARE_METATYPE(KXCommand)
 Q_DECLARE_METATYPE(KXState)
 
-// Belongs to the GUI thread, except for the two callback operations, which the host calls on a
-// thread of its own: they only emit, and queued connections carry the event over.
+// All operations belong to the GUI thread, except the two callback operations: the host calls them
+// on its reader thread. They only emit a signal, which a queued connection takes to the GUI thread.
+//
+// Every operation that sends to the device blocks until the device has taken each report; a device
+// that does not take a report costs up to a second for it.
 class HidController : public QObject, public IKXHostCallback {
     Q_OBJECT
     Q_PROPERTY(bool muteState READ muteState WRITE setMuteState NOTIFY sig_muteStateChanged)
@@ -28,36 +31,43 @@ class HidController : public QObject, public IKXHostCallback {
 public:
     HidController();
 
-    // Leaves the device on-hook and closes it; blocks as selectDevice() does.
+    // Sends on-hook to the device and closes it. Blocks as selectDevice() does for the old device.
     ~HidController() override;
 
-    // The process-wide controller; created by the first call, destroyed at exit.
+    // The process-wide controller. Created by the first call, destroyed at exit.
     static HidController& instance();
 
     bool muteState() const { return m_muteState; }         // the meeting is muted
     bool meetingStatus() const { return m_meetingStatus; } // a meeting is on
     bool ringState() const { return m_ringState; }         // an incoming meeting is ringing
 
-    // The setters tell the window, not the device.
+    // These send nothing to the device and log nothing.
     void setMuteState(bool muted);
     void setMeetingStatus(bool on);
     void setRingState(bool ringing);
 
-    // Leaves the current device on-hook, closes it and opens that of `id`, "0xVVVV-HID-0xPPPP#";
-    // the meeting goes on with it. The id already selected is ignored. Whether the device opened
-    // is not known here. Blocks for up to a read time-out (100 ms) while a device is closed.
+    // Sends on-hook to the current device, closes it, and opens the device of `id`
+    // ("0xVVVV-HID-0xPPPP#"). The meeting continues on the new device; events of the old one that
+    // are still queued are dropped. Does nothing if `id` is the current id. Does not report
+    // whether the device opened.
+    //
+    // Blocks. Closing waits for the reader thread: a read time-out (100 ms), or longer if that
+    // thread is sending reports. Opening a kind of device for the first time reads its report
+    // descriptor: four attempts of up to 5 s each if the device does not answer. Closing and
+    // opening both send reports.
     void selectDevice(const QString& id);
 
-    // Called by the host on its own thread; ignored without a host.
+    // Called by the host on its reader thread. Ignored while there is no host.
     void OnCommand(KXCommand command, void* reserved) override;
     void OnState(KXState state, const uint8_t* value) override;
 
-    virtual void reserved(); // does nothing; keeps the place of the operations behind it
+    virtual void reserved(); // does nothing; keeps the order of the virtual operations
 
-    // Makes a host for the current device id. False when there is none to be had.
+    // Creates a host and selects the current device id, blocking as selectDevice() does for the
+    // new device. Returns false if there is no factory or it creates no host.
     virtual bool createHost();
 
-    // Brings a new host up to the meeting's state.
+    // Sends the meeting's state to a new host.
     virtual void syncStateToDevice();
 
 public Q_SLOTS:
@@ -78,7 +88,7 @@ private Q_SLOTS:
     void slt_OnStateChanged(KXState state, int value);
 
 protected:
-    // The host module's entry functions, installed at construction.
+    // The host module's entry functions. Set at construction.
     decltype(&CreateKXHost) m_createHost = nullptr;
     decltype(&DestroyKXHost) m_destroyHost = nullptr;
     decltype(&IsSameConferenceDevice) m_isSameConferenceDevice = nullptr; // never called here

@@ -19,8 +19,9 @@ void CLocalTrace::TraceRecord(uint32_t, uint32_t, const char*, size_t) { }
 
 void CLocalTrace::Reset()
 {
-    // A home that is unset or too long leaves a path that does not open, or the file in the root
-    // directory: both are meant, so the results are not looked at.
+    // The results are ignored on purpose. A rejected copy or append leaves the path as it is: if
+    // RKB_HOME is unset or too long, the path is "/logs/kxhost.log"; if there is only no room for
+    // the file's name, it is the home directory, which does not open for writing.
     char path[kPathSize] = {};
     static_cast<void>(rkb::strcpy_s(path, sizeof path, std::getenv("RKB_HOME")));
     static_cast<void>(rkb::strcat_s(path, sizeof path, "/logs/kxhost.log"));

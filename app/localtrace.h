@@ -1,16 +1,16 @@
-// The program's receiver of the diagnostic traces of the host and the stack.
+// Receives the diagnostic traces of the host and the stack.
 #pragma once
 
 #include "base/src/trace.h"
 
-// Keeps no state: any thread may call it at any time. The one object of it is what
-// KX::traceSettings holds from load to exit.
+// Has no state, so any thread may call it at any time. KX::traceSettings points to the only object
+// from load to exit.
 class CLocalTrace final : public ITraceObserver {
 public:
-    // Drops the trace: what the user sees is the log list of the window alone.
+    // Drops the trace. The user sees only the log list of the window.
     void TraceRecord(uint32_t kind, uint32_t levelBit, const char* text, size_t length) override;
 
-    // Empties, or creates, logs/kxhost.log below the directory that RKB_HOME names. Does nothing
-    // when that file cannot be opened, and reports nothing.
+    // Truncates or creates the file logs/kxhost.log below the directory that RKB_HOME names.
+    // Ignores errors.
     void Reset() override;
 };

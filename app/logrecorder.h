@@ -13,19 +13,22 @@ class LogRecorder : public QObject {
 public:
     LogRecorder() = default;
 
-    // The process-wide recorder; created by the first call, destroyed at exit.
+    // The process-wide recorder. Created by the first call, destroyed at exit.
     static LogRecorder& instance();
 
-    // The lines, oldest first. Owned by the recorder; belongs to the GUI thread.
+    // The lines, oldest first. Owned by the recorder, belongs to the GUI thread.
     QStringListModel* logListModel() { return &m_logListModel; }
 
-    // Adds a line at the end; there is no limit on their number. Any thread, as long as the model's
-    // other users keep to that thread, too, or wait.
+    // Adds a line at the end. The number of lines is not limited.
+    //
+    // Any thread may call this, but only append() itself is guarded: while another thread than the
+    // GUI thread appends, nothing else may use the model. The model emits its signals while the
+    // lock is held, and the lock is not recursive: a slot that is connected directly to the model
+    // must not call append().
     void append(const QString& line);
 
 public Q_SLOTS:
-    // Empties the list. GUI thread, with no append() on another thread at that moment: it takes no
-    // lock.
+    // Empties the list. GUI thread only. Takes no lock, so no other thread may append meanwhile.
     void toggleClearLog();
 
 Q_SIGNALS:
