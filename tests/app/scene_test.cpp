@@ -13,6 +13,8 @@
 #include <QQuickWindow>
 #include <QtTest>
 
+#include <filesystem>
+#include <fstream>
 #include <optional>
 
 namespace {
@@ -168,6 +170,16 @@ TEST_F(Scene, ADevicesNamesAreNoMarkup)
     EXPECT_EQ(text(row + ".text"), text(kChoice + ".displayText"));
     EXPECT_EQ(value(row + ".textFormat"), QVariant(Qt::PlainText));
     EXPECT_FALSE(window_->grabWindow().isNull()); // drawing it loads no image
+}
+
+TEST_F(Scene, HasNoDBusThread)
+{
+    open();
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string name;
+        std::getline(std::ifstream(thread.path() / "comm"), name);
+        EXPECT_NE(name, "QDBusConnection") << "see tests/support/no_session_bus.cpp";
+    }
 }
 
 TEST_F(Scene, IsLaidOutAndDrawn)
