@@ -1,6 +1,7 @@
 #include "app/devicemanager.h"
 #include "app/hidcontroller.h"
 #include "app/logrecorder.h"
+#include "app/quitsignals.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -32,5 +33,6 @@ int main(int argc, char* argv[])
     qputenv("RKB_HOME", "/home/tarnu/.mivo");
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QGuiApplication application(argc, argv);
+    const QuitSignals quitSignals;
     return runWindow();
 }
