@@ -1,8 +1,8 @@
-// The main window. It keeps no state of its own: it shows the properties of cls_DeviceManager,
-// cls_HidController and cls_LogRecorder and calls their slots.
+// The main window. It shows the properties of cls_DeviceManager, cls_HidController and
+// cls_LogRecorder and calls their slots. Its only state is whether the log view follows its end.
 //
-// The three children of id_function_area are anchored although a layout manages them, of which Qt
-// warns once each; their sizes come out of both, so keep the two together.
+// The three children of id_function_area have anchors although a layout manages them. Qt warns once
+// about each. Keep both: position and width come from the anchors, the height from the layout.
 import QtQuick 2.9
 import QtQuick.Controls 2.2
 import QtQuick.Controls.Styles 1.4
@@ -13,12 +13,20 @@ ApplicationWindow {
     visible: true
     width: 640
     height: 480
+    minimumWidth: id_line3.implicitWidth + 40 // all buttons with their whole texts
+    minimumHeight: 240 // some lines of the log
     title: qsTr("Kelprobe")
 
     component CommandButton: Button {
         id: button
         Layout.fillWidth: true
-        onDoubleClicked: clicked() // Qt's button leaves out every second one of fast clicks
+        onDoubleClicked: clicked() // which Qt does not emit for the second of two fast clicks
+        contentItem: Label {
+            text: button.text
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+        }
         background: Rectangle {
             implicitWidth: 100
             implicitHeight: 40
@@ -26,6 +34,17 @@ ApplicationWindow {
             border.color: "#26282a"
             border.width: 1
             radius: 4
+
+            // The keyboard focus, in the colour of the combo box's.
+            Rectangle {
+                anchors.fill: parent
+                anchors.margins: 1
+                color: "transparent"
+                border.color: button.palette.highlight
+                border.width: 2
+                radius: 3
+                visible: button.visualFocus
+            }
         }
     }
 
@@ -62,16 +81,31 @@ ApplicationWindow {
                 model: cls_DeviceManager.deviceListModel
                 currentIndex: cls_DeviceManager.deviceSelectedIndex
                 onCurrentIndexChanged: cls_DeviceManager.slt_onSelectDevice(currentIndex)
-                // As the style's own, but for the text: a device's names are shown as they are,
-                // not taken for markup (images would be loaded) nor for a key after each "&".
+                displayText: oneLine(currentText)
+                implicitWidth: 140 // whatever the text: a change makes Qt repeat its three warnings
+                contentItem: Label {
+                    leftPadding: 12
+                    text: id_device.displayText
+                    textFormat: Text.PlainText
+                    elide: Text.ElideRight
+                    verticalAlignment: Text.AlignVCenter
+                }
+
+                // Names come from the device and may contain control characters.
+                function oneLine(text) {
+                    return text.replace(/[\u0000-\u001f\u007f-\u009f\u2028\u2029]+/g, " ")
+                }
+
+                // Like the style's delegate, but long names wrap, and names are plain text: markup
+                // could load images, and "&" would mark a key.
                 delegate: ItemDelegate {
                     width: ListView.view.width
                     highlighted: id_device.highlightedIndex === index
                     font.weight: id_device.currentIndex === index ? Font.DemiBold : Font.Normal
                     contentItem: Label {
-                        text: model.display // "display" alone is the button's
+                        text: id_device.oneLine(model.display) // "display" alone is the button's
                         textFormat: Text.PlainText
-                        elide: Text.ElideRight
+                        wrapMode: Text.Wrap
                         verticalAlignment: Text.AlignVCenter
                     }
                 }
@@ -131,10 +165,36 @@ ApplicationWindow {
             anchors.bottom: parent.bottom
             implicitHeight: 400
             Layout.fillHeight: true
-            clip: true // a line cut at the bottom must not run into the status labels
+            clip: true // half a line at the bottom must not reach the status labels
             model: cls_LogRecorder.logListModel
+            keyNavigationEnabled: false // there is no current line
+
+            // Whether new lines scroll into view: until the user scrolls up, and again at the end.
+            property bool following: true
+            function showEnd() {
+                if (following)
+                    positionViewAtEnd()
+            }
+            onMovementStarted: following = false
+            onMovementEnded: following = atYEnd
+            onCountChanged: if (count === 0) following = true
+            onWidthChanged: Qt.callLater(showEnd)
+            onHeightChanged: Qt.callLater(showEnd)
+
+            // Not with onCountChanged: that comes a frame later.
+            Connections {
+                target: cls_LogRecorder.logListModel
+                function onRowsInserted() { Qt.callLater(id_line4.showEnd) }
+            }
+
+            ScrollBar.vertical: ScrollBar {
+                id: id_scroll_bar
+                policy: size < 1 ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+                onPressedChanged: id_line4.following = !pressed && id_line4.atYEnd
+            }
+
             delegate: TextEdit {
-                width: ListView.view.width
+                width: ListView.view.width - id_scroll_bar.width
                 text: display
                 readOnly: true
                 selectByMouse: true
@@ -143,8 +203,8 @@ ApplicationWindow {
         }
     }
 
-    // A strip 10 pixels high on purpose, as the function area ends 20 above the window's bottom:
-    // the labels begin in it and draw beyond it.
+    // Only 10 pixels high on purpose, as the function area ends 20 pixels above the window's bottom.
+    // The labels draw beyond it.
     RowLayout {
         anchors.top: id_function_area.bottom
         anchors.left: parent.left
@@ -160,6 +220,7 @@ ApplicationWindow {
 
             Label {
                 id: id_meeting_status
+                font.bold: true
                 text: cls_HidController.meetingStatus ? qsTr("Meeting is On") : qsTr("Meeting is Off")
             }
         }
@@ -170,6 +231,7 @@ ApplicationWindow {
 
             Label {
                 id: id_mute_status
+                font.bold: true
                 text: cls_HidController.muteState ? qsTr("Meeting is Muted") : qsTr("Meeting is Unmuted")
             }
 
@@ -181,5 +243,14 @@ ApplicationWindow {
                 visible: cls_HidController.muteState
             }
         }
+    }
+
+    // Separates the log from the status labels.
+    Rectangle {
+        anchors.top: id_function_area.bottom
+        anchors.left: id_function_area.left
+        anchors.right: id_function_area.right
+        height: 1
+        color: "#26282a"
     }
 }

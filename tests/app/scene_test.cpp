@@ -131,9 +131,9 @@ TEST_F(Scene, FollowsAMeetingAndListsItsLog)
     EXPECT_TRUE(QTest::qWaitFor([&] { return look() == kClicks[5][1]; }));
 
     EXPECT_EQ(text("id_line4.count"), "10");
-    EXPECT_EQ(lastLine(), "0x1209-HID-0x0001# Muted from device");
-    EXPECT_EQ(text("[" + kLine + ".text, " + kLine + ".readOnly]"),
-        "0x1209-HID-0x0001# KXHost Created,true");
+    EXPECT_TRUE(lastLine().ends_with("# Muted from device"));
+    EXPECT_TRUE(text(kLine + ".text").ends_with("# KXHost Created"));
+    EXPECT_EQ(text(kLine + ".readOnly"), "true");
     const QVariant word
         = value(kLine + ".mapToItem(null, " + kLine + ".positionToRectangle(22).x, 5)");
     QTest::mouseDClick(window_, Qt::LeftButton, {}, word.toPointF().toPoint());
@@ -159,17 +159,95 @@ TEST_F(Scene, ADeviceIsChosenFromTheList)
         lastLine(), "0x" + row.substr(0, 4) + "-HID-0x" + row.substr(5, 4) + "# KXHost Created");
 }
 
-TEST_F(Scene, ADevicesNamesAreNoMarkup)
+TEST_F(Scene, DeviceNamesAreShownWholeAndAsPlainText)
 {
     sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
     info.manufacturer = u"A&B <img src=\"qrc:/mivo/images/video/mutedmic.png\">";
+    info.product = u"two\nlines\u2028and\ttabs " + std::u16string(70, u'w');
     plug(info);
     open();
+    EXPECT_NE(text(kChoice + ".displayText").find("> two lines and tabs www"), std::string::npos);
     click(kChoice);
     const std::string row = kChoice + ".popup.contentItem.itemAt(20, 20).contentItem";
     EXPECT_EQ(text(row + ".text"), text(kChoice + ".displayText"));
     EXPECT_EQ(value(row + ".textFormat"), QVariant(Qt::PlainText));
+    EXPECT_EQ(text("[" + row + ".lineCount > 1, " + row + ".truncated]"), "true,false");
     EXPECT_FALSE(window_->grabWindow().isNull()); // drawing it loads no image
+}
+
+TEST_F(Scene, TheLogViewFollowsItsEndUntilItIsScrolledUp)
+{
+    open();
+    const auto append = [](int lines) {
+        for (int i = 0; i < lines; ++i)
+            LogRecorder::instance().append(QString(i % 3 * 60, QLatin1Char('w')));
+    };
+    const auto showsEnd = [&] {
+        return text("id_line4.indexAt(1, id_line4.contentY + id_line4.height - 1) + 1")
+            == text("id_line4.count");
+    };
+    const auto position = [&] { return value("id_line4.contentY").toReal(); };
+    // Moves the handle of the scroll bar by a share of the view's height.
+    const auto drag = [&](double share) {
+        const QPoint handle = middle("id_scroll_bar.contentItem");
+        const int way = static_cast<int>(share * value("id_line4.height").toReal());
+        QTest::mousePress(window_, Qt::LeftButton, {}, handle);
+        QTest::mouseMove(window_, handle + QPoint(0, way / 2));
+        QTest::mouseMove(window_, handle + QPoint(0, way));
+        QTest::mouseRelease(window_, Qt::LeftButton, {}, handle + QPoint(0, way));
+    };
+
+    EXPECT_EQ(text("id_scroll_bar.visible"), "false");
+    append(100);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.count") == "100" && showsEnd(); }));
+    EXPECT_EQ(text("id_scroll_bar.visible"), "true");
+    window_->setHeight(300);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return value("id_line4.height").toInt() < 150 && showsEnd(); }));
+
+    QWheelEvent wheel(middle("id_line4"), window_->mapToGlobal(middle("id_line4")), {}, {0, 240},
+        Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(window_, &wheel);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.moving") == "false"; }));
+    EXPECT_FALSE(showsEnd());
+    const qreal scrolled = position();
+    append(2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.count") == "102"; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(position(), scrolled);
+
+    drag(1);
+    EXPECT_TRUE(showsEnd());
+    append(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.count") == "103" && showsEnd(); }));
+    drag(-1);
+    EXPECT_FALSE(showsEnd());
+    click("id_clearlog");
+    append(50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.count") == "50" && showsEnd(); }));
+}
+
+TEST_F(Scene, EveryButtonShowsTheKeyboardFocus)
+{
+    open();
+    controller_.setMeetingStatus(true);
+    controller_.setRingState(true);
+    window_->requestActivate(); // there is no window manager
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
+    const std::string name = kButtons + ".findIndex(b => b.activeFocus)";
+    while (text(name) != "0")
+        QTest::keyClick(window_, Qt::Key_Tab);
+    for (int i = 0; i < 5; ++i) {
+        const std::string button = kButtons + "[" + std::to_string(i) + "]";
+        EXPECT_EQ(text(name), std::to_string(i));
+        const QPoint edge = value(button + ".mapToItem(null, 2, 20)").toPointF().toPoint();
+        const QColor focused = window_->grabWindow().pixelColor(edge);
+        QTest::keyClick(window_, Qt::Key_Tab);
+        EXPECT_NE(window_->grabWindow().pixelColor(edge), focused) << i;
+        EXPECT_EQ(text("Qt.colorEqual(" + button + ".palette.highlight, '"
+                      + focused.name().toStdString() + "')"),
+            "true");
+    }
 }
 
 TEST_F(Scene, HasNoDBusThread)
@@ -182,29 +260,37 @@ TEST_F(Scene, HasNoDBusThread)
     }
 }
 
-TEST_F(Scene, IsLaidOutAndDrawn)
+// Also in the smallest window.
+TEST_F(Scene, NothingIsCut)
+{
+    controller_.setMuteState(true);
+    open();
+    for (const char* size : {"[width, height]", "[minimumWidth, minimumHeight]"}) {
+        const auto wanted = value(size).value<QVariantList>();
+        window_->resize(wanted[0].toInt(), wanted[1].toInt());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return value("contentItem.height") == wanted[1]; }));
+        for (const std::string& expression :
+            {
+                kButtons + ".every(b => !b.contentItem.truncated)",
+                std::string("id_line4.height > 40"),
+                kButtons + ".every(b => Math.abs(b.width - id_mute.width) <= 1)",
+                std::string("id_banner.width < width"),
+                std::string("id_line3.y >= id_line2.y + id_line2.height"),
+                // Both the anchors and the layout have a say in these.
+                std::string("id_line4.y == id_line3.y + id_line3.height + 20"),
+                std::string("id_line4.y + id_line4.height == id_function_area.height"),
+                std::string("id_line4.width == id_function_area.width"),
+                std::string("id_mute_status.mapToItem(null, 0, id_mute_status.height).y <= height"),
+                kIcon + ".mapToItem(null, " + kIcon + ".width, 0).x <= width",
+                kIcon + ".implicitWidth > 0", // the odd URL finds it
+            })
+            EXPECT_EQ(text(expression), "true") << expression << " at " << size;
+    }
+}
+
+TEST_F(Scene, AButtonIsDrawnPressed)
 {
     open();
-    for (const auto& [expression, expected] : {
-             std::pair<std::string, std::string>{
-                 "[title, width, height, visible]", "Kelprobe,640,480,true"},
-             {kButtons + ".map(b => b.text)", "Mute,Pickup,Hangup,Incoming,ClearLog"},
-             {kButtons + ".map(b => b.flat)", "false,true,true,true,true"},
-             {kButtons + ".every(b => Math.abs(b.width - id_mute.width) <= 1)", "true"},
-             {"[id_banner.y, Math.abs(2 * id_banner.x + id_banner.width - width) < 2]", "20,true"},
-             {"Math.abs(id_function_area.y - id_banner.y - id_banner.height / 2 - 20) < 1", "true"},
-             {"[id_function_area.x, id_function_area.width]", "20,600"},
-             {"id_function_area.y + id_function_area.height", "460"},
-             {"[id_line2, id_line3, id_line4].map(i => [i.x, i.width])", "0,600,0,600,0,600"},
-             {"id_line4.y - id_line3.y - id_line3.height", "20"},
-             {"id_line4.y + id_line4.height == id_function_area.height", "true"},
-             {"id_mute_status.parent.parent.height", "10"},
-             {"[id_mute.background.color, id_mute.background.border.color]", "#f6f6f6,#26282a"},
-             {kChoice + ".count", "0"},              // without a device
-             {kIcon + ".implicitWidth > 0", "true"}, // the odd URL finds it
-         })
-        EXPECT_EQ(text(expression), expected) << expression;
-
     const QPoint inside(middle("id_incoming").x(), middle("id_line3").y() - 15);
     EXPECT_EQ(window_->grabWindow().pixelColor(inside), QColor(0xf6, 0xf6, 0xf6));
     QTest::mousePress(window_, Qt::LeftButton, {}, inside);
