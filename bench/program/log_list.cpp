@@ -52,10 +52,11 @@ public:
 
     void append(int lines, bench::LogView view)
     {
-        const char* const show
-            = view == bench::LogView::MovedToEnd ? "positionViewAtEnd" : "forceLayout";
+        const bool follow = view == bench::LogView::MovedToEnd;
+        m_view->setProperty("following", follow);
+        const char* const show = follow ? "showEnd" : "forceLayout";
         for (int i = 0; i < lines; ++i) {
-            m_recorder.append(QStringLiteral("0x0b0e-HID-0x0410# Muted from device"));
+            m_recorder.append(QStringLiteral("0x0000-HID-0x0000# Muted from device"));
             QMetaObject::invokeMethod(m_view, show); // what the next frame begins with
         }
     }

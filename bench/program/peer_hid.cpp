@@ -1,4 +1,5 @@
-// peer-hid PATH: the bare hidapi program. Reads all the time, writes one report on each command.
+// peer-hid PATH: a hidapi program without a window. Reads in a loop, writes one report per command.
+#include "bench/program/channel.h"
 #include "bench/program/read_loop.h"
 
 #include <thread>
@@ -23,7 +24,10 @@ int main(int argc, char* argv[])
     hid_device* const device = argc == 2 ? hid_open_path(argv[1]) : nullptr;
     if (!device)
         return EXIT_FAILURE;
-    std::thread(bench::readReports, device, channel).detach();
+    std::thread([=] {
+        bench::readReports(
+            device, [=] { bench::tell(channel, bench::Moment::Report, bench::now()); });
+    }).detach();
     bench::tell(channel, bench::Moment::Ready, bench::now());
     writeOnCommand(device, channel);
     std::_Exit(EXIT_SUCCESS); // the reader does not end otherwise

@@ -1,6 +1,6 @@
 // peer-window SCENE [PATH]: a window with a scene that is compiled ahead of time as Kelprobe's is:
-// "peer_window", "peer_text", or "main", which is Kelprobe's own over plain values. With a path it
-// reads that device meanwhile.
+// "peer_window", "peer_text", or "main", which is Kelprobe's own scene over plain values. Reads the
+// device PATH in a loop; each report is a mute press.
 #include "bench/program/plain_values.h"
 #include "bench/program/read_loop.h"
 
@@ -12,12 +12,17 @@
 
 namespace {
 
-bool startReading(const char* path)
+bool startReading(const char* path, PlainValues& values)
 {
     hid_device* const device = hid_open_path(path);
-    if (device)
-        std::thread(bench::readReports, device, bench::channelFromEnvironment()).detach();
-    return device != nullptr;
+    if (!device)
+        return false;
+    std::thread([device, &values] {
+        bench::readReports(device, [&values] {
+            QMetaObject::invokeMethod(&values, &PlainValues::pressMute, Qt::QueuedConnection);
+        });
+    }).detach();
+    return true;
 }
 
 } // namespace
@@ -26,9 +31,9 @@ int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QGuiApplication application(argc, argv);
-    if (argc < 2 || (argc > 2 && !startReading(argv[2])))
-        return EXIT_FAILURE;
     PlainValues values;
+    if (argc < 2 || (argc > 2 && !startReading(argv[2], values)))
+        return EXIT_FAILURE;
     QQmlApplicationEngine engine;
     for (const char* name : {"cls_DeviceManager", "cls_HidController", "cls_LogRecorder"})
         engine.rootContext()->setContextProperty(QLatin1String(name), &values);

@@ -9,8 +9,8 @@ namespace {
 
 sim::UsbDeviceInfo describe(Speakerphone::Owner owner)
 {
-    sim::UsbDeviceInfo info = sim::findProfile("built-in")->info;
-    info.productId = static_cast<uint16_t>(owner);
+    sim::UsbDeviceInfo info = sim::profiles().front().info;
+    info.productId = static_cast<uint16_t>(info.productId + static_cast<uint16_t>(owner));
     return info;
 }
 
@@ -57,6 +57,12 @@ BareReader::BareReader(const Speakerphone& device)
     : Client({BENCH_PEER_HID, device.hidPath()}, Probe::None)
 {
     await(Moment::Ready);
+}
+
+PeerWindow::PeerWindow(const Speakerphone& device)
+    : Client({BENCH_PEER_WINDOW, "main", device.hidPath()}, Probe::Preloaded)
+{
+    await(Moment::Frame);
 }
 
 Meeting::Meeting(sim::UsbBus& bus)

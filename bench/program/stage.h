@@ -6,11 +6,11 @@
 
 namespace bench {
 
-// A simulated speakerphone. Kelprobe opens the first device it finds, so that of a peer is plugged
-// in later, and has a product id of its own.
+// A simulated speakerphone. Kelprobe opens the first device that it finds, so the devices of the
+// peers are plugged in later, and have product ids of their own.
 class Speakerphone : public sim::UsbDevice {
 public:
-    enum class Owner : uint16_t { Kelprobe = 0x0410, Peer = 0x0411 };
+    enum class Owner : uint16_t { Kelprobe, Peer, PeerWindow };
 
     Speakerphone(sim::UsbBus& bus, Owner owner); // plugged in
 
@@ -46,7 +46,13 @@ public:
     explicit BareReader(const Speakerphone& device);
 };
 
-// Both at the same bus in a meeting.
+// Reads with a window: Kelprobe's scene over plain values.
+class PeerWindow : public Client {
+public:
+    explicit PeerWindow(const Speakerphone& device);
+};
+
+// Kelprobe in a meeting, and a reader, on the same bus.
 struct Meeting {
     explicit Meeting(sim::UsbBus& bus);
 
