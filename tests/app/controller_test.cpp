@@ -1,5 +1,5 @@
-// The meeting against simulated devices and the real host: every report that a device gets, every
-// log line and every change the window sees, in one order.
+// The meeting with simulated devices and the real host: every report that a device receives, every
+// log line and every change of a property, in their order.
 #include "app/hidcontroller.h"
 #include "app/logrecorder.h"
 #include "tests/support/bus_test.h"
@@ -40,12 +40,12 @@ protected:
 
     void TearDown() override
     {
-        controller_.reset(); // closes the device while there is a bus
+        controller_.reset(); // before the bus
         BusTest::TearDown();
     }
 
-    // A controller with the speakerphone, and the meeting as `steps` have it. What the window sees
-    // change is in the story from then on.
+    // Creates a controller with the speakerphone and performs `steps`. After that the story also
+    // has the changes of the properties.
     void start(const std::string& steps = "")
     {
         controller_ = std::make_unique<HidController>();
@@ -61,9 +61,9 @@ protected:
             [=, this] { story_.add(c->ringState() ? "ring+" : "ring-"); });
     }
 
-    // Does each of the words: a button's slot without its "toggle"; "command:N" or
-    // "state:KIND:VALUE", from the host; "REPORT:N", from the device, which the stack itself
-    // answers with N reports.
+    // Performs each word: the name of a button's slot without "toggle"; "command:N" or
+    // "state:KIND:VALUE" from the host; "REPORT:N" from the device, to which the stack itself
+    // responds with N reports.
     void perform(const std::string& words)
     {
         std::istringstream stream(words);
@@ -81,7 +81,7 @@ protected:
         }
     }
 
-    // From the host. Nothing may happen before the GUI thread has its turn.
+    // Nothing may happen before the GUI thread processes its events.
     void call(const std::function<void()>& callback)
     {
         const size_t before = story_.length();
@@ -90,7 +90,8 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    // The GUI thread has its turn only after the stack's answers, so that there is one order.
+    // The GUI thread processes its events after the stack's reports, so the order is always the
+    // same.
     void press(const Bytes& report, size_t answers)
     {
         const size_t answered = story_.length() + answers;
@@ -107,7 +108,7 @@ protected:
     QObject here_;
 };
 
-// What comes before, the step, and what comes of it.
+// The steps before, the step, and the story of it.
 // clang-format off
 constexpr const char* kSteps[][3] = {
     // From the window.
@@ -126,14 +127,14 @@ constexpr const char* kSteps[][3] = {
         ONHOOK OFFHOOK "A In Meeting and Reject a New Meeting from UI; ring-; "},
     {"Ring Pickup Ring", "Pickup",
         ONHOOK OFFHOOK "A In Meeting and Accept a New Meeting from UI; ring-; "},
-    // From the host, whatever the meeting is.
+    // From the host, in any state of the meeting.
     {"", "command:0", OFFHOOK "meeting+; A Accept Meeting from device; "},
     {"", "command:1", ONHOOK "A Reject Meeting from device; "},
     {"Ring", "command:2 command:255", ""},
     {"", "state:0:2", "mute+; A Muted from device; "},
     {"", "state:0:0", "A Unmuted from device; "},
     {"", "state:1:1 state:2:1", ""},
-    // From the device: first the stack's own answer.
+    // From the device. The reports of the stack come first.
     {"Ring", "030100:2", OFFHOOK OFFHOOK "meeting+; A Accept Meeting from device; ring-; "},
     {"Ring", "030000:2", "03 00 00; 03 00 00; " ONHOOK "A Reject Meeting from device; ring-; "},
     {"Ring Pickup", "030800:1", "03 05 00; mute+; A Muted from device; "},
@@ -153,7 +154,7 @@ TEST_F(Controller, EveryStepOfAMeeting)
     }
 }
 
-TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
+TEST_F(Controller, TheMeetingContinuesWithAnotherDevice)
 {
     auto& other = record(plug("led-per-report"));
     controller_ = std::make_unique<HidController>();
@@ -173,7 +174,7 @@ TEST_F(Controller, TheMeetingGoesOnWithAnotherDevice)
     EXPECT_FALSE(other.claimed());
 }
 
-// The GUI thread is busy while both devices and another part of the program have something for it.
+// Both devices and another part of the program queue calls while the GUI thread is busy.
 TEST_F(Controller, QueuedEventsOfThePreviousDeviceAreDropped)
 {
     auto& other = record(plug("led-per-report"));
@@ -194,7 +195,7 @@ struct WithFactory : HidController {
     using HidController::m_createHost;
 };
 
-TEST_F(Controller, WithoutAHostHearsNothingAndSendsNothing)
+TEST_F(Controller, WithoutAHostNothingIsSentOrReceived)
 {
     auto* controller = new WithFactory;
     controller_.reset(controller);
@@ -202,7 +203,7 @@ TEST_F(Controller, WithoutAHostHearsNothingAndSendsNothing)
     EXPECT_FALSE(controller->createHost());
     controller_->selectDevice(kSpeakerphone);
     perform("Ring");
-    EXPECT_EQ(story_.take(), " Incoming Meeting; ") << "not even the id is kept";
+    EXPECT_EQ(story_.take(), " Incoming Meeting; ") << "the id is not stored";
 
     controller->m_createHost = [](IKXHostCallback*) -> IKXHost* { return nullptr; };
     controller_->selectDevice(kSpeakerphone);

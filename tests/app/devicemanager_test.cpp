@@ -1,4 +1,4 @@
-// The list of devices, over a simulated bus.
+// The list of devices on a simulated bus.
 #include "app/devicemanager.h"
 #include "app/hidcontroller.h"
 #include "app/logrecorder.h"
@@ -17,7 +17,7 @@ protected:
         BusTest::TearDown();
     }
 
-    // The lines since the last time.
+    // Takes the lines of the log.
     static std::string log()
     {
         const QStringList lines = LogRecorder::instance().logListModel()->stringList();
@@ -26,30 +26,35 @@ protected:
     }
 };
 
-TEST_F(Devices, OneLineEachWithTheStringsThatThereAre)
+TEST_F(Devices, EachHasOneLineWithItsStrings)
 {
-    plug("speakerphone");
-    plug("no-telephony"); // has no manufacturer
-    sim::UsbDeviceInfo info = sim::findProfile("webcam")->info;
+    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
+    info.vendorId = 0x046d;
     info.productId = 0x0867;
-    info.manufacturer = info.product = u"";
-    plug(info);
-    info.manufacturer = u"M\u00fcller \U0001F3A4 <b>";
-    plug(info);
+    for (const auto& [manufacturer, product] : {
+             std::pair{u"Maker", u"Phone"},
+             {u"", u"Phone"},
+             {u"M\u00fcller \U0001F3A4 <b>", u""},
+             {u"", u""},
+         }) {
+        info.manufacturer = manufacturer;
+        info.product = product;
+        plug(info);
+    }
     const QStringList expected = {
-        QStringLiteral("1209:0001 1-1:1.0 Kelprobe Simulated speakerphone"),
-        QStringLiteral("1209:0004 1-2:1.0 Simulated headset"),
-        QStringLiteral("1209:0867 1-3:1.0 "),
-        QStringLiteral("1209:0867 1-4:1.0 M\u00fcller \U0001F3A4 <b> "),
+        QStringLiteral("046d:0867 1-1:1.0 Maker Phone"),
+        QStringLiteral("046d:0867 1-2:1.0 Phone"),
+        QStringLiteral("046d:0867 1-3:1.0 M\u00fcller \U0001F3A4 <b> "),
+        QStringLiteral("046d:0867 1-4:1.0 "),
     };
     DeviceManager manager;
-    plug("led-per-report"); // too late
+    plug("led-per-report"); // not listed
     QStringList lines = manager.deviceListModel()->stringList();
     lines.sort(); // hidapi does not promise an order
     EXPECT_EQ(lines, expected);
 }
 
-TEST_F(Devices, ChoosingARowSelectsTheIdOfItsLine)
+TEST_F(Devices, SelectingARowSelectsTheIdOfItsLine)
 {
     for (const char* profile : {"speakerphone", "webcam", "webcam"})
         plug(profile);
@@ -63,8 +68,7 @@ TEST_F(Devices, ChoosingARowSelectsTheIdOfItsLine)
     QString before = QStringLiteral("none");
     for (int row = 0; row < 3; ++row) {
         const QString line = manager.deviceListModel()->stringList()[row];
-        const QString id
-            = line.startsWith(u"1209:0003 ") ? "0x1209-HID-0x0003#" : "0x1209-HID-0x0001#";
+        const QString id = QStringLiteral("0x%1-HID-0x%2#").arg(line.left(4), line.mid(5, 4));
         manager.slt_onSelectDevice(row);
         const QString change = QStringLiteral("%1 KXHost Destroyed; %2 KXHost Created");
         // Rows of one vendor and product share a host.

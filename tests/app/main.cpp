@@ -1,4 +1,4 @@
-// GoogleTest's main() with Qt's application, of the kind that the program's CMakeLists.txt names.
+// GoogleTest's main() with an application object of the class TEST_APPLICATION.
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>

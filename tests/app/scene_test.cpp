@@ -1,5 +1,5 @@
-// The window as the user has it: the real scene on a display, clicked with mouse events, with the
-// three objects behind it and a simulated device behind them.
+// The real scene on a display, clicked with mouse events, with the three real objects and a
+// simulated device.
 #include "app/devicemanager.h"
 #include "app/hidcontroller.h"
 #include "app/logrecorder.h"
@@ -19,7 +19,7 @@
 
 namespace {
 
-// What Qt and the engine say meanwhile. The scene anchors three children of a column on purpose.
+// Messages of Qt. The scene has anchors on three children of a layout on purpose.
 int anchorWarnings = 0;
 QStringList otherMessages;
 
@@ -62,7 +62,7 @@ protected:
         BusTest::TearDown();
     }
 
-    // The value of an expression in the scene's own terms.
+    // The value of an expression in the context of the scene.
     QVariant value(const std::string& expression)
     {
         return QQmlExpression(qmlContext(window_), window_, QString::fromStdString(expression))
@@ -82,7 +82,7 @@ protected:
         QTest::mouseClick(window_, Qt::LeftButton, {}, middle(item));
     }
 
-    // Text of the mute button, which of the five buttons are enabled, status strip, icon.
+    // The mute button's text, which of the five buttons are enabled, the status labels, the icon.
     std::string look()
     {
         return text("[id_mute.text, " + kButtons + ".map(b => b.enabled ? 1 : 0).join(''), "
