@@ -1,6 +1,6 @@
-// How a measured program tells the benchmark when something happened, and is told to act: messages
-// over a socket whose number is in the environment. All times are CLOCK_MONOTONIC, in nanoseconds,
-// which all processes share.
+// Messages between the benchmark and a measured program, over a socket whose number is in the
+// environment. The program reports events with their times; the benchmark sends commands. All times
+// are CLOCK_MONOTONIC in nanoseconds, the same clock for all processes.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ inline constexpr const char* kChannelVariable = "KELPROBE_BENCH_CHANNEL";
 enum class Moment : uint32_t {
     Ready,  // the device is open
     Frame,  // a frame is on the screen
-    Report, // what an input report leads to has come about
-    Acted,  // a command is carried out; its time is when that began
+    Report, // the result of an input report is there
+    Acted,  // a command was executed; the time is that of its start
 };
 
 struct Event {
@@ -24,7 +24,7 @@ struct Event {
     int64_t time = 0;
 };
 
-// What Kelprobe clicks on, in the window's pixels. To the others: write a report.
+// Kelprobe: click on this pixel of the window. The others: write a report.
 struct Command {
     int32_t x = 0;
     int32_t y = 0;
@@ -44,14 +44,14 @@ inline int channelFromEnvironment()
     return number ? std::atoi(number) : -1;
 }
 
-// Without a benchmark to listen there is nothing to do about it.
+// Ignores errors: the benchmark may have ended.
 inline void tell(int channel, Moment moment, int64_t time)
 {
     const Event event{moment, time};
     static_cast<void>(send(channel, &event, sizeof event, MSG_NOSIGNAL));
 }
 
-// Blocks. False when the benchmark has gone.
+// Blocks. Returns false if the benchmark has ended.
 [[nodiscard]] inline bool receive(int channel, Command& command)
 {
     return recv(channel, &command, sizeof command, 0) == sizeof command;

@@ -16,8 +16,8 @@ enum class Probe { None, Preloaded }; // into programs with a window
 
 class Client {
 public:
-    // The program ends with this object. Its output is dropped: what it warns of is not what is
-    // looked at here. Throws std::system_error when it cannot be started.
+    // Starts the program and drops its output. Throws std::system_error if it cannot be started.
+    // The destructor kills it.
     Client(const std::vector<std::string>& command, Probe probe);
     ~Client();
     Client(const Client&) = delete;
@@ -27,15 +27,15 @@ public:
 
     void send(const Command& command) const;
 
-    // Blocks until the next such event, dropping others; returns its time. Throws
-    // std::runtime_error when it does not come about.
+    // Blocks until the next such event, drops others, and returns its time. Throws
+    // std::runtime_error if it does not arrive within 20 s.
     int64_t await(Moment moment) const;
 
-    // Blocks until nothing has happened for a few milliseconds, dropping what does.
+    // Blocks until no event has arrived for a few milliseconds. Drops events.
     void settle() const;
 
     int64_t cpuTime() const;      // of all its threads so far, in nanoseconds
-    size_t residentBytes() const; // once that has stopped changing
+    size_t residentBytes() const; // blocks until it has stopped changing
 
 private:
     std::optional<Event> next(std::chrono::milliseconds limit) const;

@@ -1,4 +1,4 @@
-// One event on its way: from the device to the log list, and from a button to the device.
+// The time of one event: from the device to the log list, and from a button to the device.
 #include "bench/program/measurements.h"
 #include "bench/program/samples.h"
 #include "bench/program/stage.h"
@@ -13,12 +13,12 @@ constexpr int kEvents = 1000; // on each side; the 99th percentile needs many
 constexpr double kMedian = 0.5;
 constexpr double kWorst = 0.99;
 
-// From the report on the bus until the client says that it has come through.
+// From the report on the bus to the client's Report event.
 double press(sim::UsbDevice& device, const Client& client)
 {
     const int64_t begin = now();
     if (!device.inject({0x03, 0x08, 0x00})) // Phone Mute
-        throw std::runtime_error("nobody listens to the device");
+        throw std::runtime_error("no program has opened the device");
     return static_cast<double>(client.await(Moment::Report) - begin);
 }
 
@@ -47,7 +47,7 @@ private:
     std::atomic<int64_t> arrived_ = 0;
 };
 
-// Kelprobe shows that it is muted or not, and is left to finish.
+// Waits until the window shows the new mute state and is idle.
 void awaitShown(const Client& subject)
 {
     subject.await(Moment::Frame);

@@ -1,4 +1,4 @@
-// What waiting costs. All wait at the same time, so that the machine does the same to them.
+// The cost of waiting. All clients wait at the same time, so that other load affects them equally.
 #include "bench/program/measurements.h"
 #include "bench/program/samples.h"
 #include "bench/program/stage.h"
@@ -46,7 +46,7 @@ void measureIdle(sim::UsbBus& bus)
     const std::array<const Client*, 4> clients{&subject, &peer, &unplugged, &unpluggedPeer};
     Samples open;
     Samples afterUnplug;
-    static_cast<void>(idleShares(clients)); // what the start leaves to do
+    static_cast<void>(idleShares(clients)); // work left from the start
     for (int window = 0; window < kWindows; ++window) {
         const auto shares = idleShares(clients);
         open.subject.push_back(shares[0]);

@@ -1,4 +1,4 @@
-// What another line costs when there are many.
+// The cost of one more line in a long log.
 #include "bench/program/measurements.h"
 #include "bench/program/samples.h"
 

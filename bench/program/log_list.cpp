@@ -57,7 +57,7 @@ public:
         const char* const show = follow ? "showEnd" : "forceLayout";
         for (int i = 0; i < lines; ++i) {
             m_recorder.append(QStringLiteral("0x0000-HID-0x0000# Muted from device"));
-            QMetaObject::invokeMethod(m_view, show); // what the next frame begins with
+            QMetaObject::invokeMethod(m_view, show); // otherwise done before the next frame
         }
     }
 

@@ -1,5 +1,5 @@
-// What log-list does on command: Command{LogList, LogView} appends lines, and tells when that began
-// and when it was done.
+// The commands of log-list: Command{LogList, LogView} appends lines. The Acted event has the time
+// of the start, the Report event that of the end.
 #pragma once
 
 #include <cstdint>

@@ -14,24 +14,24 @@ public:
 
     Speakerphone(sim::UsbBus& bus, Owner owner); // plugged in
 
-    // Waits for that many reports more and takes them. Throws std::runtime_error when they do not
-    // come.
+    // Waits for `count` more reports and takes them. Throws std::runtime_error if they do not
+    // arrive.
     void awaitOutputs(size_t count);
 };
 
-inline constexpr size_t kOutputsAtOpening = 3; // by Kelprobe: ring, off-hook and hold off
+inline constexpr size_t kOutputsAtOpening = 3; // ring, off-hook and hold LED off
 
-// Shown, and with the device that it opened by itself.
+// Kelprobe with its window shown and its device open.
 class Kelprobe : public Client {
 public:
     static std::vector<std::string> command() { return {BENCH_KELPROBE}; }
 
     explicit Kelprobe(Speakerphone& device);
 
-    // So that mute presses mean something. Done once.
+    // Mute presses count only in a meeting. Call once.
     void startMeeting();
 
-    // The middle of the button that is Mute and UnMute by turns.
+    // The middle of the Mute button.
     static constexpr Command kMuteButton{78, 113};
 
 private:

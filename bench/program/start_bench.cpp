@@ -1,4 +1,4 @@
-// How long a window takes to show, and what it takes of memory.
+// The time until a window is shown, and its memory.
 #include "bench/program/measurements.h"
 #include "bench/program/samples.h"
 #include "bench/program/stage.h"
@@ -10,7 +10,7 @@ namespace bench {
 namespace {
 
 constexpr size_t kPeers = 3;
-// The last two show where the difference to the first comes from.
+// The last two explain the difference to the first.
 constexpr std::array<const char*, kPeers> kScenes{"peer_window", "peer_text", "main"};
 using AgainstPeers = std::array<Samples, kPeers>;
 
@@ -50,7 +50,7 @@ void measureStart()
     printRow({what, "Kelprobe's scene over plain values", "", kMilliseconds}, samples[2]);
 }
 
-// The next client cannot claim the device before this one's connection is seen to be closed.
+// Until then the next client cannot claim the device.
 void awaitReleased(const Speakerphone& device)
 {
     while (device.claimed())
