@@ -116,16 +116,19 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
 void UsbBus::makeNode(const std::string& node, const Usbfs& usbfs) const
 {
     const fs::path path = root_ + node;
-    fs::create_directories(path.parent_path()); // umockdev removes it with its last device
+    fs::create_directories(path.parent_path());
     fs::create_symlink(usbfs.nodePath(), path);
 }
 
-// The node first, so that nobody opens it any more.
+// The node first, so that nobody opens it any more. The sysfs directory is removed by hand, because
+// umockdev_testbed_remove_device() of version 0.19 also tries to announce it and reports an error in
+// a process that is not preloaded.
 void UsbBus::unplug(const Place& place, Usbfs& usbfs)
 {
     fs::remove(root_ + place.node);
     usbfs.disconnect();
-    umockdev_testbed_remove_device(testbed_, ("/sys" + place.sysfsPath).c_str());
+    fs::remove(root_ + "/sys/bus/usb/devices/" + fs::path(place.sysfsPath).filename().native());
+    fs::remove_all(root_ + "/sys" + place.sysfsPath);
     broadcast(root_, {"remove", place.sysfsPath, place.node});
 }
 
