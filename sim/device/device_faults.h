@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <initializer_list>
 
 namespace sim {
 
