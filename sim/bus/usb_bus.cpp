@@ -58,7 +58,6 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
         + descriptorAttribute(info) + "\n";
 }
 
-// umockdev_testbed_new() aborts where it cannot make its directory.
 // umockdev ends the process when it cannot write, so check first.
 void requireRoom(const std::string& directory)
 {
@@ -101,6 +100,7 @@ UsbBus::~UsbBus()
 // socket, a client's ioctls would all fail with ENOTTY.
 UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs)
 {
+    requireRoom(root_);
     const int address = ++lastAddress_;
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);

@@ -1,5 +1,7 @@
 #include "sim/console/console_device.h"
 
+#include <stdexcept>
+
 namespace sim {
 
 ConsoleDevice::ConsoleDevice(
@@ -72,7 +74,11 @@ void ConsoleDevice::replug()
 {
     device_.unplug();
     print("plugged in"); // first: the program may set an LED at once
-    device_.plug();
+    try {
+        device_.plug();
+    } catch (const std::runtime_error& error) {
+        print(std::string("cannot be plugged in: ") + error.what());
+    }
 }
 
 bool ConsoleDevice::setFault(std::string_view name, std::optional<int> number)
