@@ -1,5 +1,5 @@
 // A program that logs: it reads its configuration file, registers a module, logs from several
-// threads until the log rotates, and prints what the log files hold. See README.md for its output.
+// threads until the log rotates, and prints a summary of the log files. README.md shows its output.
 #include "base/src/ini/ini.h"
 #include "base/src/ini/ini_config.h"
 #include "base/src/log/log.h"

@@ -2,7 +2,7 @@
 //
 // This library declares the settings, so that every layer can trace, but does not define them. Each
 // program that calls Trace() or TraceThis() defines KX::traceSettings once, with its own observer
-// or none. They should be constant-initialised: then tracing works before main, too.
+// or none. They should be constant-initialised, so that tracing also works before main.
 #pragma once
 
 #include <atomic>

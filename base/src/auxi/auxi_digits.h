@@ -1,4 +1,4 @@
-// Digits from tables: the innermost loops of formatting, inline because they are most of its cost.
+// Digits from tables: the innermost loops of formatting. Inline, because they are most of its cost.
 #pragma once
 
 #include <array>
@@ -51,7 +51,7 @@ inline size_t decimal_digits(uint64_t value)
     return estimate + (value >= powers_of_ten[estimate] ? 1 : 0);
 }
 
-// These functions return the end of the text and write no NUL.
+// This and the next three functions return the end of the text and write no NUL.
 inline char* put_decimal(char* to, uint64_t value)
 {
     char* const end = to + decimal_digits(value);

@@ -28,8 +28,8 @@ struct integer_t {
 [[nodiscard]] size_t integer_reserve(uint32_t radix, size_t bytes);
 
 // Writes the integer in a known radix and returns the end of the text; writes no NUL. Decimal and
-// octal texts have no leading zeros, binary ones eight digits per byte, hexadecimal ones two. Only
-// decimal has a sign; the others show the bits of the type.
+// octal texts have no leading zeros. Binary texts have eight digits per byte, hexadecimal ones two.
+// Only decimal texts have a sign; the others show the bits of the type.
 char* put_integer(char* to, const integer_t& value, uint32_t radix);
 
 // The largest magnitudes that the short form of a float and of a double is used for, and the bytes

@@ -11,8 +11,8 @@ namespace rkb {
 
 namespace {
 
-// What is the same in most lines of a thread is formatted once: a line is built right after the
-// system call that wrote the one before, with cold processor caches.
+// Text that is the same in most lines of a thread is formatted once. This matters because a line is
+// built right after the system call that wrote the line before, with cold processor caches.
 struct cached_text_t {
     char text[48] = {};
     size_t length = 0;

@@ -164,7 +164,7 @@ text_stream_t& text_stream_t::put_hex_bytes(std::string_view bytes)
     return *this;
 }
 
-// NULs, because length() covers the skipped bytes and they may be of an uninitialised buffer.
+// Writes NULs, because length() counts the skipped bytes and the buffer may be uninitialised.
 void text_stream_t::skip_to_last_byte()
 {
     m_good = false;

@@ -26,9 +26,9 @@ struct identifier_t {
 // - NUL-terminated text is cut (in a hexadecimal radix: between two bytes);
 // - text with a length is written whole or not at all;
 // - values (integers, booleans, floating-point numbers, pointers, times, identifiers) are written
-//   only if the widest text of their type plus one byte would fit, whatever the value, and so are
-//   never cut. Otherwise good() is false until a later value fits. Floating-point numbers have a
-//   short and a long form, with a different widest text each: see auxi_number.h.
+//   only if the widest text of their type plus one byte would fit, whatever the value. They are
+//   never cut. If a value is left out, good() is false until a later value fits. Floating-point
+//   numbers have a short and a long form, each with its own widest text: see auxi_number.h.
 class text_stream_t : no_copy {
 public:
     // `size` is that of `buffer` in bytes, including one for the terminating NUL.
@@ -81,14 +81,15 @@ public:
     // "0x" and 16 lower-case digits, in every radix.
     text_stream_t& operator<<(const void* pointer);
 
-    // Two decimals, in every radix. Numbers above ftoa_limit (float) or lftoa_limit (double) have
-    // the long form. Numbers that are as far below zero, and what is not a number, are left out and
-    // logged as an assert line of module 1.
+    // Two decimals, in every radix. Numbers above ftoa_limit (float) or lftoa_limit (double) are
+    // written in the long form. Numbers below the negative limit and NaN are left out and logged as
+    // an assert line of module 1.
     text_stream_t& operator<<(float value);
     text_stream_t& operator<<(double value);
 
     // month/day/year hour:minute:second:milliseconds. The milliseconds have three digits, the year
-    // as many as it needs, all others two. Only the last digits of too large a field are written.
+    // as many as it needs, all others two. If a field is too large, only its last digits are
+    // written.
     text_stream_t& operator<<(const local_time_t& time);
 
     text_stream_t& operator<<(const identifier_t& identifier);

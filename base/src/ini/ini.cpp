@@ -22,7 +22,7 @@ void print_unprintable(char character)
     printf("Failing on int8_t %d\n", static_cast<signed char>(character));
 }
 
-// Qt programs run in the user's locale, whose decimal comma must not change what a file means.
+// Qt programs run in the user's locale. Its decimal comma must not change how a file is read.
 double to_double(const std::string& text)
 {
     static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);

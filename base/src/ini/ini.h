@@ -37,20 +37,20 @@ struct ini_section_t {
 // Sections and keys keep the order of first appearance. When several sections have the same name,
 // look-ups use the first one, and new keys and comments go there; the others stay empty.
 //
-// Not synchronised: const operations may run at the same time, others need the object for
-// themselves. References and views that an operation returns are valid until the next load, set
-// or release. Operations may throw std::bad_alloc, except load().
+// Not synchronised: const operations may run at the same time; any other operation must run alone.
+// References and views that an operation returns are valid until the next load, set or release.
+// Operations may throw std::bad_alloc, except load().
 class ini_t : no_copy {
 public:
-    // The longest line that is read, without its "\n". It bounds what an endless line can take.
+    // The longest line that is read, without its "\n". It limits the memory that a line can take.
     static constexpr size_t max_line_size = 1'048'576;
 
     // Only stores the path.
     explicit ini_t(std::string file_path);
     virtual ~ini_t();
 
-    // Reads the file and adds its contents to those of the object; call release() first to start
-    // afresh. Returns true if the file was read to its end and the object then has a section.
+    // Reads the file and adds its contents to those of the object; call release() first to replace
+    // them. Returns true if the file was read to its end and the object then has a section.
     //
     // Reading stops with false at
     // - a file that cannot be opened or read;
@@ -58,8 +58,10 @@ public:
     //   "Failing on int8_t %d\n" with the character to standard output;
     // - a line longer than max_line_size;
     // - a lack of memory.
-    // What was read before that stays. Takes time in proportion to the size of the file and to the
-    // logarithm of its number of names. Blocks while the file does: a pipe waits for its writer.
+    // What was read before that stays.
+    //
+    // Takes time in proportion to the size of the file and to the logarithm of its number of names.
+    // Blocks while reading the file blocks: a pipe waits for its writer.
     [[nodiscard]] bool load();
 
     // As load() of a file that holds `text`, but may throw std::bad_alloc.
@@ -74,8 +76,8 @@ public:
         std::string_view section, std::string_view key, std::string_view missing) const;
 
     // As get_string, with the value converted by strtol: its leading decimal number, or 0 if it
-    // does not begin with one. A number outside the range of long is limited to it. Only the low
-    // 32 bits are returned.
+    // does not begin with one. A number outside the range of long becomes the nearest limit. Only
+    // the low 32 bits are returned.
     int get_int(std::string_view section, std::string_view key, int missing) const;
 
     // As get_string, with the value converted by strtod in the C locale: its leading number, or 0
@@ -111,12 +113,12 @@ private:
 
     [[maybe_unused]] bool m_flag = true; // a field of the object's layout that nothing reads
     std::string m_file_path;
-    // Of the names and comments. Nothing of this is ever replaced, as opposed to values.
+    // Holds the names and comments. Unlike values, they are never replaced.
     std::pmr::monotonic_buffer_resource m_texts;
     std::vector<ini_section_t> m_sections;
     std::vector<std::string_view> m_header_comments;
-    // Where the first section or key of a name is. A map and no hash table: names in a file can be
-    // chosen to have the same hash, and this takes logarithmic time with any names.
+    // The positions of the first section and key of each name. Not a hash table: names in a file
+    // can be chosen to have the same hash, and a map takes logarithmic time with any names.
     std::pmr::map<name_t, size_t> m_positions{&m_texts};
 };
 

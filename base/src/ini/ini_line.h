@@ -20,17 +20,17 @@ struct ini_line_t {
     std::string_view value;
 };
 
-// Whether a line that begins with `first` stops the reading of its file. This holds for everything
-// but the printable ASCII characters, whatever the locale. It is strict on purpose: it keeps binary
-// files out.
+// Whether a line that begins with `first` stops the reading of its file: true for everything but
+// the printable ASCII characters, whatever the locale. This is deliberately strict, to reject
+// binary files.
 constexpr bool ini_line_is_unprintable(char first)
 {
     return first < ' ' || first > '~';
 }
 
 // `line` is one line without its "\n"; one trailing "\r" is ignored. The first of the characters
-// ";#[=" decides the kind of the line. There is no quoting: a value always ends at the first ";"
-// or "#".
+// ";#[=" decides the kind of the line. There is no quoting: a value always ends at the first ";" or
+// "#".
 ini_line_t parse_ini_line(std::string_view line);
 
 } // namespace rkb

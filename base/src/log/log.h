@@ -67,14 +67,14 @@ template <typename pieces_t>
 uint32_t register_logger(
     uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode);
 
-// register_logger() without the line of its own call.
+// As register_logger(), but does not log its call.
 uint32_t register_module(
     uint32_t module_id, const char* module_name, uint32_t max_level, log_it* sink, uint32_t mode);
 
 // Makes `sink` the custom sink and the low byte of `mask` the default flags, logs its call, and
 // puts the sink into every slot of every module: see log_control_t::set_sink_everywhere(). If no
-// line has been logged before, its own line already goes to the new sink. Modules that are
-// registered keep their flags. The caller owns the sink; null is none.
+// line has been logged before, the line about this call is already written to the new sink. Modules
+// that are registered keep their flags. The caller owns the sink; null is none.
 void register_logger_handle(log_it* sink, uint32_t mask);
 
 // Sets the gate: see log_control_t::set_gate().

@@ -20,8 +20,8 @@ constexpr const char* unregistered = "NN/AA"; // deliberately not `unnamed`
 constexpr std::array<const char*, 6> level_names{
     "FATAL", "ERROR", "WARNING", "INFO", "DEBUG", "FUNC"};
 
-// The one control. None of these is destroyed, because lines may be logged before main and after
-// it. The mutex guards creation and destruction.
+// The one control. None of these objects is destroyed, because lines may be logged before main and
+// after it. The mutex guards creation and destruction.
 enum class stage_t { none, creating, alive, ended }; // ended: by release() or the exit
 constinit std::atomic<log_control_t*> the_control{nullptr};
 constinit std::atomic<stage_t> the_stage{stage_t::none};
@@ -83,7 +83,7 @@ struct log_control_t::process_hooks_t : no_copy {
             left_at_exit = the_control.exchange(nullptr, std::memory_order_acq_rel);
             the_stage.store(stage_t::ended, std::memory_order_release);
         }
-        close_gate(); // first, so that threads which log do not keep close_at_exit() from its lock
+        close_gate(); // first, so that logging threads do not delay close_at_exit()
         if (left_at_exit)
             left_at_exit->close_at_exit();
     }
@@ -115,8 +115,9 @@ struct log_control_t::process_hooks_t : no_copy {
     }
 };
 
-// A static object that logs in its constructor calls this before it is constructed itself, so its
-// destructor can log, too. Without one the hooks are installed before main.
+// If a static object logs in its constructor, that call constructs the hooks before the object, so
+// they are destroyed after it and its destructor can log, too. Otherwise the hooks are installed
+// before main.
 bool log_control_t::install_process_hooks()
 {
     static const process_hooks_t hooks;
@@ -137,7 +138,7 @@ log_control_t* log_control_t::create()
         return nullptr;
     install_process_hooks();
     const std::lock_guard lock(the_mutex());
-    // Not `none`: another thread was faster, or this one is in the middle of it.
+    // Not `none`: another thread has created it, or the constructor has called this.
     if (the_stage.load(std::memory_order_relaxed) != stage_t::none)
         return the_control.load(std::memory_order_relaxed);
     the_stage.store(stage_t::creating, std::memory_order_relaxed);
@@ -177,12 +178,12 @@ log_control_t::~log_control_t()
     log_own_line("log_control_t::~log_control_t()\n");
 }
 
-// Logs what release() would and leaves nothing to write to. A thread that has passed the gate
-// before still finds the control, but no sink.
+// Logs the lines of release(), then removes all sinks. A thread that has passed the gate before
+// that still finds the control, but no sink.
 void log_control_t::close_at_exit()
 {
     const std::lock_guard lock(m_mutex);
-    m_creates_default_sink = false; // the exit does not begin a log
+    m_creates_default_sink = false; // no log file is begun at exit
     forget_sinks();
     log_own_line("log_control_t::release()\n");
     log_own_line("log_control_t::~log_control_t()\n");

@@ -12,8 +12,8 @@
 
 namespace rkb {
 
-// How the control obtains its default sink. logger_file_default.cpp defines the object; it is
-// constant-initialised, so that lines can be logged before main. The sink is not the control's.
+// How the control obtains its default sink. logger_file_default.cpp defines the object. It is
+// constant-initialised, so that lines can be logged before main. The control does not own the sink.
 struct log_default_sink_t {
     log_it* (*get)();                   // creates the sink if there is none; null when that fails
     log_it* (*existing)();              // null if there is none
@@ -31,24 +31,25 @@ extern const log_default_sink_t log_default_sink;
 // Sinks are not owned. Names are copied, for which std::bad_alloc may be thrown.
 class log_control_t : no_copy {
 public:
-    // Null after release(), once the process is exiting, and to what the control's constructor
-    // calls (other threads wait for the constructor). Also null when there is no memory for the
-    // control; the next call tries again. Locks a mutex only to create the control.
+    // Null after release(), while the process exits, and in calls made by the control's constructor
+    // (other threads wait for the constructor). Also null when there is no memory for the control;
+    // the next call tries again. Locks a mutex only to create the control.
     [[nodiscard]] static log_control_t* instance();
 
     // Logs its call and destroys the control. Later log calls have no effect. Other threads must
     // have stopped logging.
     //
-    // If this has not been called, the exit of the process logs the same lines, but to the default
-    // file sink only, as other sinks may be destroyed already. Later log calls have no effect. The
-    // control and the default file sink stay in memory, so other threads may be logging meanwhile.
+    // If this has not been called, the exit of the process logs the same lines, but only to the
+    // default file sink, because other sinks may already be destroyed. Later log calls have no
+    // effect. The control and the default file sink stay in memory, because other threads may still
+    // be logging.
     static void release();
 
     // Registers a module, or changes its registration: its name (null: "N/A"), its least severe
     // level and the flags of all its slots. Puts `sink` into the slots of the levels up to that
     // one: into the primary place if the flags have log_to_primary, else into the secondary place
-    // if they have log_to_secondary. Returns 0, or log_bad_argument for an id > 255 or a level
-    // > 31.
+    // if they have log_to_secondary. Returns 0, or log_bad_argument for an id above 255 or a level
+    // above 31.
     uint32_t register_module(uint32_t module_id, const char* name, uint32_t max_level, log_it* sink,
         uint32_t sink_flags);
 
@@ -65,8 +66,8 @@ public:
 
     // Puts a sink into every slot of every module, into the place that register_module() would
     // choose for these flags. The flags of the slots do not change. Returns 0. Deliberately locks
-    // nothing, because it is for set-up before logging starts: a line that is being written
-    // meanwhile goes to the old or to the new sink.
+    // nothing, because it is for set-up before logging starts: a line that is being written at the
+    // same time is written to the old or to the new sink.
     uint32_t set_sink_everywhere(log_it* sink, uint32_t sink_flags);
 
     // Names a level (null: "N/A"). Returns 0, or log_bad_value for a level > 31.
@@ -75,8 +76,8 @@ public:
     // Null for a level > 31. The text is valid until release(). Locks nothing.
     [[nodiscard]] const char* level_name(uint32_t level) const;
 
-    // Sets the gate to the low byte of `max_level`: no less severe level passes, whatever its
-    // module allows. 255 switches logging off.
+    // Sets the gate to the low byte of `max_level`. Less severe levels do not pass, even if their
+    // module allows them. 255 switches logging off.
     void set_gate(uint32_t max_level);
 
     // -1 when logging is off. Locks nothing.
@@ -90,8 +91,8 @@ public:
     // Binds the default sinks: every slot of every module gets the default flags, the custom sink
     // as its primary sink if the flags have log_to_primary, and the default file sink as its
     // secondary sink if they have log_to_secondary. Creates the file sink if necessary. This
-    // deliberately overwrites the sinks of the registrations: these decide which lines pass, the
-    // binding decides where they go. Returns 0 or log_already_attached.
+    // deliberately overwrites the sinks of the registrations: the registrations decide which lines
+    // pass, the binding decides to which sinks they are written. Returns 0 or log_already_attached.
     //
     // After a binding and a detach() this only puts the default file sink into the places that the
     // detached sink has left. The same happens to the places of the default file sink if there was
@@ -113,7 +114,8 @@ public:
     uint32_t write(uint32_t module_id, uint32_t level, const char* data, size_t length,
         log_it* override_sink = nullptr);
 
-    // While the caller holds this, no line is written and the tables do not change.
+    // While the caller has this locked, no line is written and only set_sink_everywhere() changes
+    // the tables.
     thread_mutex_recursive& mutex() { return m_mutex; }
 
     // The custom sink and the default flags belong to the process and outlive the control. Reading
@@ -142,7 +144,7 @@ private:
 
     enum class binding_t : uint8_t { none, with_vacant_places, complete };
 
-    struct process_hooks_t; // what the exit of the process and fork() call
+    struct process_hooks_t; // called by fork() and at the exit of the process
     static bool install_process_hooks();
     static const bool s_has_process_hooks;
 

@@ -21,7 +21,8 @@ using log_file_suffix_t = std::array<char, 256>; // file names have at most 255 
 [[nodiscard]] log_file_stamp_t log_file_stamp(
     const local_time_t& time, uint32_t process, uint32_t index);
 
-// What the names of all files of an index contain: "_sdk_3.log". None if it is too long for a name.
+// What the names of all files of an index contain: "_sdk_3.log". None if the text is too long for a
+// file name.
 [[nodiscard]] std::optional<log_file_suffix_t> log_file_suffix(
     uint32_t index, std::string_view extension);
 
@@ -30,8 +31,8 @@ using log_file_suffix_t = std::array<char, 256>; // file names have at most 255 
 [[nodiscard]] std::optional<uint32_t> parse_log_file_id(std::string_view text);
 
 // The index of a run's first file: (last + 1) modulo `max_index`, or 0 when there is no last index
-// or `max_index` is 0. It is deliberate that the first index is below `max_index`, which rotation
-// does reach.
+// or `max_index` is 0. It is deliberate that this is always below `max_index`, although rotation
+// also uses `max_index` itself.
 [[nodiscard]] uint32_t first_log_file_index(std::optional<uint32_t> last, uint32_t max_index);
 
 // The index after `index`; 0 comes after `max_index`.

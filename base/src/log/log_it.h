@@ -6,11 +6,11 @@
 
 namespace rkb {
 
-// A sink of log lines. The logging control calls it from any thread, but with its mutex held, so
-// one call at a time: a sink needs no lock of its own. A sink must not log.
+// A sink of log lines. The logging control calls it from any thread, but with its mutex locked, so
+// there is one call at a time and a sink needs no lock. A sink must not log.
 //
 // The control does not own sinks. A sink must not be destroyed before it has been taken out of all
-// slots, or logging has ended. At exit the control uses no sink but the library's own.
+// slots or logging has ended. At exit the control uses only the library's default file sink.
 class log_it {
 public:
     // Takes one whole line. `data` is valid during the call only. Returns 0 on success. The control

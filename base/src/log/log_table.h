@@ -1,4 +1,4 @@
-// The rows of the logging control's two tables, and the gate that call sites ask first.
+// The rows of the logging control's two tables, and the gate that call sites check first.
 #pragma once
 
 #include "base/src/log/log_it.h"
@@ -13,8 +13,8 @@ namespace rkb {
 [[nodiscard]] log_it* vacant_sink();
 
 // Where the lines of one level of one module go. The control's mutex guards the flags. The sinks
-// are atomic because log_control_t::set_sink_everywhere() locks nothing; all else changes them
-// under the mutex.
+// are atomic because log_control_t::set_sink_everywhere() locks nothing; all other functions change
+// them under the mutex.
 struct log_slot_t {
     uint32_t flags = 0;
     std::atomic<log_it*> primary = nullptr;   // used when flags has log_to_primary
@@ -45,7 +45,7 @@ struct log_module_t {
     void reset(const char* placeholder_name);
 };
 
-// One entry of the level table. The number does not change; the name is as that of a module.
+// One entry of the level table. The number does not change. For the name see log_module_t.
 struct log_level_entry_t {
     uint32_t number = 0;
     std::atomic<const char*> name = "N/A";
@@ -56,7 +56,7 @@ struct log_level_entry_t {
 // control: module 0 counts as registered, up to DEBUG. After release() and at exit all are 0.
 extern std::array<std::atomic<uint8_t>, log_module_count> log_passing_levels;
 
-// Whether a line may pass, to be asked before all else. Costs one load, a comparison and a branch
+// Whether a line may pass. Call sites check this first. Costs one load, a comparison and a branch
 // if `module_id` is a constant. Any thread, at any time.
 [[nodiscard]] inline bool log_may_pass(uint32_t module_id, uint32_t level)
 {

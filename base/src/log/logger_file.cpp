@@ -20,7 +20,7 @@ namespace rkb {
 
 namespace {
 
-// The place that assert lines name.
+// The source file and lines that assert lines name. They are fixed texts.
 constexpr const char* source_file = "../src/log";
 constexpr int size_line = 150;
 constexpr int index_line = 151;
@@ -35,8 +35,8 @@ bool in_range(uint32_t value, uint32_t low, uint32_t high)
     return value >= low && value <= high;
 }
 
-// Writes all bytes or none: after a line that was cut by a full disk the next one would not begin
-// on a line of its own.
+// Writes all bytes or none. If a full disk cut a line, the next line would follow it without a line
+// end.
 void write_whole(int file, const char* data, size_t length)
 {
     size_t done = 0;
@@ -222,7 +222,7 @@ void logger_file_base_t::remove_earlier_files() const
         const int length
             = snprintf(path.data(), path.size(), "%s%s", m_directory.c_str(), entry->d_name);
         if (length > 0 && static_cast<size_t>(length) < path.size())
-            unlink(path.data()); // not with a cut path, which names another file
+            unlink(path.data()); // a cut path would name another file
     }
 }
 

@@ -12,8 +12,9 @@ namespace rkb {
 
 namespace {
 
-// Never destroyed: lines may be logged before main and while the process exits. The mutex guards
-// creating and destroying the sink. It is taken after the control's, as attach() does.
+// Neither the pointer nor the mutex is destroyed: lines may be logged before main and while the
+// process exits. The mutex guards creating and destroying the sink. It is locked after the
+// control's, as attach() does.
 constinit std::atomic<logger_file*> the_sink{nullptr};
 thread_mutex_recursive& the_mutex()
 {

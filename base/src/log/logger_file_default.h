@@ -26,7 +26,7 @@ logger_file* create_default_file_sink(const char* directory, const char* base_na
 uint32_t configure_default_file_sink(uint32_t max_size, uint32_t max_index);
 
 // Takes the sink out of the logging control, closes and destroys it. The next enabled line creates
-// a new one for the places that it left. No other thread may be using the sink's pointer.
+// a new one and puts it into the same places. No other thread may be using the sink's pointer.
 void destroy_default_file_sink();
 
 } // namespace rkb

@@ -74,12 +74,12 @@ int strncpy_s(char* dest, size_t destsz, const char* src, size_t count);
 // overlap as in strcpy_s().
 int strcat_s(char* dest, size_t destsz, const char* src);
 
-// Returns the next token of `str`; if `str` is null, of the text at `*ptr`, where an earlier call
-// stopped. Skips characters of `delim`, replaces the one after the token with a NUL and stores in
-// `*ptr` where the next call continues. Returns null if no token is left or the call is rejected:
-// `strmax` is above max_string_size, `delim` or `ptr` is null, or both `str` and `*ptr` are.
-// Reads at most `strmax` bytes. If neither a NUL nor the end of a token is among them, rejects the
-// call and sets `*ptr` to null.
+// Returns the next token of `str`, or, if `str` is null, of the text at `*ptr`, where an earlier
+// call stopped. Skips characters of `delim`, replaces the one after the token with a NUL and stores
+// in `*ptr` where the next call continues. Returns null if no token is left or the call is
+// rejected: `strmax` is above max_string_size, `delim` or `ptr` is null, or both `str` and `*ptr`
+// are null. Reads at most `strmax` bytes. If neither a NUL nor the end of a token is among them,
+// rejects the call and sets `*ptr` to null.
 char* strtok_s(char* str, size_t strmax, const char* delim, char** ptr);
 
 // The next four functions format as printf() does. They return the length of the text or a negated
@@ -91,7 +91,7 @@ char* strtok_s(char* str, size_t strmax, const char* delim, char** ptr);
 [[gnu::format(printf, 3, 4)]] int snprintf_s(char* buffer, size_t bufsz, const char* format, ...);
 
 // null_pointer; illegal_format; no_space if the text does not fit, so always if `size` is 0. `size`
-// has no limit. A format is illegal if there is no "%" before its first "%n". This test is
+// has no limit. A format is illegal if there is no "%" directly before its first "%n". This test is
 // deliberately narrow: it finds no later "%n" and none with flags.
 [[gnu::format(printf, 3, 0)]] int vsprintf_s(
     char* dst, size_t size, const char* format, va_list args);

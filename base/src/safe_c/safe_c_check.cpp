@@ -25,7 +25,7 @@ text_stream_t& operator<<(text_stream_t& stream, arguments_t arguments)
 int reject(int code, const char* message, arguments_t arguments, int line)
 {
     assert(code != success);
-    // All of these functions name the same place, which people search logs for.
+    // All bounded functions name the same file. People search logs for it.
     RKB_LOG_ASSERT("../src/safe_c", line, message << arguments);
     return code;
 }

@@ -1,4 +1,4 @@
-// What the bounded functions share: the test for overlap and the report of a rejected call.
+// Common to the bounded functions: the test for overlap and the report of a rejected call.
 #pragma once
 
 #include "base/src/safe_c/safe_c.h"

@@ -11,7 +11,7 @@ using namespace safe_c;
 
 namespace {
 
-// What sprintf_s and snprintf_s share; `message` is the caller's.
+// The common part of sprintf_s and snprintf_s. `message` is for the assert line.
 [[gnu::format(printf, 3, 0)]] int format_whole(
     char* buffer, size_t bufsz, const char* format, va_list args, const char* message)
 {
@@ -29,7 +29,7 @@ namespace {
     return length < static_cast<int>(bufsz) ? length : rejected(no_space);
 }
 
-// Deliberately narrow: looks at the first "%n" only, and takes any "%" before it for an escape.
+// Deliberately narrow: checks only the first "%n", and accepts it if a "%" is directly before it.
 bool has_illegal_n(const char* format)
 {
     const char* const found = strstr(format, "%n");

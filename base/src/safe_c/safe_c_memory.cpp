@@ -21,7 +21,7 @@ int check_sizes(size_t destsz, size_t count)
     return destsz < count ? no_space : success;
 }
 
-// The ranges differ. memcmp() compares whole blocks fast, but does not return where they differ.
+// The ranges must differ. memcmp() compares whole blocks fast, but does not return the position.
 int first_difference(const unsigned char* a, const unsigned char* b, size_t size)
 {
     constexpr size_t block = 256;
@@ -48,7 +48,7 @@ int memcmp_s(const void* dest, size_t dmax, const void* src, size_t smax, int* d
         return rejected(null_pointer, "memcmp_s invalid parameters differ");
     if (dmax == 0 || smax == 0 || dmax < smax)
         return rejected(bad_size, "memcmp_s invalid parameters");
-    if (dmax > max_memory_size || smax > dmax) // the second test is made twice, deliberately
+    if (dmax > max_memory_size || smax > dmax) // the second test is repeated deliberately
         return rejected(over_limit, "memcmp_s invalid parameters");
 
     const auto* const a = static_cast<const unsigned char*>(dest);

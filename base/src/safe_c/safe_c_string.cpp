@@ -54,7 +54,7 @@ size_t wcsnlen_s(const wchar_t* str, size_t strsz)
 }
 
 // The copies check everything before they write, so that a rejected call has written nothing. After
-// the checks source and destination are known to be apart, so memcpy() will do.
+// the checks source and destination do not overlap, so memcpy() is safe.
 
 int strcpy_s(char* dest, size_t destsz, const char* src)
 {

@@ -5,7 +5,7 @@
 
 namespace rkb {
 
-// Creates the directory `path` and its missing parents, with mode 0777 less the umask, unless it
+// Creates the directory `path` and its missing parents, with mode 0777 minus the umask, unless it
 // can be opened as a directory. Returns false when that fails; errno then has the reason, and
 // parents that were created stay. Any thread, also when several create the same directory.
 bool create_directories(const std::string& path);

@@ -28,7 +28,7 @@ local_time_t to_local_time(time_t second)
     };
 }
 
-// localtime_r() takes a process-wide lock and calculates much: too slow for every log line.
+// localtime_r() takes a process-wide lock and is too slow to be called for every log line.
 struct second_cache_t {
     time_t second = -1;
     local_time_t time = {};

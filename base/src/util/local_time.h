@@ -1,4 +1,4 @@
-// The local time by calendar fields. All of the library reads it here.
+// The local time in calendar fields. The whole library reads the local time with these functions.
 #pragma once
 
 #include "base/src/util/thread_mutex.h"
@@ -21,8 +21,8 @@ struct local_time_t {
 };
 
 // The time now, in the process's time zone. Any thread. All fields are 0 when the system cannot
-// convert the time. The conversion is done once per second and thread; after a tzset() the new time
-// zone therefore shows from the next second on.
+// convert the time. The conversion is done once per second and thread; after tzset() the new time
+// zone is used from the next second on.
 [[nodiscard]] local_time_t local_time();
 
 // A cheaper local_time(): it may be up to one tick of the system's clock late, which is a few
@@ -31,8 +31,8 @@ struct local_time_t {
 [[nodiscard]] local_time_t coarse_local_time();
 
 // Guards the C library's conversion to local time, which takes a lock that fork() does not reset in
-// the child. The logging control holds this mutex during fork(), so that the other one is free
-// then.
+// the child. The logging control locks this mutex during fork(), so that the C library's lock is
+// free then.
 [[nodiscard]] thread_mutex_recursive& local_time_mutex();
 
 // Makes both functions return what `source` returns, in the whole process; null restores the

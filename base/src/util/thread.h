@@ -8,8 +8,8 @@
 
 namespace rkb {
 
-// Not thread-safe: start() and join() belong to the thread that owns the object. That thread must
-// call join() before the object is destroyed.
+// Not thread-safe: only the thread that owns the object may call start() and join(). It must call
+// join() before the object is destroyed.
 class thread_t : no_copy {
 public:
     using routine_t = void (*)(void* argument);

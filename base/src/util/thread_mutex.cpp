@@ -27,8 +27,8 @@ void thread_mutex_recursive::unlock()
 
 void thread_mutex_recursive::reset_in_child()
 {
-    // Does not unlock: the owner that the mutex has recorded does not exist in the child. But race
-    // detectors, which keep records of their own, then take the mutex for unlocked.
+    // This call does not unlock the mutex, because its recorded owner does not exist in the child.
+    // It is for race detectors, which keep their own records and would take the mutex for locked.
     unlock();
     init();
 }

@@ -15,7 +15,7 @@ namespace {
 // 0 before the first call of a thread, and again in the only thread of a forked process.
 thread_local constinit uint32_t cached_thread_id = 0;
 
-// False until this initialiser has run: until then nothing is cached.
+// False until this initialiser has run. Until then nothing is cached.
 const bool is_reset_by_fork = pthread_atfork(nullptr, nullptr, [] { cached_thread_id = 0; }) == 0;
 
 } // namespace

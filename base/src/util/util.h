@@ -6,11 +6,11 @@
 
 namespace rkb {
 
-// The id of this process. It is read once, by the first call: a process made by fork() returns the
-// id of its parent if that had called this before. It also shares the parent's log file.
+// The id of this process, read by the first call. After fork() the child returns the id of its
+// parent if the parent had called this before. Such a child also writes to the parent's log file.
 [[nodiscard]] uint32_t process_id();
 
-// The kernel's id of the calling thread. It is read once per thread, and anew after fork().
+// The kernel's id of the calling thread. It is read once per thread, and again after fork().
 [[nodiscard]] uint32_t thread_id();
 
 // The low 32 bits of the calling thread's pthread handle.
