@@ -70,7 +70,7 @@ media_config_t::media_config_t()
         return;
     strncpy_s(m_ini_path, sizeof m_ini_path, path, sizeof m_ini_path - 1);
     m_ini = std::make_unique<ini_t>(m_ini_path);
-    // If the file cannot be read in whole, the keys that could be read count.
+    // If only a part of the file can be read, the keys of that part are used.
     static_cast<void>(m_ini->load());
 }
 

@@ -11,13 +11,12 @@
 namespace rkb {
 
 // Reads the ini file that the environment variable MIVOMEDIA_INI_PATH names, once, when it is
-// constructed. If the file cannot be read in whole, the keys that could be read count; nothing is
+// constructed. If only a part of the file can be read, the keys of that part are used; nothing is
 // reported. A getter returns its default if the variable is unset or the file does not have the
-// key. An integer is what strtol() makes of the stored text, so a word gives 0.
+// key. An integer is the result of strtol() for the stored text, so a word gives 0.
 //
-// Several threads may call the operations at once. Those that read the environment (the
-// constructor, env_rkb_home() and build_environment()) need that no other thread changes it
-// meanwhile.
+// Several threads may call the operations at once. While the constructor, env_rkb_home() or
+// build_environment() reads the environment, no other thread may change it.
 class media_config_t : no_copy {
 public:
     // The settings of the process, created on first use and destroyed at exit.
@@ -54,7 +53,7 @@ public:
     [[nodiscard]] bool log_rotation() const;
     [[nodiscard]] int log_level() const;
 
-    // Any key, with a default.
+    // The value of any key, or `missing`.
     [[nodiscard]] std::string get_string(
         std::string_view section, std::string_view key, std::string_view missing) const;
     [[nodiscard]] int get_int(std::string_view section, std::string_view key, int missing) const;
@@ -62,12 +61,12 @@ public:
     // Builds the environment of a child process: an array of texts NAME=value with a null at its
     // end. Each text is an array of 255 bytes and is cut at 254 characters. In this order:
     // - the keys of section "ENV" in file order. A leading "~" is replaced as by env_rkb_home().
-    // PATH
-    //   and LD_LIBRARY_PATH end in "/" unless they are empty. They are not joined with the
+    //   PATH and LD_LIBRARY_PATH end in "/" unless they are empty. They are not joined with the
     //   variables of this process that have the same names;
-    // - copies of this process's variables for the display, PulseAudio and D-Bus, as far as they are
-    //   set: see media_config.cpp for their names;
+    // - copies of this process's variables for the display, PulseAudio and D-Bus, as far as they
+    //   are set: see media_config.cpp for their names;
     // - MIVOMEDIA_INI_PATH.
+    //
     // Returns 1; the caller owns the array and frees it with free_environment(). It has room for at
     // least 20 more entries. Returns 0 and does not change `*environment` if there is no ini file
     // or `environment` is null. Throws std::bad_alloc.

@@ -11,8 +11,8 @@ namespace rkb {
 // its call. A default file sink that exists already is kept as it is.
 //
 // Only the first call in a process does this; later calls are only counted and return 0, possibly
-// before the first one has returned. Returns 0, log_sink_failed when there is no memory for the
-// sink, or log_not_registered when there is no logging control any more. Any thread.
+// before the first one has returned. The first call returns 0, log_sink_failed when there is no
+// memory for the sink, or log_not_registered when the logging control no longer exists. Any thread.
 uint32_t UTIL_INIT(const char* directory, const char* base_name, const char* extension);
 
 // The limits of a file sink: bytes per file, and the highest index.
