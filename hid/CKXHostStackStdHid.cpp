@@ -68,23 +68,24 @@ bool CKXHostStackStdHid::OpenDevice()
     }
 }
 
-// This and the next return the tree of the device's report descriptor, or null when the device is
-// not open.
+// This function and the next one return the tree of the device's report descriptor, or null when
+// the device is not open.
 const Root* CKXHostStackStdHid::OpenKnownDevice(const Root& tree)
 {
     device = hid_open(vendorId, productId, nullptr, DescriptorFetch::Off);
     return device ? &tree : nullptr;
 }
 
-// The empty tree enters the cache first and stays there when the device cannot be opened or returns
-// no descriptor. This is deliberate: such a device is not asked again, it opens without controls.
+// The empty tree is added to the cache first and stays there when the device cannot be opened or
+// returns no descriptor. This is deliberate: the next attempt does not request the descriptor again
+// and opens the device without controls.
 const Root* CKXHostStackStdHid::OpenNewDevice()
 {
     Root& tree = cache.Add(vendorId, productId);
     try {
         return OpenAndParse(tree) ? &tree : nullptr;
     } catch (const std::bad_alloc&) {
-        cache.Remove(vendorId, productId); // a part of a tree must not stay
+        cache.Remove(vendorId, productId); // it may hold a part of a tree
         throw;
     }
 }
@@ -179,7 +180,7 @@ void CKXHostStackStdHid::Notify(TelephonyStateMachine::Event event)
     }
 }
 
-// A failed write is ignored: the host has no use for it, and the states stay as set.
+// A failed write is ignored: the host needs no result, and the states stay as set.
 void CKXHostStackStdHid::Send(const Bytes& report)
 {
     if (device)

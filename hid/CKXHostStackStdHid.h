@@ -14,7 +14,7 @@
 namespace KX {
 
 // Owns the device and the reader thread, which runs from Open() to Close(). The reader thread
-// passes input reports to the state machine and delivers the events and output reports that follow.
+// passes input reports to the state machine and delivers the events and output reports that result.
 // The host's thread runs everything else. `device` changes only while there is no reader thread.
 class CKXHostStackStdHid final : public IHostHidStack,
                                  public IMivoAudioSdkSink,

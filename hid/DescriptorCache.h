@@ -1,4 +1,4 @@
-// Parsed report descriptors of the devices that were opened so far.
+// The parsed report descriptors of the devices that have been opened.
 #pragma once
 
 #include "hid/model/Root.h"
@@ -8,19 +8,19 @@
 
 namespace KX {
 
-// Owns a tree for each pair of vendor and product id. For one thread, the host's; a tree itself may
-// be read on any thread.
+// Owns a tree for each pair of vendor and product id. Only the host's thread may use the cache; any
+// thread may read a tree.
 class DescriptorCache {
 public:
     // The process-wide cache. It is made on first use and destroyed at exit.
     static DescriptorCache& Instance();
 
-    // Has the tree of the built-in descriptor.
+    // At first holds only the tree of the built-in descriptor.
     DescriptorCache();
     DescriptorCache(const DescriptorCache&) = delete;
     DescriptorCache& operator=(const DescriptorCache&) = delete;
 
-    // The tree of a device, or null. It stays where it is until Remove() or the cache's end.
+    // The tree of a device, or null. Valid until Remove() or the destruction of the cache.
     [[nodiscard]] const Root* Find(uint16_t vendorId, uint16_t productId) const;
 
     // Adds an empty tree for a device that must not have one yet. Throws std::bad_alloc, with the

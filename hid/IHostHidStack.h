@@ -1,5 +1,5 @@
-// The interface between the device host and a HID stack. The order of the operations is part of
-// the contract.
+// The interface between the device host and a HID stack. The order of the operations is part of the
+// contract.
 #pragma once
 
 #include "hid/model/TelephonyStates.h"
@@ -9,9 +9,10 @@
 namespace KX {
 
 // Receives what the user does on the device. All operations are called on the stack's reader
-// thread, from the time Open() starts it until Close() returns: events still come while Close()
-// waits for the reader thread, none come afterwards. An operation must not close or delete the
-// stack, which would wait for itself, and it delays Close() for as long as it takes.
+// thread, from the time Open() starts it until Close() returns: there may be events while Close()
+// waits for the reader thread, but none afterwards. An operation must not close or delete the
+// stack, because Close() would wait for its own thread. Close() takes longer while an operation
+// runs.
 class IHostStackSink {
 public:
     virtual void OnDeviceMute() = 0;
@@ -42,7 +43,7 @@ public:
     //
     // Returns 1 on success. Returns 0 when the device cannot be opened or returns no report
     // descriptor, no thread can be started or memory runs out. Nothing is open then. A device
-    // without telephony controls opens: operations do nothing where it lacks the control.
+    // without telephony controls opens; operations send no report for an LED that it lacks.
     //
     // Blocks while hidapi lists the devices (up to 1 s for each string transfer with a device that
     // does not respond), while the report descriptor is read (up to 4 x 5 s; only for ids that were
@@ -54,7 +55,7 @@ public:
     // sink and sent the one or two reports that follow.
     virtual void Close() = 0;
 
-    virtual void Mute() = 0;    // sends one report; does nothing unless a call is active
+    virtual void Mute() = 0;    // sends one report; only during a call and with a Mute LED
     virtual void Unmute() = 0;  // the same
     virtual void HangUp() = 0;  // sends up to three reports
     virtual void OffHook() = 0; // sends up to two reports

@@ -1,4 +1,4 @@
-// The report descriptor of a speakerphone that is opened without a request for its descriptor.
+// The report descriptor of the one speakerphone that is opened without reading its descriptor.
 //
 // Report ids: 1 Consumer control, 2 and 4 vendor-defined, 3 Telephony Headset. Of id 3, inputs:
 // Hook Switch, Line Busy Tone, Speaker Phone, Phone Mute, Flash, Redial, one programmable button;

@@ -41,7 +41,7 @@ void CollectionContents::Add(const Item& item)
         AddField(item);
         break;
     default:
-        break; // extents, units, ranges and the like do not change where a bit is
+        break; // other items do not change the position of a bit
     }
 }
 
@@ -67,7 +67,7 @@ void CollectionContents::AddField(const Item& item)
     group_->AddChild(std::make_unique<DataField>(item, layout, TakeUsages()));
 }
 
-// Of more usages than fields, the last ones count.
+// If there are more usages than fields, the last usages are used.
 std::vector<uint32_t> CollectionContents::TakeUsages()
 {
     std::vector<uint32_t> usages;
@@ -94,7 +94,7 @@ void DescriptorParser::ParseRoot(IData& root)
 void DescriptorParser::ParsePage(IData& page)
 {
     while (const Item* item = reader_.Peek()) {
-        // Both are left to the root level, which opens the next page or skips the stray end.
+        // ParseRoot() handles both: it opens the next page or skips the unmatched end.
         if (item->tag == kTagUsagePage || item->tag == kTagEndCollection)
             return;
         if (item->tag == kTagCollection) {

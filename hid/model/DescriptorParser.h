@@ -7,8 +7,8 @@
 namespace KX {
 
 // The current report size (bits) and report count. They are global items: they keep their values
-// until they are set again, also from one collection to the next, since descriptors leave out
-// what has not changed.
+// until they are set again, also from one collection to the next, because descriptors leave out
+// items that have not changed.
 struct ReportShape {
     uint32_t size = 0;
     uint32_t count = 0;
@@ -17,15 +17,14 @@ struct ReportShape {
 // Turns the items inside one top-level collection into its report groups and their fields.
 class CollectionContents {
 public:
-    // Gives `collection` its first report group, with id 0. `page` is the value of the UsagePage
+    // Adds the first report group, with id 0, to `collection`. `page` is the value of the UsagePage
     // node that the collection belongs to. It is the page of the fields until a Usage Page item
-    // inside this collection sets another one. Those inside an earlier collection have no effect
-    // here, although HID's global items would keep theirs. Both references must outlive this
-    // object.
+    // inside this collection sets another one. Usage Page items inside earlier collections have no
+    // effect here, although in HID they are global items. Both references must outlive this object.
     CollectionContents(IData& collection, uint32_t page, ReportShape& shape);
 
-    // Takes the next item. The caller counts nested collections: their fields belong to the same
-    // groups.
+    // Processes the next item. The caller counts nested collections: their fields belong to the
+    // same groups.
     void Add(const Item& item);
 
 private:

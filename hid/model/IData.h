@@ -1,8 +1,8 @@
 // The base of every node in a parsed report descriptor.
 //
-// A tree is for one question: in the application collection of a given usage page and usage, which
-// bit of which report carries a given control? Root::Parse() builds a tree once. After that it is
-// only read, from any thread.
+// A tree answers one question: in the application collection of a given usage page and usage, which
+// bit of which report is a given control? Root::Parse() builds a tree once. After that it is only
+// read, from any thread.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -28,8 +28,8 @@ public:
     IData(const IData&) = delete;
     IData& operator=(const IData&) = delete;
 
-    // Appends `child`, which must not be null, and owns it. A node that takes no children of that
-    // class deletes it.
+    // Appends `child`, which must not be null, and owns it. A node that does not take children of
+    // that class deletes it.
     virtual void AddChild(std::unique_ptr<IData> child);
 
     [[nodiscard]] virtual std::string_view GetClassName() const = 0;

@@ -1,4 +1,4 @@
-// Short items of a HID report descriptor (USB Device Class Definition for HID 1.11, 6.2.2).
+// Short items of a HID report descriptor.
 #pragma once
 
 #include <cstddef>
@@ -35,9 +35,9 @@ public:
         Consume();
     }
 
-    // The next item, or null at the end. An item whose data would run past the end counts as the
-    // end. The item belongs to the reader and is valid until Consume(). Long items are not
-    // recognised: their bytes are read as short items.
+    // The next item, or null at the end. An item whose data would extend past the end counts as the
+    // end. The reader owns the item, which is valid until Consume(). Long items are not recognised:
+    // their bytes are read as short items.
     [[nodiscard]] const Item* Peek() const { return hasItem_ ? &item_ : nullptr; }
 
     // Moves to the item after the one that Peek() returns.

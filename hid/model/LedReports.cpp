@@ -20,8 +20,8 @@ LedReports LedReports::FromControls(const TelephonyControls& controls)
         reports.ringAndOffHookOn = Combined(controls.ringLedReport, controls.offHookLedReport);
     if (controls.hasMuteLed) {
         reports.muteOn = Combined(controls.muteLedReport, controls.offHookLedReport);
-        // In a report of its own the Mute LED is cleared alone. Where it shares one with the
-        // Off-Hook LED, clearing would switch that off as well.
+        // If the Mute LED has a separate report, the report is cleared. If it shares a report with
+        // the Off-Hook LED, clearing the report would switch that LED off, too.
         reports.muteOff = ShareReport(controls.muteLedReport, controls.offHookLedReport)
             ? controls.offHookLedReport
             : Cleared(controls.muteLedReport);

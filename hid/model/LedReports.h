@@ -7,8 +7,8 @@ namespace KX {
 
 struct TelephonyControls;
 
-// All reports are built once, so that setting an LED later needs no memory. A report that the
-// device's controls do not allow is empty.
+// All reports are built once, so that setting an LED later needs no memory. A report is empty if
+// the device lacks the controls for it.
 struct LedReports {
     Bytes ringOn;
     Bytes ringAndOffHookOn; // a call waits during a call

@@ -5,7 +5,7 @@
 
 namespace KX {
 
-// What the global items before an Input or Output item say about its fields.
+// The values of the global items before an Input or Output item.
 struct FieldLayout {
     uint32_t reportId;
     int32_t reportSize; // bits

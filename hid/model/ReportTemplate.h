@@ -8,8 +8,8 @@
 
 namespace KX {
 
-// The report with every control off: all bytes after the report id are 0. A template of fewer
-// than 2 bytes stays as it is.
+// The report with every control off: all bytes after the report id are 0. A template of fewer than
+// 2 bytes stays as it is.
 [[nodiscard]] Bytes Cleared(Bytes report);
 
 // Whether both are non-empty and have the same report id.

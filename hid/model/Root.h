@@ -19,15 +19,15 @@ public:
     // `indent` is not used: the tree starts at the margin.
     [[nodiscard]] std::string Dump(const std::string& indent) const override;
 
-    // Look only in the first usage page of value `page`.
+    // Both look only at the first usage page of value `page`.
     [[nodiscard]] virtual bool FindInput(
         uint32_t page, uint32_t collectionUsage, uint32_t usage, Bytes& out) const;
     [[nodiscard]] virtual bool FindOutput(
         uint32_t page, uint32_t collectionUsage, uint32_t usage, Bytes& out) const;
 
-    // Adds the usage pages of a descriptor. The root must be empty. Never fails: any bytes make
-    // some tree, in time and space linear in their number. Throws std::bad_alloc, which leaves
-    // part of the tree.
+    // Adds the usage pages of a descriptor. The root must be empty. Accepts any bytes and builds a
+    // tree from them, in time and space linear in their number. Throws std::bad_alloc; a part of
+    // the tree remains then.
     void Parse(std::span<const uint8_t> descriptor);
 
 private:

@@ -14,8 +14,8 @@ struct TelephonyControls {
     Bytes offHookLedReport;
     bool hasOffHookLed = false;
 
-    // Input masks. A device without report ids sends reports without a first byte for the id, so
-    // that its masks have none either.
+    // Input masks. A device without report ids sends reports that do not begin with an id, so its
+    // masks do not either.
     Bytes phoneMuteMask;
     bool hasPhoneMute = false;
     Bytes hookSwitchMask;
@@ -32,8 +32,8 @@ struct TelephonyControls {
     bool hasHoldLed = false;
 
     // Finds the controls in the Headset collection of the Telephony page. They are compared by
-    // usage id alone, whatever their page: LED usages stand in that collection too. Controls that
-    // are not found keep their defaults. Throws std::bad_alloc.
+    // usage id alone, whatever their page, because the collection also contains LED usages.
+    // Controls that are not found keep their defaults. Throws std::bad_alloc.
     [[nodiscard]] static TelephonyControls FromDescriptor(const Root& root);
 };
 

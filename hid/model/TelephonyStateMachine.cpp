@@ -62,7 +62,7 @@ void TelephonyStateMachine::Unmute()
     Send(leds_.muteOff);
 }
 
-// In a call only the mute button counts: the hook switch does not end a call from the device.
+// During a call only the mute button has an effect: the hook switch does not end a call.
 void TelephonyStateMachine::HandleReport(std::span<const uint8_t> report)
 {
     if (callState_ == kCallActive) {
@@ -90,8 +90,8 @@ void TelephonyStateMachine::ToggleMute()
     }
 }
 
-// Any report without the hook switch's bit rejects the call, whatever control sent it. This is
-// deliberate: devices differ in the control that they reject with.
+// Any report without the hook switch's bit rejects the call, whichever control sent it. This is
+// deliberate: devices reject calls with different controls.
 void TelephonyStateMachine::HandleIncomingCall(std::span<const uint8_t> report)
 {
     if (controls_.hasHookSwitch && Matches(controls_.hookSwitchMask, report))
@@ -100,7 +100,7 @@ void TelephonyStateMachine::HandleIncomingCall(std::span<const uint8_t> report)
         RejectCall();
 }
 
-// The hook is off already, so that only flash or line busy together with it decide.
+// The device is already off-hook, so flash or line busy together with the hook switch decides.
 void TelephonyStateMachine::HandleWaitingCall(std::span<const uint8_t> report)
 {
     if (!controls_.hasHookSwitch || !Matches(controls_.hookSwitchMask, report))

@@ -14,8 +14,8 @@
 namespace KX {
 
 // The operations may run on one thread while HandleReport() runs on another. Each of the three
-// states is an atomic of its own, and the two threads may interleave between any two steps. No lock
-// is held while the output is called, so that it may block.
+// states is a separate atomic, and the two threads may interleave between any two steps. No lock is
+// held while the output is called, so the output may block.
 class TelephonyStateMachine {
 public:
     // What the user did on the device.
@@ -37,13 +37,14 @@ public:
         ~Output() = default;
     };
 
-    // `output` must outlive the machine. All states are "never set" and there are no controls.
+    // `output` must outlive the machine. At first all states are "never set" and there are no
+    // controls.
     explicit TelephonyStateMachine(Output& output);
     TelephonyStateMachine(const TelephonyStateMachine&) = delete;
     TelephonyStateMachine& operator=(const TelephonyStateMachine&) = delete;
 
-    // Sets the controls of the device. The states are kept. Nothing else may run meanwhile. Throws
-    // std::bad_alloc, with the earlier controls unchanged.
+    // Sets the controls of the device. The states are kept. No other operation may run meanwhile.
+    // Throws std::bad_alloc, with the earlier controls unchanged.
     void SetControls(TelephonyControls controls);
 
     // The state changes before the reports are sent, except that Ring() sends first.
@@ -55,9 +56,9 @@ public:
 
     // Takes an input report as hidapi delivers it.
     //
-    // A change of the call state comes first, then its event, then its reports. Muting is the other
-    // way round: first the event, then the mute state and the report. These two are left out when
-    // the call has ended meanwhile.
+    // When the call state changes, the event and then the reports follow. Muting has the opposite
+    // order: first the event, then the mute state and the report. The mute state and the report are
+    // left out when the call has ended meanwhile or the device has no Mute LED.
     void HandleReport(std::span<const uint8_t> report);
 
     [[nodiscard]] uint32_t MuteState() const { return muteState_; } // a StackMuteState

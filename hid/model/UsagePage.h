@@ -15,7 +15,7 @@ public:
     [[nodiscard]] std::string Dump(const std::string& indent) const override;
 };
 
-// A top-level collection. Its children are its report groups. Nested collections make no nodes.
+// A top-level collection. Its children are its report groups. Nested collections have no nodes.
 class Collection final : public IData {
 public:
     using IData::IData;
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] std::string Dump(const std::string& indent) const override;
 
     // Both look only at the first Usage of value `collectionUsage`. Its collection must be the
-    // very next child.
+    // child that follows directly.
     [[nodiscard]] bool FindInput(
         uint32_t collectionUsage, uint32_t usage, Bytes& out) const override;
     [[nodiscard]] bool FindOutput(

@@ -8,7 +8,7 @@ namespace KX {
 
 namespace {
 
-// HID descriptor, USB Device Class Definition for HID 1.11, 6.2.1.
+// The layout of the HID descriptor.
 constexpr size_t kEntryCountOffset = 5;
 constexpr size_t kFirstEntryOffset = 6;
 constexpr size_t kEntrySize = 3;
@@ -16,7 +16,7 @@ constexpr uint8_t kReportDescriptorType = 0x22;
 
 constexpr int kAttempts = 4;
 
-// Returns the length of the last answer, or a negative error.
+// Returns the length of the last response, or a negative error.
 int Read(UsbInterface& interface, Bytes& descriptor)
 {
     int received = 0;

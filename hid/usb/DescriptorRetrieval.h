@@ -1,4 +1,4 @@
-// Reads the report descriptor of a HID interface through libusb, with a handle of its own.
+// Reads the report descriptor of a HID interface through libusb, with a separate handle.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -12,14 +12,15 @@ namespace KX {
 // the two forms of a path. hidapi must not have the interface open. A kernel driver is detached for
 // the time of the call.
 //
-// Makes up to four attempts, each of which blocks for at most 5 s. Failures are printed on standard
-// output in the usual words of a USB descriptor listing. The result is:
+// Makes up to four attempts, each of which blocks for at most 5 s. Prints a line on standard output
+// when the interface cannot be claimed, and when the last attempt received only a part. The result
+// is:
 // - empty, with nothing printed, when there is no such interface, permission is missing, the kernel
 //   driver cannot be detached, or the interface announces no report descriptor;
 // - as many zeros as the interface announces bytes, when it cannot be claimed;
 // - after four short or failed attempts: the bytes that the device sent. Each attempt overwrites
-//   the beginning of what earlier ones left, so that the tail may be from an earlier, longer
-//   answer. Bytes that no attempt sent are 0;
+//   the beginning of the buffer, so the tail may be from an earlier, longer response. Bytes that no
+//   attempt received are 0;
 // - all zeros when more than 4,096 bytes are announced: libusb rejects such requests.
 //
 // Throws std::bad_alloc, with nothing left open.

@@ -1,7 +1,7 @@
-// hidapi's devices, with the report descriptor added, which hidapi before 0.14 does not offer.
+// hidapi's devices, with access to the report descriptor, which hidapi before 0.14 does not offer.
 //
-// hidapi keeps process-wide state without a lock: all functions and the destructor belong to one
-// thread. An open device may be read on one thread while another writes to it.
+// hidapi keeps process-wide state without a lock: only one thread may call the functions and the
+// destructor. One thread may read an open device while another writes to it.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -34,11 +34,11 @@ public:
     // device fails at once.
     [[nodiscard]] int Read(std::span<uint8_t> buffer, int timeoutMs);
 
-    // Sends an output report, report id first. Blocks until the device has taken it, for at most
-    // 1 s. Returns whether it has.
+    // Sends an output report, report id first. Blocks until the device has taken it, for at most 1
+    // s. Returns whether it was taken.
     [[nodiscard]] bool Write(std::span<const uint8_t> report);
 
-    // Empty when it was not fetched or the fetch got nothing.
+    // Empty when it was not fetched or could not be read.
     [[nodiscard]] const Bytes& ReportDescriptor() const { return reportDescriptor_; }
 
 private:
@@ -49,14 +49,14 @@ private:
 // Opens the first device with these ids and, unless `serialNumber` is null, this serial number.
 // Null when there is none or it cannot be opened.
 //
-// hidapi reads the three name strings of every interface with these ids first. It waits at most
-// 1 s for each transfer, and a string takes up to three transfers.
+// First hidapi reads the three name strings of every interface with these ids. It waits at most 1 s
+// for each transfer, and a string takes up to three transfers.
 [[nodiscard]] std::unique_ptr<HidDevice> hid_open(uint16_t vendorId, uint16_t productId,
     const wchar_t* serialNumber, DescriptorFetch fetchDescriptor);
 
-// Opens the device with this path, a name that hidapi made. Null when it cannot be opened.
+// Opens the device with this path from hidapi's enumeration. Null when it cannot be opened.
 // DescriptorFetch::On reads the report descriptor first, see RetrieveReportDescriptor(). A device
-// whose descriptor cannot be read is opened all the same.
+// whose descriptor cannot be read is opened, too.
 [[nodiscard]] std::unique_ptr<HidDevice> hid_open_path(
     const char* path, DescriptorFetch fetchDescriptor);
 

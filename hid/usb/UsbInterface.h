@@ -1,4 +1,4 @@
-// One HID interface of a USB device, opened through libusb by hidapi's name for it.
+// One HID interface of a USB device, opened through libusb by its hidapi path.
 #pragma once
 
 #include "hid/model/Bytes.h"
@@ -8,8 +8,8 @@
 
 namespace KX {
 
-// Owns a libusb context and a handle. For one thread at a time. All operations but Open() need an
-// interface that is open.
+// Owns a libusb context and a handle. For one thread at a time. All operations except Open() need
+// an open interface.
 class UsbInterface {
 public:
     UsbInterface() = default;
@@ -18,9 +18,9 @@ public:
     UsbInterface(const UsbInterface&) = delete;
     UsbInterface& operator=(const UsbInterface&) = delete;
 
-    // Opens the device and detaches a kernel driver from the interface. When one interface of that
-    // name cannot be opened the next is tried, as hidapi does. False when none can. Once per
-    // object.
+    // Opens the device and detaches a kernel driver from the interface. If several interfaces have
+    // that name and one cannot be opened, the next is tried, as in hidapi. False when none can be
+    // opened. To be called once.
     [[nodiscard]] bool Open(const std::string& path);
 
     // The class-specific bytes after the interface descriptor. They start with the HID descriptor.
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] bool Claim();
     void Release();
 
-    // Asks for as many bytes as `descriptor` has. Blocks for at most 5 s. Returns the number of
+    // Requests as many bytes as `descriptor` has. Blocks for at most 5 s. Returns the number of
     // bytes received, which overwrite the beginning of `descriptor`, or libusb's negative error.
     [[nodiscard]] int GetReportDescriptor(Bytes& descriptor);
 
