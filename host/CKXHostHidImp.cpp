@@ -17,7 +17,7 @@ constexpr size_t kProductPosition = 13;
 constexpr size_t kIdDigits = 4;
 constexpr size_t kMinKeyLength = 18;
 
-// The number that a text stream reads from the digits. 0 when there is none.
+// Returns the number that an input stream reads from the digits, 0 when there is none.
 uint16_t ParseId(const std::string& key, size_t position)
 {
     std::istringstream digits(key.substr(position, kIdDigits));
@@ -40,7 +40,7 @@ bool MuteValue(uint32_t stackState, uint8_t* value)
     }
 }
 
-// The two numberings run in opposite directions. Each is the contract of its own side.
+// The two sides number the call states in opposite orders. Both numberings are contract.
 bool CallValue(uint32_t stackState, uint8_t* value)
 {
     switch (stackState) {

@@ -1,6 +1,6 @@
 // The one implementation of IKXHost. It maps states to operations of the HID stack and the stack's
-// events to the callback. It has no state of its own except the selected device's key and ids. What
-// the window's buttons mean is up to the application, what the LEDs show is up to the stack.
+// events to the callback. Apart from the stack, it stores only the selected device's key and ids.
+// The application decides what the window's buttons do; the stack decides what the LEDs show.
 #pragma once
 
 #include "hid/IHostHidStack.h"
@@ -12,10 +12,10 @@
 
 namespace KX {
 
-// The IKXHost operations belong to the application's thread. The stack calls the sink operations on
-// its reader thread, and they call the callback there, without a lock or a queue. A stack is
-// destroyed only after its reader thread has ended, so that no event of an earlier device comes
-// after SelectDevice().
+// Only the application's thread may call the IKXHost operations. The stack calls the sink
+// operations on its reader thread, and they call the callback on that thread, without a lock or a
+// queue. A stack is destroyed only after its reader thread has ended, so there is no event of an
+// earlier device after SelectDevice().
 class CKXHostHidImp final : public IKXHost, public IMivoAudioSdkSink, private IHostStackSink {
 public:
     // `hostCallback` is not owned and must not be null.

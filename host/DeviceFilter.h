@@ -1,5 +1,5 @@
-// Sets for choosing among devices. Selecting a device does not consult them: no policy for that has
-// been defined.
+// Sets of allowed and refused devices. Selecting a device does not use them: no policy has been
+// defined for that.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The names of known devices, each in a slot of 256 bytes. They are compared with a device's own
-// name as case-sensitive substrings.
+// The names of known devices, each in a slot of 256 bytes. They are searched for in the name of a
+// device as case-sensitive substrings.
 #pragma once
 
 namespace KX {
@@ -15,8 +15,8 @@ inline constexpr char kSpeakerphoneNames[][kDeviceNameSize] = {
     "Jabra SPEAK 510",
 };
 
-// In the order in which they are tried. It is deliberate that the speakerphones are listed again
-// and that two names are listed in both spellings: devices report either.
+// In the order of comparison. It is deliberate that the speakerphones are listed again and that two
+// names are listed in both spellings: devices use either.
 inline constexpr char kConferenceDeviceNames[][kDeviceNameSize] = {
     "ConferenceCam Connect",
     "Revolabs",

@@ -1,6 +1,6 @@
-// What the application sees of the device host: states, commands, the host, its callback and the
-// entry functions. Objects cross the module's boundary only through the entry functions. The order
-// of the virtual operations is part of the contract, as the two sides may be built separately.
+// The interface of the device host: states, commands, the host, its callback and the entry
+// functions. Objects cross the module's boundary only through the entry functions. The order of the
+// virtual operations is part of the contract, because the two sides may be built separately.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@ enum KXCallState : uint8_t {
     KXCallRinging = 0,   // an incoming meeting
     KXCallActive = 1,    // off-hook
     KXCallIdle = 2,      // on-hook
-    KXCallUnknown = 255, // from GetState() only: none was set yet
+    KXCallUnknown = 255, // only from GetState(): no state has been set yet
 };
 
-// What the device asks of the application.
+// A command from the device to the application.
 enum class KXCommand : uint32_t {
     Accept = 0, // the ringing call was answered on the device
     Reject = 1, // the ringing call was rejected on the device
@@ -35,8 +35,9 @@ protected:
     ~IKXHostCallback() = default;
 };
 
-// Drives one device. All operations belong to one thread, the application's. At most one host of a
-// process may have a device selected: closing a device ends hidapi for all. No operation throws.
+// Drives one device. Only the application's thread may call the operations. At most one host of a
+// process may have a device selected: closing a device ends hidapi for the whole process. No
+// operation throws.
 //
 // Sending a report to the device blocks until the device has taken it, for at most 1 s.
 class IKXHost {
@@ -47,19 +48,19 @@ public:
     // Closes the selected device and opens the one that `deviceKey` names:
     // "0xVVVV-HID-0xPPPP#" with four hexadecimal digits each; a name may follow. Does nothing when
     // the key is null or is already selected. With fewer than 18 characters, or when memory runs
-    // out, no device is selected afterwards. A device that cannot be opened is selected all the
-    // same.
+    // out, no device is selected afterwards. A device that cannot be opened is selected
+    // nevertheless.
     //
     // Blocks
-    // - while the earlier device is closed: for a read of up to 100 ms and, if it returned a
-    // report,
-    //   for the callback and the one or two reports that follow;
+    // - while the earlier device is closed: for a read of up to 100 ms and, if that returned a
+    //   report, for the callback and the one or two reports that follow;
     // - while hidapi lists the devices: with a device that does not respond, for up to three
     //   transfers of 1 s for each of its three name strings;
     // - while the report descriptor is read, if no device with these ids was opened before: for up
     //   to 4 x 5 s;
     // - while up to three reports set the new device on-hook.
-    // Callbacks of the earlier device may still come while it is closed, none come later.
+    //
+    // There may be callbacks of the earlier device while it is closed, but none later.
     virtual void SelectDevice(const char* deviceKey) = 0;
 
     virtual int Reserved1() = 0;  // returns 0
@@ -88,8 +89,8 @@ protected:
 // DestroyKXHost() has returned.
 [[nodiscard]] IKXHost* CreateKXHost(IKXHostCallback* callback);
 
-// Closes the device, which blocks as in SelectDevice(), and frees the host. Callbacks may still
-// come during the call, none come later. Ignores null.
+// Closes the device, which blocks as in SelectDevice(), and frees the host. There may be callbacks
+// during the call, but none later. Ignores null.
 void DestroyKXHost(IKXHost* host);
 
 // Adds the lists of a JSON document to the process-wide device filter. Returns 1. Returns 0, with
@@ -101,17 +102,18 @@ void DestroyKXHost(IKXHost* host);
 // missing members count as empty. As many elements of the two lists of pairs are read as
 // "BlacklistVendorId" has; elements that are missing count as null. Other types:
 // - Document or "HID" of another type: raises an error.
-// - A number, text, truth value or {} where a list is meant: counts as empty. A list of pairs of
-//   these types raises an error as soon as an element is to be read from it.
-// - A non-empty object where a list is meant: raises an error. As "BlacklistVendorId" it only
-//   counts its members.
+// - A number, text, boolean or {} in place of a list: counts as empty. A list of pairs of these
+//   types raises an error as soon as an element is to be read from it.
+// - A non-empty object in place of a list: raises an error. As "BlacklistVendorId" it only counts
+//   its members.
 // - Elements that are ids: the fraction of a number is dropped, true is 1, false and null are 0.
 //   Numbers outside the range of uint32_t, texts, lists and objects raise an error.
-// - Elements that are names: numbers and truth values become their text, null becomes "". Lists and
+// - Elements that are names: numbers and booleans become their text, null becomes "". Lists and
 //   objects raise an error.
 //
-// Errors are JsonCpp's, derived from std::exception. What was added before one stays. Throws
-// std::bad_alloc as well. Call it on the thread that creates hosts: the filter is not guarded.
+// Errors are JsonCpp's exceptions, derived from std::exception. Entries that were added before an
+// error stay. Throws std::bad_alloc as well. Call it on the thread that creates hosts: the filter
+// is not guarded.
 int LoadHidFilterConfig(const char* jsonText, int length);
 
 // Sets `*differs` to 0 when both names contain the name of the same known conference device and
