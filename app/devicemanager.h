@@ -19,8 +19,8 @@ class DeviceManager : public QObject {
 
 public:
     // Enumerates all HID devices, once. If hidapi fails, the list is empty. Blocks for some
-    // milliseconds per device; hidapi waits up to a second for each request that a device does not
-    // answer.
+    // milliseconds per device. If a device does not respond, hidapi waits up to 1 s for each
+    // request.
     DeviceManager();
 
     // The process-wide manager. Created by the first call, destroyed at exit.
@@ -35,7 +35,7 @@ public:
 
 public Q_SLOTS:
     // Passes the id of the device in row `index` to HidController::selectDevice(), which blocks.
-    // Ignores an index outside the list: the combo box reports -1 for an empty list.
+    // Ignores an index outside the list: for an empty list the combo box passes -1.
     void slt_onSelectDevice(int index = 0);
 
 Q_SIGNALS:

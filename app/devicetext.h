@@ -6,8 +6,8 @@
 #include <hidapi/hidapi.h>
 
 // "VVVV:PPPP " (four lower-case hexadecimal digits each), then path, manufacturer and product,
-// without those that are null. A blank follows the path and the manufacturer. The names are not
-// changed: they may contain line breaks or markup.
+// without those that are null. A blank follows the path and the manufacturer. The names are used as
+// they are: they may contain line breaks or markup.
 QString deviceLine(const hid_device_info& device);
 
 // "0xVVVV-HID-0xPPPP#", the key by which the host selects a device. Devices with the same vendor

@@ -174,8 +174,8 @@ void HidController::acceptFromDevice()
     setRingState(false);
 }
 
-// In a meeting this sends only off-hook, while toggleHangup() sends on-hook first. Deliberate: the
-// device has already left the ringing call by itself.
+// In a meeting this sends only off-hook, while toggleHangup() sends on-hook first. This is
+// deliberate: the device has already left the ringing call.
 void HidController::rejectFromDevice()
 {
     sendCall(m_meetingStatus ? KXCallActive : KXCallIdle);
@@ -184,7 +184,7 @@ void HidController::rejectFromDevice()
     setRingState(false);
 }
 
-// Also accepted while no meeting is on. Not sent back to the device.
+// The device's mute state is accepted even while no meeting is on. It is not sent back.
 void HidController::slt_OnStateChanged(KXState state, int value)
 {
     if (!m_host || m_pendingDiscards > 0 || state != KXState::Mute)

@@ -1,8 +1,8 @@
 // The simulated meeting: its state, the device that shows it, and the log of its transitions.
 //
 // Every transition, whether a button of the window or of the device caused it, is sent to the
-// device, stored in the properties and logged as one line. The order of these three differs
-// between the operations; it is deliberate and callers may rely on it.
+// device, stored in the properties and logged as one line. The order of these three differs between
+// the operations; it is deliberate and callers may rely on it.
 #pragma once
 
 #include "host/IKXHost.h"
@@ -16,11 +16,12 @@
 Q_DECLARE_METATYPE(KXCommand)
 Q_DECLARE_METATYPE(KXState)
 
-// All operations belong to the GUI thread, except the two callback operations: the host calls them
-// on its reader thread. They only emit a signal, which a queued connection takes to the GUI thread.
+// Only the GUI thread may call the operations, except the two callback operations: the host calls
+// them on its reader thread. They only emit a signal, which a queued connection delivers on the GUI
+// thread.
 //
-// Every operation that sends to the device blocks until the device has taken each report; a device
-// that does not take a report costs up to a second for it.
+// Every operation that sends to the device blocks until the device has taken each report, for at
+// most 1 s per report.
 class HidController : public QObject, public IKXHostCallback {
     Q_OBJECT
     Q_PROPERTY(bool muteState READ muteState WRITE setMuteState NOTIFY sig_muteStateChanged)
@@ -48,13 +49,13 @@ public:
 
     // Sends on-hook to the current device, closes it, and opens the device of `id`
     // ("0xVVVV-HID-0xPPPP#"). The meeting continues on the new device; events of the old one that
-    // are still queued are dropped. Does nothing if `id` is the current id. Does not report
-    // whether the device opened.
+    // are still queued are dropped. Does nothing if `id` is the current id. Does not report whether
+    // the device opened.
     //
-    // Blocks. Closing waits for the reader thread: a read time-out (100 ms), or longer if that
-    // thread is sending reports. Opening a kind of device for the first time reads its report
-    // descriptor: four attempts of up to 5 s each if the device does not answer. Closing and
-    // opening both send reports.
+    // Blocks. Closing waits for the reader thread: for a read time-out (100 ms), or longer if that
+    // thread is sending reports. The first time that a device with these ids is opened, its report
+    // descriptor is read: four attempts of up to 5 s each if the device does not respond. Closing
+    // and opening both send reports.
     void selectDevice(const QString& id);
 
     // Called by the host on its reader thread. Ignored while there is no host.
@@ -63,8 +64,8 @@ public:
 
     virtual void reserved(); // does nothing; keeps the order of the virtual operations
 
-    // Creates a host and selects the current device id, blocking as selectDevice() does for the
-    // new device. Returns false if there is no factory or it creates no host.
+    // Creates a host and selects the current device id, blocking as selectDevice() does for the new
+    // device. Returns false if there is no factory or it creates no host.
     virtual bool createHost();
 
     // Sends the meeting's state to a new host.

@@ -19,9 +19,9 @@ void CLocalTrace::TraceRecord(uint32_t, uint32_t, const char*, size_t) { }
 
 void CLocalTrace::Reset()
 {
-    // The results are ignored on purpose. A rejected copy or append leaves the path as it is: if
-    // RKB_HOME is unset or too long, the path is "/logs/kxhost.log"; if there is only no room for
-    // the file's name, it is the home directory, which does not open for writing.
+    // The results are ignored deliberately. A rejected copy or append leaves the path unchanged. If
+    // RKB_HOME is unset or too long, the path is "/logs/kxhost.log". If only the file's name does
+    // not fit, the path is the home directory, which cannot be opened for writing.
     char path[kPathSize] = {};
     static_cast<void>(rkb::strcpy_s(path, sizeof path, std::getenv("RKB_HOME")));
     static_cast<void>(rkb::strcat_s(path, sizeof path, "/logs/kxhost.log"));

@@ -16,14 +16,14 @@ public:
     // The process-wide recorder. Created by the first call, destroyed at exit.
     static LogRecorder& instance();
 
-    // The lines, oldest first. Owned by the recorder, belongs to the GUI thread.
+    // The lines, oldest first. Owned by the recorder. For the GUI thread only.
     QStringListModel* logListModel() { return &m_logListModel; }
 
     // Adds a line at the end. The number of lines is not limited.
     //
-    // Any thread may call this, but only append() itself is guarded: while another thread than the
+    // Any thread may call this, but only append() itself is guarded: while a thread other than the
     // GUI thread appends, nothing else may use the model. The model emits its signals while the
-    // lock is held, and the lock is not recursive: a slot that is connected directly to the model
+    // lock is held, and the lock is not recursive: a slot that is directly connected to the model
     // must not call append().
     void append(const QString& line);
 

@@ -29,7 +29,7 @@ int runWindow()
 
 int main(int argc, char* argv[])
 {
-    // Fixed on purpose: the tool always uses this home, whatever the user's environment says.
+    // Deliberately fixed: the tool always uses this home and ignores the user's RKB_HOME.
     qputenv("RKB_HOME", "/home/tarnu/.mivo");
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QGuiApplication application(argc, argv);

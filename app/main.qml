@@ -1,8 +1,9 @@
 // The main window. It shows the properties of cls_DeviceManager, cls_HidController and
 // cls_LogRecorder and calls their slots. Its only state is whether the log view follows its end.
 //
-// The three children of id_function_area have anchors although a layout manages them. Qt warns once
-// about each. Keep both: position and width come from the anchors, the height from the layout.
+// The three children of id_function_area have anchors although a layout manages them. Qt prints one
+// warning for each. Keep both: position and width come from the anchors, the height from the
+// layout.
 import QtQuick 2.9
 import QtQuick.Controls 2.2
 import QtQuick.Controls.Styles 1.4
@@ -20,7 +21,7 @@ ApplicationWindow {
     component CommandButton: Button {
         id: button
         Layout.fillWidth: true
-        onDoubleClicked: clicked() // which Qt does not emit for the second of two fast clicks
+        onDoubleClicked: clicked() // Qt does not emit it for the second of two fast clicks
         contentItem: Label {
             text: button.text
             horizontalAlignment: Text.AlignHCenter
@@ -35,7 +36,7 @@ ApplicationWindow {
             border.width: 1
             radius: 4
 
-            // The keyboard focus, in the colour of the combo box's.
+            // Shows the keyboard focus, in the same colour as in the combo box.
             Rectangle {
                 anchors.fill: parent
                 anchors.margins: 1
@@ -82,7 +83,7 @@ ApplicationWindow {
                 currentIndex: cls_DeviceManager.deviceSelectedIndex
                 onCurrentIndexChanged: cls_DeviceManager.slt_onSelectDevice(currentIndex)
                 displayText: oneLine(currentText)
-                implicitWidth: 140 // whatever the text: a change makes Qt repeat its three warnings
+                implicitWidth: 140 // fixed, because after a change Qt repeats its three warnings
                 contentItem: Label {
                     leftPadding: 12
                     text: id_device.displayText
@@ -96,14 +97,14 @@ ApplicationWindow {
                     return text.replace(/[\u0000-\u001f\u007f-\u009f\u2028\u2029]+/g, " ")
                 }
 
-                // Like the style's delegate, but long names wrap, and names are plain text: markup
-                // could load images, and "&" would mark a key.
+                // As the style's delegate, but long names wrap, and names are plain text: markup
+                // could load images, and "&" would mark a mnemonic.
                 delegate: ItemDelegate {
                     width: ListView.view.width
                     highlighted: id_device.highlightedIndex === index
                     font.weight: id_device.currentIndex === index ? Font.DemiBold : Font.Normal
                     contentItem: Label {
-                        text: id_device.oneLine(model.display) // "display" alone is the button's
+                        text: id_device.oneLine(model.display) // ItemDelegate has its own "display"
                         textFormat: Text.PlainText
                         wrapMode: Text.Wrap
                         verticalAlignment: Text.AlignVCenter
@@ -165,11 +166,11 @@ ApplicationWindow {
             anchors.bottom: parent.bottom
             implicitHeight: 400
             Layout.fillHeight: true
-            clip: true // half a line at the bottom must not reach the status labels
+            clip: true // a line that does not fit must not cover the status labels
             model: cls_LogRecorder.logListModel
             keyNavigationEnabled: false // there is no current line
 
-            // Whether new lines scroll into view: until the user scrolls up, and again at the end.
+            // Whether the view scrolls to new lines. False while the user has scrolled up.
             property bool following: true
             function showEnd() {
                 if (following)
@@ -181,7 +182,7 @@ ApplicationWindow {
             onWidthChanged: Qt.callLater(showEnd)
             onHeightChanged: Qt.callLater(showEnd)
 
-            // Not with onCountChanged: that comes a frame later.
+            // Not onCountChanged, which is emitted a frame later.
             Connections {
                 target: cls_LogRecorder.logListModel
                 function onRowsInserted() { Qt.callLater(id_line4.showEnd) }
@@ -203,7 +204,7 @@ ApplicationWindow {
         }
     }
 
-    // Only 10 pixels high on purpose, as the function area ends 20 pixels above the window's bottom.
+    // Deliberately only 10 pixels high: the function area ends 20 pixels above the window's bottom.
     // The labels draw beyond it.
     RowLayout {
         anchors.top: id_function_area.bottom
@@ -238,7 +239,7 @@ ApplicationWindow {
             Image {
                 anchors.left: id_mute_status.right
                 anchors.verticalCenter: id_mute_status.verticalCenter
-                sourceSize.height: 18 // a quarter of the file's: sharp on high-DPI screens too
+                sourceSize.height: 18 // a quarter of the file's height, for high-DPI screens
                 source: "qrc:/../mivo/images/video/mutedmic.png"
                 visible: cls_HidController.muteState
             }

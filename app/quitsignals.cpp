@@ -17,7 +17,7 @@ constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 constexpr int64_t kNanoseconds = 1'000'000'000; // per second
 constexpr int64_t kRepeatTime = kNanoseconds;
 
-// Used by the handler. Never closed: a signal may arrive until the process ends.
+// Used by the handler. Never closed, because a signal may arrive until the process ends.
 std::array<int, 2> ends{-1, -1};      // of the pipe: read, write
 std::atomic<int64_t> firstSignal = 0; // when it arrived, 0 before
 static_assert(std::atomic<int64_t>::is_always_lock_free);
