@@ -76,7 +76,7 @@ private:
         ++at_;
     }
 
-    // One byte after 0x, otherwise as many as stand together.
+    // One byte after 0x, otherwise all pairs up to a character that is not a digit.
     void readPairs()
     {
         const std::string_view prefix = text_.substr(at_, 2);
@@ -107,7 +107,7 @@ private:
 
     bool startsWithDigit() const { return at_ < text_.size() && digitValue(text_[at_]) >= 0; }
 
-    // These note an error at the current place and return false.
+    // These store an error at the current position and return false.
 
     bool failAtByte(const std::string& expected)
     {
@@ -141,7 +141,7 @@ private:
     const std::string_view text_;
     const std::string& name_;
     size_t at_ = 0;
-    bool commaAllowed_ = false; // a byte stands before it, with no comma between
+    bool commaAllowed_ = false; // after a byte, unless a comma follows that byte already
     DescriptorBytes bytes_;
     std::string error_;
 };

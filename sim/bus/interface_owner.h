@@ -1,4 +1,4 @@
-// Who has the device's interface: the kernel's driver, a client, or nobody.
+// The owner of the device's interface: the kernel's driver, a client, or nobody.
 #pragma once
 
 #include "sim/device/device_model.h"
@@ -25,7 +25,7 @@ public:
     // Releases what the client has claimed.
     void removeClient(UMockdevIoctlClient* client);
 
-    // "usbhid", "usbfs", or null if nobody has the interface.
+    // "usbhid", "usbfs", or null if the interface has no owner.
     const char* driverName() const;
     bool driverBound() const { return driverBound_; }
     bool claimed() const { return claimedBy_ != nullptr; }

@@ -22,9 +22,9 @@ inline IoctlDataRef newReference(UMockdevIoctlData* data)
     return IoctlDataRef(data);
 }
 
-// Returns the copy of what the pointer at `offset` of `data` points to in the client. `data` owns
-// it, and both are written back to the client together. Null for a null pointer or if the client's
-// memory cannot be read.
+// Follows the pointer at `offset` of `data` and returns the copy of the client's memory there.
+// `data` owns the copy; both are written back to the client together. Null for a null pointer or if
+// the client's memory cannot be read.
 inline UMockdevIoctlData* resolve(UMockdevIoctlData* data, size_t offset, size_t length)
 {
     UMockdevIoctlData* const target = umockdev_ioctl_data_resolve(data, offset, length, nullptr);

@@ -22,7 +22,7 @@
 
 typedef int (*open_function)(const char*, int, ...);
 
-/* Not by open(), which this library replaces. */
+/* Does not call open(), which this library replaces. */
 static int open_directly(const char* path, int flags, mode_t mode)
 {
     return (int)syscall(SYS_openat, AT_FDCWD, path, flags, mode);
@@ -40,7 +40,7 @@ static int find_node(const char* path, char* node, size_t size)
     return faccessat(AT_FDCWD, node, F_OK, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-/* umockdev adds even a failed open to its table, so try first. */
+/* umockdev adds failed opens to its table, too, so check first. */
 static int can_open(const char* node, int flags, mode_t mode)
 {
     struct stat status;
@@ -66,7 +66,7 @@ static int open_node(const char* name, const char* path, int flags, mode_t mode)
     }
     open_function next;
     void* const symbol = dlsym(RTLD_NEXT, name);
-    memcpy(&next, &symbol, sizeof next); /* C has no conversion for it */
+    memcpy(&next, &symbol, sizeof next); /* C cannot convert it to a function pointer */
     return next(path, flags, mode);
 }
 
@@ -82,7 +82,7 @@ static int open_node(const char* name, const char* path, int flags, mode_t mode)
         return open_node(#name, path, flags, mode);                                                \
     }
 
-/* What programs built with fortification call, libusb among them. */
+/* Called by programs built with fortification, for example by libusb. */
 #define WRAP_FORTIFIED(name)                                                                       \
     EXPORT int name(const char* path, int flags);                                                  \
     EXPORT int name(const char* path, int flags)                                                   \

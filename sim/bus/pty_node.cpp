@@ -18,8 +18,8 @@ void require(bool ok, const char* what)
 
 } // namespace
 
-// O_NOCTTY: a terminal that became a process's controlling terminal would end
-// that process with SIGHUP at unplug.
+// O_NOCTTY: if the terminal became a process's controlling terminal, unplugging would end that
+// process with SIGHUP.
 PtyNode::PtyNode()
     : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
 {

@@ -1,4 +1,4 @@
-// A device node for which poll() gives what it gives for a usbfs node.
+// A device node for which poll() has the same results as for a usbfs node.
 #pragma once
 
 #include "sim/bus/file_descriptor.h"
@@ -18,8 +18,8 @@ public:
     const std::string& path() const { return path_; }
 
     void setReady(bool ready);
-    // Whether this user may open the node; at first, yes. If not, opening gives EACCES, also to
-    // root if the client has our preload library. Clients that have it open keep it.
+    // Whether this user may open the node; at first, yes. If not, opening fails with EACCES, even
+    // for root if the client has our preload library. Clients that have the node open keep it open.
     void setOpenable(bool openable);
     void hangUp();
 

@@ -10,8 +10,8 @@
 namespace sim {
 namespace {
 
-// Without the "libudev" header of udevd's messages, libudev takes it for one of the kernel's, which
-// need no hashes.
+// Has no "libudev" header as udevd's messages have, so libudev treats it as a message of the
+// kernel, which needs no hashes.
 std::string messageFor(const Uevent& event)
 {
     std::string message = event.action + "@" + event.devicePath + '\0';
@@ -29,7 +29,7 @@ void send(const std::string& message, const std::string& socketPath)
         return;
     socketPath.copy(to.sun_path, socketPath.size());
     const FileDescriptor from(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    // No error if it fails: a listener that has ended leaves its socket.
+    // A failure is ignored: the socket of a listener that has ended remains.
     sendto(from.get(), message.data(), message.size(), MSG_NOSIGNAL,
         reinterpret_cast<const sockaddr*>(&to), sizeof to);
 }
@@ -38,7 +38,7 @@ void send(const std::string& message, const std::string& socketPath)
 
 void broadcast(const std::string& root, const Uevent& event)
 {
-    constexpr std::string_view prefix = "event"; // what umockdev calls a listener's socket
+    constexpr std::string_view prefix = "event"; // of the name of a listener's socket
     const std::string message = messageFor(event);
     for (const auto& entry : std::filesystem::directory_iterator(root)) {
         if (entry.path().filename().native().starts_with(prefix))

@@ -14,21 +14,21 @@ struct Urb {
     UMockdevIoctlClient* owner = nullptr; // only compared
     IoctlDataRef request;                 // the client's struct usbdevfs_urb
     UMockdevIoctlData* buffer = nullptr;  // owned by `request`; null when empty
-    size_t dataOffset = 0;                // where an IN transfer's data goes in the buffer
+    size_t dataOffset = 0;                // position of an IN transfer's data in the buffer
     bool input = false;                   // interrupt IN
     int status = 0;                       // 0 or -errno
     size_t transferred = 0;
     Bytes data = {}; // of an IN transfer
 };
 
-// Holds the transfers that wait for input, those that are finished and not yet reaped, and input
-// that no transfer has asked for. Not locked.
+// Holds the transfers that wait for input, the transfers that are finished and not yet reaped, and
+// input that no transfer has requested. Not locked.
 class UrbQueue {
 public:
     static constexpr size_t kMaxInput = 65536; // unread input reports
 
-    // Gives an input report to the oldest waiting transfer, or else to the next that comes. False
-    // if there are kMaxInput unread reports.
+    // Completes the oldest waiting transfer with an input report, or keeps the report for the next
+    // transfer. False if there are kMaxInput unread reports.
     [[nodiscard]] bool addInput(const Bytes& report);
     void waitForInput(Urb urb);
     void dropInput() { input_.clear(); }

@@ -39,7 +39,7 @@ std::string descriptorAttribute(const UsbDeviceInfo& info)
     return text;
 }
 
-// What libusb reads, and no more.
+// Contains only what libusb reads.
 std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDeviceInfo& info)
 {
     return "P: " + place.sysfsPath
@@ -58,7 +58,7 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
         + descriptorAttribute(info) + "\n";
 }
 
-// umockdev ends the process when it cannot write, so check first.
+// umockdev aborts when it cannot make its directory or write a file, so check first.
 void requireRoom(const std::string& directory)
 {
     struct statvfs room = {};
@@ -74,7 +74,7 @@ void requireRoom(const std::string& directory)
 UMockdevTestbed* makeTestbed()
 {
     requireRoom(g_get_tmp_dir());
-    return umockdev_testbed_new(); // its directory is for its owner alone
+    return umockdev_testbed_new(); // only its owner may enter its directory
 }
 
 } // namespace
@@ -96,8 +96,8 @@ UsbBus::~UsbBus()
     g_object_unref(testbed_);
 }
 
-// The socket comes before the node, and stays when the device is unplugged: at a node without a
-// socket, a client's ioctls would all fail with ENOTTY.
+// The socket is made before the node, and stays when the device is unplugged: if a node had no
+// socket, all of a client's ioctls would fail with ENOTTY.
 UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs)
 {
     requireRoom(root_);
@@ -120,9 +120,9 @@ void UsbBus::makeNode(const std::string& node, const Usbfs& usbfs) const
     fs::create_symlink(usbfs.nodePath(), path);
 }
 
-// The node first, so that nobody opens it any more. The sysfs directory is removed by hand, because
-// umockdev_testbed_remove_device() of version 0.19 also tries to announce it and reports an error in
-// a process that is not preloaded.
+// Removes the node first, so that it cannot be opened any more. The sysfs directory is removed by
+// hand, because umockdev_testbed_remove_device() of version 0.19 also tries to announce it and
+// reports an error in a process that is not preloaded.
 void UsbBus::unplug(const Place& place, Usbfs& usbfs)
 {
     fs::remove(root_ + place.node);

@@ -10,12 +10,11 @@
 namespace sim {
 
 // Only one at a time in a process: it sets UMOCKDEV_DIR, by which this process (if umockdev's
-// library is preloaded) and those started later find the bus. Its files are in a directory below
-// TMPDIR that only this user may enter, so only programs of the same user, or root, can use the
-// bus. The destructor removes the directory. Must outlive its devices. Not for several threads at
-// once.
+// library is preloaded) and processes started later find the bus. Its files are in a directory
+// below TMPDIR that only this user may enter, so only programs of the same user, or root, can use
+// the bus. The destructor removes the directory. Must outlive its devices. Not thread-safe.
 //
-// umockdev ends the process by a GLib error (SIGTRAP) if it cannot write a file there.
+// If umockdev cannot write a file there, it ends the process with a GLib error (SIGTRAP).
 class UsbBus {
 public:
     UsbBus(); // throws std::runtime_error, also if there is too little room
@@ -46,7 +45,7 @@ private:
     UMockdevTestbed* testbed_;
     std::string root_;
     int lastPort_ = 0;
-    int lastAddress_ = 1; // the root hub's, which is not emulated
+    int lastAddress_ = 1; // address of the root hub, which is not emulated
 };
 
 } // namespace sim

@@ -11,7 +11,7 @@ UsbDevice::UsbDevice(UsbBus& bus, UsbDeviceInfo info)
 {
 }
 
-// umockdev's thread may still use the model for a while.
+// umockdev's thread may still use the model for some time.
 UsbDevice::~UsbDevice()
 {
     unplug();

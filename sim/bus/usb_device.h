@@ -22,31 +22,31 @@ public:
     // Not from a callback. Does nothing if the device is plugged in. Throws std::runtime_error.
     void plug();
     // Any thread, including from a callback and during transfers, but not while another thread
-    // plugs or unplugs on the same bus. When it returns, every transfer has failed. Does nothing
-    // if the device is not plugged in.
+    // plugs or unplugs on the same bus. When it returns, every transfer has failed. Does nothing if
+    // the device is not plugged in.
     void unplug();
     bool isPlugged() const;
 
-    // Queues an input report, as on the wire (without an id if the device has no report ids),
-    // until a client reads it. Returns false, and the report is lost, if the device is unplugged,
-    // the kernel's driver has it, or UrbQueue::kMaxInput reports are unread. Any thread.
+    // Queues an input report, as on the wire (without an id if the device has no report ids), until
+    // a client reads it. Returns false, and the report is lost, if the device is unplugged, the
+    // kernel's driver has it, or UrbQueue::kMaxInput reports are unread. Any thread.
     bool inject(const Bytes& report);
-    // Waits until a client's libusb has read every injected report. hidapi itself keeps only the
-    // 30 newest unread reports, so call this at least every 20 reports if none may be lost. Returns
-    // false after the timeout and if the device is unplugged. Any thread.
+    // Waits until a client's libusb has read every injected report. hidapi keeps only the 30 newest
+    // unread reports, so call this at least every 20 reports if none may be lost. Returns false
+    // after the timeout and if the device is unplugged. Any thread.
     [[nodiscard]] bool waitUntilRead(std::chrono::milliseconds timeout = kDefaultTimeout);
 
     // The output reports that were received, in order: see OutputLog. Report id first, 0 for a
-    // device without report ids. A report is here before the client's hid_write() returns. Any
+    // device without report ids. A report is added before the client's hid_write() returns. Any
     // thread.
     [[nodiscard]] bool waitForOutputs(
         size_t count, std::chrono::milliseconds timeout = kDefaultTimeout);
     [[nodiscard]] std::vector<Bytes> takeOutputs() { return model_->outputs.take(); }
 
     // Sets the one callback, for all events or for received output reports only. It runs on
-    // umockdev's thread; for an output report, before the client's hid_write() returns. Clients
-    // wait for their ioctls meanwhile. It may inject, unplug and replace itself. When these return,
-    // the previous callback is not running any more, unless it is the one that called this.
+    // umockdev's thread, for an output report before the client's hid_write() returns. Clients wait
+    // for their ioctls meanwhile. It may inject, unplug and replace itself. When these return, the
+    // previous callback is not running any more, unless they were called from it.
     void setEventCallback(DeviceModel::EventCallback callback);
     void setOutputCallback(std::function<void(const Bytes&)> callback);
 
@@ -54,8 +54,8 @@ public:
     DeviceFaults& faults() { return model_->faults; }
     const DeviceCounters& counters() const { return model_->counters; }
 
-    // Whether opening the node is permitted; at first, yes. Unplugging does not change this. Holds
-    // for root too if the client has our preload library.
+    // Whether opening the node is permitted; at first, yes. Unplugging does not change this. Also
+    // applies to root if the client has our preload library.
     void setOpenable(bool openable);
     bool driverBound() const; // whether the kernel's driver has the device; false while unplugged
     bool claimed() const;     // whether a client has the interface
@@ -66,7 +66,7 @@ private:
     UsbBus& bus_;
     const int port_;
     const std::shared_ptr<DeviceModel> model_;
-    mutable std::mutex mutex_; // guards all below
+    mutable std::mutex mutex_; // guards the fields below
     bool openable_ = true;
     UsbBus::Place place_;
     std::shared_ptr<Usbfs> usbfs_; // null while unplugged

@@ -11,15 +11,15 @@
 namespace sim {
 namespace {
 
-// With these libusb makes one URB of each transfer, and reaps those that fail at unplug.
+// With these libusb makes one URB for each transfer, and reaps the URBs that fail at unplug.
 constexpr uint32_t kCapabilities = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_NO_PACKET_SIZE_LIM
     | USBDEVFS_CAP_REAP_AFTER_DISCONNECT;
 
 // The longest report or descriptor, after a setup packet.
 constexpr int kMaxTransfer = 0xffff + int{DeviceModel::SetupPacket::kSize};
 
-// The size of what the ioctl's argument points to. 0 if the argument is not used, or is the value
-// itself (for DISCARDURB, an address in the client).
+// The size of the data that the ioctl's argument points to. 0 if the argument is not used or is not
+// a pointer to data (for DISCARDURB it is the URB's address in the client).
 size_t targetSize(unsigned long request)
 {
     switch (request) {
@@ -154,7 +154,7 @@ long Usbfs::answerConnected(
     case USBDEVFS_RESET:
         return 0;
     default:
-        return -ENOTTY; // libusb does without the others
+        return -ENOTTY; // libusb does not need the others
     }
 }
 

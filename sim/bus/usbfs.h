@@ -19,7 +19,7 @@ public:
 
     const std::string& nodePath() const { return node_.path(); }
 
-    // Any thread may call these. See UsbDevice for those of the same name there.
+    // Any thread may call these. For those that UsbDevice has too, see there.
     bool inject(const Bytes& report);
     [[nodiscard]] bool waitUntilRead(std::chrono::milliseconds limit);
     void setOpenable(bool openable);
@@ -33,8 +33,8 @@ public:
     void removeClient(UMockdevIoctlClient* client);
 
 private:
-    // These need the lock and return the ioctl's result, or -errno. `target` is what the ioctl's
-    // argument points to.
+    // The caller holds the lock. These return the ioctl's result, or -errno. `target` is the data
+    // that the ioctl's argument points to.
     long answer(UMockdevIoctlClient* client);
     long answerConnected(
         UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target);
@@ -49,7 +49,7 @@ private:
 
     const std::shared_ptr<DeviceModel> device_;
 
-    std::mutex mutex_; // guards all below
+    std::mutex mutex_; // guards the fields below
     std::condition_variable changed_;
     PtyNode node_;
     bool connected_ = true;

@@ -26,7 +26,7 @@ void onClientGone(gpointer usbfs, GObject* client)
     (*owner)->removeClient(reinterpret_cast<UMockdevIoctlClient*>(client));
 }
 
-// umockdev never emits the "client-vanished" signal, but destroys the client's object.
+// umockdev never emits the "client-vanished" signal. Instead it destroys the client's object.
 void onClientConnected(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer usbfs)
 {
     auto owner = std::make_unique<SharedUsbfs>(shared(usbfs));

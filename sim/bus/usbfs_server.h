@@ -7,8 +7,8 @@
 
 namespace sim {
 
-// From now on `usbfs` handles the ioctls on `node` ("/dev/bus/usb/..."), on umockdev's thread. The
-// testbed shares its ownership until it is destroyed itself. Throws std::runtime_error.
+// Makes `usbfs` handle the ioctls on `node` ("/dev/bus/usb/..."), on umockdev's thread. The testbed
+// shares its ownership until it is destroyed itself. Throws std::runtime_error.
 void serveIoctls(
     UMockdevTestbed* testbed, const std::string& node, const std::shared_ptr<Usbfs>& usbfs);
 

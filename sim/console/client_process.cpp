@@ -28,7 +28,7 @@ Environment environmentWith(const std::string& libraries)
     return Environment(g_environ_setenv(variables, "LD_PRELOAD", all.c_str(), TRUE));
 }
 
-// In the child, between fork() and exec(): may only call what is async-signal-safe.
+// Runs in the child between fork() and exec(), so it may call only async-signal-safe functions.
 void prepareChild(gpointer)
 {
     setpgid(0, 0);
@@ -45,7 +45,7 @@ void prepareChild(gpointer)
 ClientProcess::ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd)
     : onEnd_(std::move(onEnd))
 {
-    // GLib gives the child /dev/null for standard input unless told otherwise.
+    // GLib by default opens /dev/null as the child's standard input.
     constexpr auto flags = static_cast<GSpawnFlags>(
         G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
     GError* error = nullptr;
@@ -65,7 +65,7 @@ ClientProcess::ClientProcess(char* const* command, const std::string& libraries,
         this);
 }
 
-// The signal also goes to a group whose first process has ended: others may be left in it.
+// The group is signalled even if its first process has ended: it may have other processes.
 ClientProcess::~ClientProcess()
 {
     kill(-pid_, SIGTERM);

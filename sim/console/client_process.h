@@ -24,23 +24,23 @@ public:
     const Reason reason;
 };
 
-// A child process in a process group of its own, with the default action for every signal and none
-// blocked. Its standard input is empty; its output goes to our standard error. It has our
+// A child process in a new process group, with the default action for every signal and none
+// blocked. Its standard input is empty; its output is written to our standard error. It has our
 // environment, with more libraries in LD_PRELOAD; our own environment is not changed.
 //
 // Uses GLib's default main context, which has to run in the thread that calls these. SIGCHLD must
 // not be ignored.
 class ClientProcess {
 public:
-    // Called once from the main context after the process has ended: with its exit status or, as
-    // in a shell, 128 + the signal that ended it.
+    // Called once from the main context after the process has ended: with its exit status or, as in
+    // a shell, 128 + the signal that ended it.
     using EndCallback = std::function<void(int status)>;
 
     // Starts `command`, which is as for execvp(). `libraries` are added to the inherited LD_PRELOAD
     // after a colon. Throws ClientStartError.
     ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd);
 
-    // Ends the process group by SIGTERM and, if the process has not ended after two seconds, by
+    // Ends the process group with SIGTERM and, if the process has not ended after two seconds, with
     // SIGKILL. Runs the main context until the process has ended, so onEnd has been called when
     // this returns.
     ~ClientProcess();

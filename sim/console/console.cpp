@@ -38,7 +38,7 @@ std::optional<int> number(std::string_view text)
     return value;
 }
 
-// These return false if the words make no sense.
+// These return false if the words are not valid.
 
 bool hook(ConsoleDevice& device, std::string_view position)
 {

@@ -56,7 +56,7 @@ void ConsoleDevice::send(const std::vector<Panel::InputReport>& reports)
         send(input.what, input.report);
 }
 
-// Prints before it sends: what the program does in return is printed on another thread.
+// Prints before it sends, because the program's reaction is printed on another thread.
 void ConsoleDevice::send(const std::string& what, const Bytes& report)
 {
     const bool listening = device_.isPlugged() && !device_.driverBound();
@@ -126,7 +126,7 @@ void ConsoleDevice::clearFaults()
     device_.setOpenable(true);
 }
 
-// Commands and signals wait until it is done.
+// Commands and signals are not handled meanwhile.
 bool ConsoleDevice::flood(int reports)
 {
     if (static_cast<size_t>(reports) > UrbQueue::kMaxInput)

@@ -1,4 +1,4 @@
-// A simulated device as kelprobe-sim has one for each profile on its command line.
+// A simulated device: kelprobe-sim makes one for each profile on its command line.
 #pragma once
 
 #include "sim/bus/usb_device.h"
@@ -9,8 +9,8 @@
 
 namespace sim {
 
-// The device with its LEDs and buttons. What happens to it is printed. One thread may use it; lines
-// about what a client did are printed on umockdev's thread.
+// The device with its LEDs and buttons. Prints its events. Only one thread may use it; lines about
+// a client's operations are printed on umockdev's thread.
 class ConsoleDevice {
 public:
     // Plugs in. `number` is the device's number in the transcript, which must outlive the device.
@@ -22,9 +22,9 @@ public:
     void unplug();
     void replug();
 
-    // Switches on a fault of console.h's help for the next `number` times, or for ever without a
-    // number; for "short" and "flood" it is the number of bytes and of reports. False if there is
-    // no such fault or a number is missing or too large.
+    // Switches on one of the faults that the command `help` lists, for the next `number` times, or
+    // for ever without a number. For "short" the number is that of bytes, for "flood" that of
+    // reports. False if there is no such fault or a number is missing or too large.
     [[nodiscard]] bool setFault(std::string_view name, std::optional<int> number);
 
     void print(const std::string& line) { transcript_.print(number_, line); }

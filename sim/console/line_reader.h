@@ -1,4 +1,4 @@
-// Cuts what is read from a stream into lines.
+// Splits the input of a stream into lines.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@ namespace sim {
 
 class LineReader {
 public:
-    // The longest line that can make sense: "raw" with the longest report.
+    // Long enough for the longest valid line: "raw" with the longest report.
     static constexpr size_t kMaxLine = 256 * size_t{1024};
 
     // Called with each line, without its end. Of a line longer than kMaxLine it gets the first
@@ -22,7 +22,7 @@ public:
     }
 
     void add(std::string_view text);
-    // The stream has ended: what follows the last line end is a line too, unless it is empty.
+    // To be called at the end of the stream. Text after the last line end is a line, too.
     void finish();
 
 private:

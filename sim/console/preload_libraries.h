@@ -1,4 +1,4 @@
-// The libraries that let a program find the simulated bus instead of the machine's.
+// The libraries that make a program use the simulated bus instead of the machine's.
 #pragma once
 
 #include <filesystem>

@@ -31,7 +31,7 @@ FileDescriptor blockEndingSignals()
     return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-// umockdev ends the process by an error message when it cannot write a file.
+// umockdev logs a GLib error, which ends the process, when it cannot write a file.
 void printMessage(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer)
 {
     if (!(level & G_LOG_LEVEL_ERROR)) {
@@ -50,7 +50,7 @@ public:
     {
     }
 
-    // The program ends before this returns: it could not live without the devices.
+    // The program has ended when this returns, because the devices are removed afterwards.
     int run(char* const* command, const std::string& libraries)
     {
         const ClientProcess client(command, libraries, [this](int status) { end(status); });
@@ -91,7 +91,7 @@ private:
 
     void end(int status)
     {
-        if (!status_) // the program also ends, by our SIGTERM, after a signal to us
+        if (!status_) // after a signal to this process it is already set
             status_ = status;
     }
 
@@ -105,13 +105,13 @@ private:
 int runSession(std::span<const Profile* const> profiles, char* const* command)
 {
     const FileDescriptor signals = blockEndingSignals();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end us before the program
+    std::signal(SIGPIPE, SIG_IGN); // a closed output must not end this process before the program
     std::signal(SIGCHLD, SIG_DFL); // the parent may have left it ignored
     g_log_set_default_handler(printMessage, nullptr);
     UsbBus bus;
     Transcript transcript(profiles.size());
     std::list<ConsoleDevice> devices;
-    // The last first, as the system lists the device plugged in last at the top.
+    // The last profile first, because the system lists the newest device first.
     for (size_t number = profiles.size(); number > 0; --number)
         devices.emplace_front(bus, profiles[number - 1]->info, number, transcript);
     Console console(devices);

@@ -15,7 +15,7 @@ public:
     // The next `times` operations fail. 0 ends the fault.
     void arm(int times = kAlways) { left_ = times; }
 
-    // Called by each operation: true if it has to fail, which uses up one of the times.
+    // Called by each operation. True if the operation has to fail; this counts as one of the times.
     [[nodiscard]] bool consume()
     {
         int left = left_;

@@ -1,4 +1,4 @@
-// The device's own side of the bus: its answers and what it receives, plugged in or not.
+// The device's side of the bus: its responses and the reports that it receives.
 #pragma once
 
 #include "sim/device/device_faults.h"
@@ -25,8 +25,8 @@ struct DeviceEvent {
 };
 
 struct DeviceCounters {
-    std::atomic<int> reportDescriptorReads = 0; // requests, answered or not
-    std::atomic<int> claims = 0;                // that succeeded
+    std::atomic<int> reportDescriptorReads = 0; // requests, including those that stalled
+    std::atomic<int> claims = 0;                // successful ones
     std::atomic<int> releases = 0;              // including those by clients that ended
 };
 
@@ -69,7 +69,7 @@ public:
     void notify();
 
     // Replaces the callback. When this returns, the previous callback is not running and will not
-    // run again, unless it is the one that called this.
+    // run again, unless this was called from it.
     void setEventCallback(EventCallback callback);
 
     const UsbDeviceInfo info;

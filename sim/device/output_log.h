@@ -14,8 +14,8 @@ class OutputLog {
 public:
     void add(Bytes report);
 
-    // Waits until at least `count` reports are here that have not been taken. False if the time
-    // is over before.
+    // Waits until there are at least `count` reports that have not been taken. False if that takes
+    // longer than `limit`.
     [[nodiscard]] bool waitFor(size_t count, std::chrono::milliseconds limit);
 
     // Returns the reports since the last call, oldest first.

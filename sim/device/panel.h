@@ -32,18 +32,18 @@ public:
     Bytes idleReport() const;
 
     // Takes an output report, report id first, and returns which LEDs it changed: "ring LED on,
-    // hold LED off", or "no change". The hook switch follows the off-hook LED, so that it is
-    // right after a call that was answered or ended on the host.
+    // hold LED off", or "no change". The hook switch follows the off-hook LED, so its position is
+    // right after a call was answered or ended on the host.
     std::string applyOutput(const Bytes& report);
 
 private:
-    // These need the lock.
+    // The caller holds the lock.
     std::vector<InputReport> moveHook(HookPosition position);
     const ReportField* find(Button button) const;
     Bytes inputReport(uint8_t reportId) const;
 
     const ReportFields fields_;
-    mutable std::mutex mutex_; // guards all below
+    mutable std::mutex mutex_; // guards the fields below
     HookPosition hook_ = HookPosition::kOnHook;
     std::set<uint16_t> lit_; // LED usages
 };

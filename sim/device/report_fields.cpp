@@ -71,8 +71,8 @@ public:
     }
 
 private:
-    // A usage with its page in the upper half. A value of four bytes has a page of its own; for
-    // the others the page is 0, which stands for the one in force at the main item.
+    // A usage with its page in the upper half. Only values of four bytes contain a page. For the
+    // others the page is 0, which means the usage page at the main item.
     static uint32_t full(uint32_t value, size_t valueSize)
     {
         return valueSize == 4 ? value : value & 0xffff;

@@ -1,7 +1,7 @@
 // Where the telephony controls are in a device's reports. Pure.
 //
-// The simulated device reads its report descriptor with this and not with the product's parser, so
-// that it checks what the product finds.
+// The simulated device does not read its report descriptor with the product's parser but with this
+// one, so that the two check each other.
 #pragma once
 
 #include "sim/device/wire_bytes.h"
@@ -31,7 +31,7 @@ struct ReportFields {
     ReportSizes outputBits;
 };
 
-// Never fails. Of a broken descriptor, what comes before the fault counts.
+// Never fails. Of a broken descriptor, the part before the fault is used.
 ReportFields findReportFields(const Bytes& reportDescriptor);
 
 // A report of the size that `sizes` has for `id`, with all bits clear, id first if `hasReportIds`.

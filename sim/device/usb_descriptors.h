@@ -9,7 +9,7 @@ namespace sim {
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info);
 
-// Followed by its interface, HID and endpoint descriptors.
+// The configuration descriptor, followed by its interface, HID and endpoint descriptors.
 Bytes configurationDescriptor(const UsbDeviceInfo& info);
 
 Bytes hidDescriptor(const UsbDeviceInfo& info);
