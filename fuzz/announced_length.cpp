@@ -8,7 +8,7 @@
 
 namespace {
 
-// The same, by way of a list of all class descriptors.
+// Computes the same from a list of all class descriptors.
 std::optional<uint16_t> NaiveLength(const std::vector<unsigned>& bytes)
 {
     struct Entry {

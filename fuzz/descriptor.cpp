@@ -23,7 +23,7 @@ void CheckLookup(const KX::Root& root, const Controls& controls, const naive::Lo
     Require(found ? report == naive::Template(expected->second) : report.empty());
 }
 
-// What can be found, in the other direction too, and the usual usages of a headset.
+// Looks up all controls that exist, also in the other direction, and the usual usages of a headset.
 void CheckLookups(const KX::Root& root, const Controls& controls)
 {
     constexpr uint32_t usageCount = 0x40;

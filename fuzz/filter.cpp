@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             + filter.VidPidBlacklist().size() + filter.NameBlacklist().size();
         Require(loaded || entries == 0);
     } catch (const std::exception&) {
-        // JsonCpp's error for an element of the wrong type goes to the caller.
+        // Load() passes on JsonCpp's error for an element of the wrong type.
     }
     return 0;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Takes what is printed to standard output.
+// Captures standard output.
 class output_t {
 public:
     output_t() { stdout = open_memstream(&m_text, &m_size); }
@@ -94,11 +94,11 @@ void check(const rkb::ini_t& ini, naive::ini_file_t& expected)
         const size_t key_count = expected.find(section.name)->keys.size();
         Require(ini.key_count(section.name) == key_count);
     }
-    // Neither a file nor a change gives such a name.
+    // Such names cannot come from a file and are not set here.
     Require(ini.get_int("no\nsuch", "key", 7) == 7 && ini.get_double("", "no\nsuch", 7) == 7);
 }
 
-// A file with these contents.
+// The text of a file with these contents.
 std::string written(const rkb::ini_t& ini)
 {
     std::string text;
@@ -146,7 +146,7 @@ void check_text(const std::string& text)
     Require(ini.sections().empty() && ini.header_comments().empty());
 }
 
-// The text begins in one block of those that a stream reads of a file, and ends in the next one.
+// Places the text so that it begins in one block of the file stream and ends in the next one.
 void check_file(const std::string& text)
 {
     constexpr size_t block_size = BUFSIZ - 1;

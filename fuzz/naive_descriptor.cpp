@@ -132,7 +132,7 @@ private:
         fields_.push_back({direction, reportIds_.size() - 1, size_, count_, usages});
     }
 
-    // Of the collection that ends here.
+    // Adds the controls of the collection that ends here.
     void AddControls()
     {
         for (const Direction direction : {Direction::Input, Direction::Output})

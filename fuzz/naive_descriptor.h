@@ -1,4 +1,4 @@
-// A second reading of report descriptors, written apart from hid/model to be compared with it.
+// A second, independent implementation of reading report descriptors, to compare hid/model with.
 #pragma once
 
 #include <compare>
@@ -11,8 +11,8 @@ namespace naive {
 
 enum class Direction { Input, Output };
 
-// The question that a descriptor answers: which bit belongs to a usage, in the collection that
-// stands after the first Usage item `collectionUsage` of the first page `page`?
+// A question to a descriptor: which bit belongs to `usage`, in the collection that follows the
+// first Usage item `collectionUsage` of the first page `page`?
 struct Lookup {
     Direction direction;
     uint32_t page;

@@ -1,5 +1,5 @@
-// A second reading of ini files, written apart from base/src/ini to be compared with it: lists,
-// searched from their beginning.
+// A second, independent implementation of reading ini files, to compare base/src/ini with. Uses
+// only lists, which are searched from their beginning.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace naive {
 
 struct ini_section_t {
     std::string name;
-    std::vector<std::pair<std::string, std::string>> keys; // and their values
+    std::vector<std::pair<std::string, std::string>> keys; // with their values
     std::vector<std::string> comments;
 };
 
@@ -27,7 +27,7 @@ struct ini_file_t {
         const std::string& section, const std::string& key, const std::string& value, bool create);
 };
 
-// Knows no limit to the length of lines.
+// Has no limit for the length of lines.
 [[nodiscard]] ini_file_t read_ini(const std::string& text);
 
 // The number at the beginning of `text`, as strtol() reads it, and its low 32 bits.

@@ -51,7 +51,7 @@ private:
     std::deque<uint8_t> bytes_;
 };
 
-// What comes out, as text: events by name, reports as "*" and their bytes, then the states.
+// The output as text: events by name, reports as "*" and their bytes, then the states.
 std::string Text(const Bytes& report)
 {
     std::string text = "*";
@@ -76,7 +76,7 @@ public:
     std::string text;
 };
 
-// Written as one list of cases on plain numbers, without anything of the machine's own.
+// One list of cases on plain numbers. Shares no code with TelephonyStateMachine.
 class NaiveMachine {
 public:
     explicit NaiveMachine(const Controls& controls)

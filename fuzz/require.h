@@ -1,10 +1,10 @@
-// What a fuzz target asserts.
+// The assertion of the fuzz targets.
 #pragma once
 
 #include <cstdlib>
 
-// Ends the process, which is how libFuzzer and the replay notice a wrong result. Independent of
-// NDEBUG.
+// Ends the process if the condition is false; libFuzzer and the replay treat this as a failure.
+// Independent of NDEBUG.
 inline void Require(bool condition)
 {
     if (!condition)
