@@ -1,4 +1,4 @@
-# Compiler settings and the two kinds of target that every folder declares.
+# Compiler settings, and the functions with which folders declare their libraries and tests.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -31,17 +31,19 @@ if(KELPROBE_SANITIZER)
   endif()
 endif()
 
-# What devices, files and the environment contain is hostile. The sanitizers replace most of these.
+# Input from devices, files and the environment may be hostile. Sanitizers replace most of these
+# options.
 if(NOT KELPROBE_SANITIZER)
   add_compile_options(-fstack-protector-strong -fstack-clash-protection -fcf-protection=full)
-  # Debian's start-up objects carry no mark for indirect branch tracking, so only the shadow stack
-  # can be asked for; our own functions begin with endbr64 all the same.
+  # Debian's start-up objects are not marked for indirect branch tracking, so only the shadow stack
+  # can be requested. Our own functions begin with endbr64 nevertheless.
   add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack,-z,shstk)
-  # Some distributions define it by default; glibc warns without optimisation.
+  # Undefined first, because some distributions define it by default. glibc warns if it is set
+  # without optimisation.
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
 endif()
 
-# All code, not only the targets: what is not instrumented, libFuzzer cannot see.
+# All code, not only the fuzz targets: libFuzzer cannot observe code that is not instrumented.
 if(KELPROBE_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
@@ -55,9 +57,9 @@ target_compile_options(kelprobe_warnings INTERFACE
 
 # kelprobe_headers(TARGET SCOPE)
 #
-# Lets TARGET (with SCOPE PUBLIC or INTERFACE: those who link it, too) include the headers of the
-# current folder by their path from the root, "hid/model/Root.h", and those of no other folder: its
-# include directory holds nothing but a link to the folder.
+# Lets TARGET, and with SCOPE PUBLIC or INTERFACE also the targets that link it, include the headers
+# of the current folder by their path from the root, "hid/model/Root.h", and those of no other
+# folder: the include directory contains only a link to the folder.
 function(kelprobe_headers target scope)
   get_filename_component(root "${CMAKE_CURRENT_FUNCTION_LIST_DIR}" DIRECTORY)
   file(RELATIVE_PATH folder "${root}" "${CMAKE_CURRENT_SOURCE_DIR}")
@@ -70,8 +72,8 @@ endfunction()
 
 # kelprobe_library(NAME SOURCES file... [LINK target...] [PRIVATE target...])
 #
-# A static library kelprobe_NAME, alias Kelprobe::NAME, of the current folder. Its headers are found
-# only by targets that link it, which is what keeps the layers apart.
+# A static library kelprobe_NAME, alias Kelprobe::NAME, of the current folder. Only targets that
+# link it find its headers. This keeps the layers apart.
 function(kelprobe_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE" ${ARGN})
   add_library(kelprobe_${name} STATIC ${ARG_SOURCES})
@@ -80,8 +82,8 @@ function(kelprobe_library name)
   target_link_libraries(kelprobe_${name}
     PUBLIC ${ARG_LINK}
     PRIVATE ${ARG_PRIVATE} Kelprobe::warnings)
-  # Some packages have their headers where every compiler looks. Who does not link such a package
-  # finds these first, which are errors.
+  # Some packages install headers in the compiler's default directories. Targets that do not link
+  # such a package find the headers in `forbidden` first. Including one of those is an error.
   foreach(package HIDAPI LIBUSB)
     if(NOT PkgConfig::${package} IN_LIST ARG_LINK AND NOT PkgConfig::${package} IN_LIST ARG_PRIVATE)
       target_include_directories(kelprobe_${name} BEFORE PRIVATE
@@ -93,8 +95,8 @@ endfunction()
 # kelprobe_test(NAME SOURCES file... LINK target... [ENVIRONMENT var=value...]
 #               [LABELS label...] [TIMEOUT seconds] [SERIAL])
 #
-# A GoogleTest program test-NAME; every test in it becomes a ctest test
-# "CONFIGURATION.Suite.Case". SERIAL keeps its tests from running beside others.
+# A GoogleTest program test-NAME; every test in it becomes a ctest test "CONFIGURATION.Suite.Case".
+# Tests with SERIAL do not run at the same time as other tests.
 function(kelprobe_test name)
   cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT;LABELS" ${ARGN})
   if(NOT ARG_TIMEOUT)
@@ -115,7 +117,7 @@ function(kelprobe_test name)
     TEST_LIST tests
     DISCOVERY_TIMEOUT 60
     PROPERTIES ${properties})
-  # A list of variables does not survive gtest_discover_tests(), so ctest sets it afterwards.
+  # gtest_discover_tests() cannot pass a list of variables, so ctest sets them with a script.
   set(environment ${KELPROBE_TEST_ENVIRONMENT} ${ARG_ENVIRONMENT})
   set(script "${CMAKE_CURRENT_BINARY_DIR}/test-${name}_environment.cmake")
   file(WRITE "${script}"

@@ -1,5 +1,5 @@
-// kelprobe-close-window: asks a window to close, as the close button of a window manager does. Used
-// where there is no window manager.
+// kelprobe-close-window: asks a window to close, as the close button of a window manager does. For
+// displays without a window manager.
 #include <X11/Xlib.h>
 
 #include <cstdio>

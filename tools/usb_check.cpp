@@ -1,5 +1,5 @@
-// kelprobe-usb-check: says of each USB HID device of the machine whether Kelprobe can open it and,
-// if not, what to do.
+// kelprobe-usb-check: shows for each USB HID device of the machine whether Kelprobe can open it
+// and, if not, what to do.
 #include <libusb.h>
 
 #include <cstdint>
@@ -16,7 +16,7 @@ constexpr const char* kHelp
     = "usage: kelprobe-usb-check\n"
       "\n"
       "Lists the machine's USB HID devices and tries to open and claim each, as Kelprobe does.\n"
-      "The kernel's driver is taken away for a moment and given back.\n"
+      "Detaches the kernel's driver during the check and attaches it again.\n"
       "\n"
       "Exit status: 0 at least one device can be opened, 1 none can, 2 wrong use.\n";
 
@@ -58,7 +58,7 @@ int firstHidInterface(libusb_device* device)
     return -1;
 }
 
-// Opens the device and claims the interface, and gives both back. LIBUSB_SUCCESS or libusb's error.
+// Opens the device and claims the interface, then undoes both. LIBUSB_SUCCESS or libusb's error.
 int tryToOpen(libusb_device* device, int interface)
 {
     libusb_device_handle* opened = nullptr;
