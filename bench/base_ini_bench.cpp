@@ -1,4 +1,4 @@
-// Reading ini files, and looking up in them, against inih and SimpleIni.
+// Loading ini files and looking up values, compared with inih and SimpleIni.
 #include "bench/measure.h"
 
 #include "base/src/ini/ini.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t look_up_count = 10'000;
 
-// Of a file with `keys` keys, `per_section` in each section.
+// The name of a key in a file that has `per_section` keys in each section.
 peers::name_t name_of(size_t index, size_t per_section)
 {
     return {"section" + std::to_string(index / per_section), "key_" + std::to_string(index)};

@@ -1,4 +1,4 @@
-// Other ini parsers. They have a source file of their own, as their headers are named like ours.
+// Other ini parsers. Their source file is separate, because their headers have names like ours.
 #pragma once
 
 #include <cstddef>

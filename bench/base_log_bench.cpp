@@ -1,4 +1,4 @@
-// Logging against spdlog, formatting against fmt, a disabled call against a load.
+// Compares logging with spdlog, formatting with fmt, and a disabled call with a load.
 #include "bench/measure.h"
 
 #include "base/src/log/log.h"
@@ -60,7 +60,7 @@ void in_threads(size_t threads, const routine_t& routine)
         thread.join();
 }
 
-// What the system takes for a line of ours, which neither library can do without.
+// Only the system calls that write a line. Neither library can avoid them.
 void write_lines(int file, size_t lines)
 {
     constexpr std::string_view line

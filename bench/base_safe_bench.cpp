@@ -1,4 +1,4 @@
-// Bounded copies against the platform's unbounded memcpy and libbsd's strlcpy.
+// Compares bounded copies with the platform's unbounded memcpy and libbsd's strlcpy.
 #include "bench/measure.h"
 
 #include "base/src/safe_c/safe_c.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr size_t bytes_per_batch = 16'000'000;
 constexpr size_t max_calls = 200'000;
 
-// Both through a pointer, so that neither is replaced by what the compiler knows of it.
+// Both are called through a pointer, so that the compiler does not replace the calls.
 void* (*volatile plain_copy)(void*, const void*, size_t) = memcpy;
 size_t (*volatile plain_string_copy)(char*, const char*, size_t) = strlcpy;
 
@@ -37,10 +37,10 @@ void measure(size_t size)
     const size_t calls = std::min(bytes_per_batch / size, max_calls);
     const std::string bytes = std::to_string(size) + " bytes";
 
-    bench::compare(("memcpy_s beside memcpy, " + bytes).c_str(), "<= 5 ns over", calls,
+    bench::compare(("memcpy_s next to memcpy, " + bytes).c_str(), "<= 5 ns over", calls,
         repeated(calls, [=] { bench::keep(rkb::memcpy_s(dest, size, src, size)); }),
         repeated(calls, [=] { bench::keep(plain_copy(dest, src, size)); }));
-    bench::compare(("strcpy_s beside strlcpy, " + bytes).c_str(), "<= 5 ns over", calls,
+    bench::compare(("strcpy_s next to strlcpy, " + bytes).c_str(), "<= 5 ns over", calls,
         repeated(calls, [=] { bench::keep(rkb::strcpy_s(dest, size, src)); }),
         repeated(calls, [=] { bench::keep(plain_string_copy(dest, src, size)); }));
 }

@@ -1,5 +1,5 @@
-// Measures two ways of doing the same thing against each other, in one process and interleaved, so
-// that what the machine does besides hits both alike.
+// Measures two implementations of the same task against each other, in one process and interleaved,
+// so that other load on the machine affects both equally.
 #pragma once
 
 #include <algorithm>

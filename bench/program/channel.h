@@ -1,6 +1,6 @@
-// Messages between the benchmark and a measured program, over a socket whose number is in the
-// environment. The program reports events with their times; the benchmark sends commands. All times
-// are CLOCK_MONOTONIC in nanoseconds, the same clock for all processes.
+// Messages between the benchmark and a measured program, over a socket. An environment variable
+// contains the socket's number. The program reports events with their times; the benchmark sends
+// commands. All times are CLOCK_MONOTONIC in nanoseconds, the same clock for all processes.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ inline constexpr const char* kChannelVariable = "KELPROBE_BENCH_CHANNEL";
 enum class Moment : uint32_t {
     Ready,  // the device is open
     Frame,  // a frame is on the screen
-    Report, // the result of an input report is there
+    Report, // the effect of an input report is complete
     Acted,  // a command was executed; the time is that of its start
 };
 

@@ -1,5 +1,4 @@
-// A program under measurement: a process on the simulated bus and the display, with a channel to
-// it.
+// A measured program: a process on the simulated bus and the display, with a channel to it.
 #pragma once
 
 #include "bench/program/channel.h"
@@ -23,7 +22,7 @@ public:
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
-    int64_t startTime() const { return startTime_; } // just before the process is made
+    int64_t startTime() const { return startTime_; } // just before the process is created
 
     void send(const Command& command) const;
 

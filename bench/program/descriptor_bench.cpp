@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// The least that sees every item and its value.
+// The least code that reads every item and its value.
 uint32_t passOver(std::span<const uint8_t> descriptor)
 {
     uint32_t sum = 0;
@@ -44,7 +44,7 @@ double perByte(int64_t begin, const std::vector<Bytes>& descriptors)
     return static_cast<double>(now() - begin) / static_cast<double>(bytes);
 }
 
-// Nanoseconds a byte. The trees' end is not counted: those of the program stay until it ends.
+// Nanoseconds a byte, without destroying the trees: the program keeps its trees until it ends.
 double timeParse(const std::vector<Bytes>& descriptors)
 {
     std::vector<KX::Root> trees(descriptors.size());

@@ -33,7 +33,7 @@ public:
     ArrivalClock(const ArrivalClock&) = delete;
     ArrivalClock& operator=(const ArrivalClock&) = delete;
 
-    // From when the client begins to carry out the command until the report is on the bus.
+    // From the time when the client begins to execute the command until the report is on the bus.
     double click(const Client& client)
     {
         client.send(Kelprobe::kMuteButton);

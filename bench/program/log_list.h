@@ -1,5 +1,5 @@
-// The commands of log-list: Command{LogList, LogView} appends lines. The Acted event has the time
-// of the start, the Report event that of the end.
+// The commands of log-list: Command{LogList, LogView} appends lines. The Acted event has the start
+// time, the Report event the end time.
 #pragma once
 
 #include <cstdint>

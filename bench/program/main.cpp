@@ -1,5 +1,5 @@
-// bench-program [PART...]: measures Kelprobe beside bare programs that do the same, and prints a
-// table. Needs a display of its own.
+// bench-program [PART...]: measures Kelprobe and bare programs that do the same, and prints a
+// table. Needs a separate display.
 #include "bench/program/measurements.h"
 #include "bench/program/samples.h"
 

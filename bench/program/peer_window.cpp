@@ -1,5 +1,5 @@
-// peer-window SCENE [PATH]: a window with a scene that is compiled ahead of time as Kelprobe's is:
-// "peer_window", "peer_text", or "main", which is Kelprobe's own scene over plain values. Reads the
+// peer-window SCENE [PATH]: a window with a scene that is compiled ahead of time, as Kelprobe's is:
+// "peer_window", "peer_text", or "main", which is Kelprobe's scene over plain values. Reads the
 // device PATH in a loop; each report is a mute press.
 #include "bench/program/plain_values.h"
 #include "bench/program/read_loop.h"

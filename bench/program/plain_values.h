@@ -14,7 +14,7 @@ class PlainValues : public QObject {
     Q_PROPERTY(bool ringState MEMBER m_off CONSTANT)
 
 public:
-    // The least for a mute press: the bindings on the mute state, then a line in the list.
+    // The minimum for a mute press: the bindings on the mute state, then a line in the list.
     void pressMute()
     {
         m_muted = !m_muted;

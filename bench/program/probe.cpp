@@ -1,7 +1,6 @@
-// Preloaded into Qt Quick programs, Kelprobe as it is and the bare window alike: reports when
-// frames are on the screen and lines in the log list, and clicks on demand. It takes hold where the
-// program enters its event loop and uses nothing of the program's but its window and its
-// properties.
+// Preloaded into Kelprobe and the peers with a window, which need no change for it: reports when
+// frames are on the screen and lines in the log list, and clicks on demand. It starts when the
+// program enters its event loop, and uses only the program's window and context properties.
 #include "bench/program/channel.h"
 
 #include <QAbstractItemModel>
@@ -23,7 +22,7 @@ void sendMouse(QWindow& window, QEvent::Type type, const QPoint& position, Qt::M
     QCoreApplication::sendEvent(&window, &event);
 }
 
-// The button acts when it is released; the time runs from there.
+// The button acts when it is released, so the time is measured from there.
 void click(QWindow& window, const QPoint& position, int channel)
 {
     sendMouse(window, QEvent::MouseButtonPress, position, Qt::LeftButton);
@@ -32,8 +31,8 @@ void click(QWindow& window, const QPoint& position, int channel)
     bench::tell(channel, bench::Moment::Acted, begin);
 }
 
-// insertRow() and setData() make a line, so it is there when its data has changed. The view was
-// connected earlier and has seen it by then.
+// insertRow() and setData() make a line, so the line is complete when its data has changed. The
+// view was connected earlier and has handled the signal by then.
 void watchLines(const QQuickWindow& window, int channel)
 {
     const QQmlContext* context = QQmlEngine::contextForObject(&window);
@@ -66,7 +65,7 @@ void watch(QQuickWindow& window, int channel)
 
 } // namespace
 
-// In place of Qt's, which it calls.
+// Replaces Qt's function, and calls it.
 int QGuiApplication::exec()
 {
     const int channel = bench::channelFromEnvironment();

@@ -11,7 +11,7 @@
 namespace bench {
 
 // Calls `onReport` after each report. Ends only with the program. After the device is unplugged
-// every read fails at once; the pause after a failed read grows as Kelprobe's does.
+// every read fails at once; the pause after a failed read grows as it does in Kelprobe.
 template <typename on_report_t>
 [[noreturn]] void readReports(hid_device* device, const on_report_t& onReport)
 {

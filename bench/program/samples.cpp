@@ -36,7 +36,7 @@ double quantile(std::vector<double> values, double share)
 
 void printHead()
 {
-    std::puts("| what | beside | Kelprobe | peer | ratio | aim |\n"
+    std::puts("| what | compared with | Kelprobe | peer | ratio | aim |\n"
               "| --- | --- | ---: | ---: | ---: | --- |");
     std::fflush(stdout);
 }

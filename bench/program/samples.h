@@ -1,4 +1,4 @@
-// What was measured on one thing and, interleaved, on what stands beside it.
+// Interleaved measurements of a subject and a peer.
 #pragma once
 
 #include <string>
@@ -31,7 +31,7 @@ void printHead();
 
 struct Row {
     const char* what;
-    const char* beside;
+    const char* beside; // the peer
     const char* aim;
     Unit unit;
 };

@@ -7,7 +7,7 @@
 namespace bench {
 
 // A simulated speakerphone. Kelprobe opens the first device that it finds, so the devices of the
-// peers are plugged in later, and have product ids of their own.
+// peers are plugged in later. Each owner has a different product id.
 class Speakerphone : public sim::UsbDevice {
 public:
     enum class Owner : uint16_t { Kelprobe, Peer, PeerWindow };

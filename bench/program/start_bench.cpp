@@ -10,7 +10,7 @@ namespace bench {
 namespace {
 
 constexpr size_t kPeers = 3;
-// The last two explain the difference to the first.
+// The last two show where the difference to the first one comes from.
 constexpr std::array<const char*, kPeers> kScenes{"peer_window", "peer_text", "main"};
 using AgainstPeers = std::array<Samples, kPeers>;
 
@@ -50,7 +50,7 @@ void measureStart()
     printRow({what, "Kelprobe's scene over plain values", "", kMilliseconds}, samples[2]);
 }
 
-// Until then the next client cannot claim the device.
+// The next client cannot claim the device before that.
 void awaitReleased(const Speakerphone& device)
 {
     while (device.claimed())
