@@ -20,13 +20,13 @@ bool eventually(const std::function<bool()>& condition, std::chrono::millisecond
 void BusTest::SetUp()
 {
     bus_ = std::make_unique<sim::UsbBus>();
-    // umockdev knows only once there is a testbed.
+    // umockdev can answer this only while there is a testbed.
     ASSERT_TRUE(umockdev_in_mock_environment()) << "start it with LD_PRELOAD: see bus_test.h";
 }
 
 void BusTest::TearDown()
 {
-    hid_exit(); // libusb knows the devices of the bus it was started on
+    hid_exit(); // libusb keeps the devices of the bus it was started on
     devices_.clear();
     bus_.reset();
 }

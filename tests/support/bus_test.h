@@ -1,9 +1,9 @@
-// For tests in which real libusb and hidapi, in the test's own process, meet
-// simulated devices. In a test's CMakeLists.txt:
+// For tests in which the real libusb and hidapi, in the test's process, use simulated devices. In a
+// test's CMakeLists.txt:
 //
 //   kelprobe_test(NAME ... LINK Kelprobe::bus_test ENVIRONMENT ${KELPROBE_BUS_ENVIRONMENT})
 //
-// By hand such a test is started with that LD_PRELOAD too.
+// To start such a test by hand, set that LD_PRELOAD.
 #pragma once
 
 #include "sim/bus/usb_device.h"
@@ -17,8 +17,8 @@
 #include <list>
 #include <memory>
 
-// Waits until the condition holds, asking again every millisecond. False after
-// `limit`, which is generous: tests must pass on a busy machine.
+// Waits until the condition is true, checking every millisecond. False after `limit`, which is
+// generous: tests must pass on a busy machine.
 [[nodiscard]] bool eventually(const std::function<bool()>& condition,
     std::chrono::milliseconds limit = sim::UsbDevice::kDefaultTimeout);
 
@@ -27,24 +27,24 @@ protected:
     using Bytes = sim::Bytes;
     using Reports = std::vector<Bytes>;
 
-    // A bus without devices. hidapi starts afresh and is ended with the test,
-    // so the test must have closed what it opened.
+    // A bus without devices. hidapi is ended after each test, so the test must have closed what it
+    // opened.
     void SetUp() override;
     void TearDown() override;
 
-    // Plugs in another device, on ports 1, 2 and so on. The test owns none.
+    // Plugs in another device, on ports 1, 2 and so on. The fixture owns the devices.
     sim::UsbDevice& plug(const sim::UsbDeviceInfo& info);
     sim::UsbDevice& plug(std::string_view profile = "speakerphone");
 
-    // Waits for `count` output reports and takes all there are by then, or
-    // those that came when the time is over.
+    // Waits for `count` output reports and takes all that have arrived. On a time-out the test
+    // fails, and the reports that have arrived are taken.
     static Reports outputs(sim::UsbDevice& device, size_t count);
 
-    // From now on each output report is an event of story_. Returns the device.
+    // Adds each later output report of the device to story_. Returns the device.
     sim::UsbDevice& record(sim::UsbDevice& device);
 
-    // Takes the story when it has as many events as `expected`, or what there is of it when the
-    // time is over.
+    // Waits until the story has as many events as `expected`, then takes it. On a time-out takes
+    // the events that there are.
     std::string storyLike(const std::string& expected);
 
     Story story_;

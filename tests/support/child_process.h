@@ -1,4 +1,4 @@
-// Runs part of a test in a process of its own, for state that a process has only once.
+// Runs part of a test in a separate process, for state that a process has only once.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,9 +10,9 @@
 
 namespace test {
 
-// Runs `body` in a forked process that then calls exit(). True when that process ended with
-// status 0 and no EXPECT in it failed. A process that takes longer than `seconds` is killed, which
-// counts as a failure.
+// Runs `body` in a forked process that then calls exit(). True when that process ended with status
+// 0 and no EXPECT in it failed. A process that takes longer than `seconds` is killed, which counts
+// as a failure.
 template <typename body_t>
 [[nodiscard]] bool passesInChild(const body_t& body, unsigned seconds = 30)
 {

@@ -11,7 +11,7 @@
 
 namespace test {
 
-// Throws std::runtime_error if it is an error.
+// Throws std::runtime_error if the result is an error.
 inline report::DescriptorBytes bytesOf(report::DescriptorResult result)
 {
     if (const auto* error = std::get_if<report::DescriptorError>(&result))
@@ -30,8 +30,8 @@ inline std::vector<uint8_t> bytesFromHexFile(const std::filesystem::path& file)
     return bytesOf(report::readDescriptorFile(file));
 }
 
-// Every file of a device on the market, with its name "VVVV-PPPP.hex". Those that the simulator
-// has as profiles are among its profiles, the others among the tests' data.
+// The files of all devices on the market, named "VVVV-PPPP.hex". Those that are profiles of the
+// simulator are in its folder, the others in the tests' data.
 inline std::vector<std::filesystem::path> deviceFiles()
 {
     std::vector<std::filesystem::path> files;

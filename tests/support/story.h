@@ -1,4 +1,4 @@
-// What happened, in its order, from whichever thread: "03 00 00; mute; ".
+// The events of a test in their order, from any thread: "03 00 00; mute; ".
 #pragma once
 
 #include <mutex>
@@ -13,7 +13,7 @@ public:
         text_ += event + "; ";
         ++length_;
     }
-    // In events, since the last take().
+    // The number of events since the last take().
     size_t length()
     {
         const std::lock_guard guard(mutex_);

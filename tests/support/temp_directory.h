@@ -1,4 +1,4 @@
-// Real files for tests, which leave none behind.
+// Real files for tests, removed after each test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 
 namespace test {
 
-// A new, empty directory, removed with all that is in it. Its name is short, as some of the code
-// under test has room for 127 characters.
+// A new, empty directory. The destructor removes it with its contents. Its path is short, because
+// some of the code under test has room for 127 characters.
 class TempDirectory {
 public:
     TempDirectory()
@@ -34,7 +34,7 @@ public:
     // Ends in "/".
     const std::string& path() const { return path_; }
 
-    // Makes a file of these bytes, in place of one of that name, and returns its path.
+    // Makes or replaces the file `name` with these bytes and returns its path.
     std::string file(const std::string& name, std::string_view content) const
     {
         std::ofstream(path_ + name, std::ios::binary) << content;
@@ -45,7 +45,7 @@ private:
     std::string path_;
 };
 
-// The bytes of a file; none of one that cannot be read.
+// The bytes of a file. Empty if it cannot be read.
 inline std::string content(const std::filesystem::path& path)
 {
     std::ostringstream text;
@@ -53,7 +53,7 @@ inline std::string content(const std::filesystem::path& path)
     return text.str();
 }
 
-// The names of the files in a directory and what they hold.
+// The names of the files in a directory and their contents.
 inline std::map<std::string, std::string> filesIn(const std::filesystem::path& directory)
 {
     std::map<std::string, std::string> files;
