@@ -52,10 +52,8 @@ public:
     // are still queued are dropped. Does nothing if `id` is the current id. Does not report whether
     // the device opened.
     //
-    // Blocks. Closing waits for the reader thread: for a read time-out (100 ms), or longer if that
-    // thread is sending reports. The first time that a device with these ids is opened, its report
-    // descriptor is read: four attempts of up to 5 s each if the device does not respond. Closing
-    // and opening both send reports.
+    // Blocks while the one device is set on-hook and closed, and as long as IKXHost::SelectDevice()
+    // does for the other: about 30 s with a device that does not respond.
     void selectDevice(const QString& id);
 
     // Called by the host on its reader thread. Ignored while there is no host.

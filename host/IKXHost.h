@@ -42,7 +42,8 @@ protected:
 // Sending a report to the device blocks until the device has taken it, for at most 1 s.
 class IKXHost {
 public:
-    // Writes the ids of the device that was selected last, 0 before any was. Returns 0.
+    // Writes the ids of the last key that had 18 characters or more, 0 before there was one.
+    // Returns 0.
     virtual int GetDeviceId(uint16_t* vendorId, uint16_t* productId) = 0;
 
     // Closes the selected device and opens the one that `deviceKey` names:

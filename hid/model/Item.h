@@ -1,4 +1,4 @@
-// Short items of a HID report descriptor.
+// Short items of a HID report descriptor (USB Device Class Definition for HID 1.11, 6.2.2).
 #pragma once
 
 #include <cstddef>

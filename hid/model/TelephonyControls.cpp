@@ -6,7 +6,7 @@ namespace KX {
 
 namespace {
 
-// Usages of the Telephony page and the LED page.
+// HID Usage Tables 1.12, sections 14 (Telephony page) and 11 (LED page).
 constexpr uint32_t kTelephonyPage = 0x0B;
 constexpr uint32_t kHeadset = 0x05;
 constexpr uint32_t kHookSwitch = 0x20;

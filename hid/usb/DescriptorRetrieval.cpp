@@ -8,7 +8,7 @@ namespace KX {
 
 namespace {
 
-// The layout of the HID descriptor.
+// HID descriptor (USB Device Class Definition for HID 1.11, 6.2.1).
 constexpr size_t kEntryCountOffset = 5;
 constexpr size_t kFirstEntryOffset = 6;
 constexpr size_t kEntrySize = 3;
