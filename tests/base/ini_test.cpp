@@ -2,22 +2,10 @@
 #include "base/src/ini/ini_config.h"
 #include "tests/support/temp_directory.h"
 
-#include <csignal>
-#include <optional>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <thread>
 #include <tuple>
 
 namespace {
-
-// The most memory that this process has used, in KiB.
-long peak_memory()
-{
-    rusage usage = {};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
 
 // Everything that a file left in memory, in order.
 std::string contents(const rkb::ini_t& ini)
@@ -35,98 +23,49 @@ std::string contents(const rkb::ini_t& ini)
     return out.str();
 }
 
-TEST(Ini, ReadsWholeFiles)
+TEST(Ini, ReadsTextUpToALineThatIsUnprintableOrTooLong)
 {
     using std::string_literals::operator""s;
-    const test::TempDirectory directory;
-    struct {
-        std::string text;
-        bool loads;
-        std::string contents;
-        std::optional<int> unprintable = {}; // the character that ends the parse, and is printed
-    } const files[] = {
-        {"", false, ""},
-        {"\n\r\n\n", false, ""},
-        {"; one\n#two\n", false, "; one|;two|"},
-        {"a=1\nb=2", true, "[]a=1|b=2|"},
-        {"[s]\r\nkey = a b ; note\r\n", true, "[s]key=a b|"},
-        {"[ s ]\na=1\n[]\nA=1\na=2\nA=3\n", true, "[ s ]a=1|[]A=3|a=2|"},
-        {"[s]\na=1\n[t]\nb=2\n[s]\n;n\nc=3\na=4\n", true, "[s]a=4|c=3|;n|[t]b=2|[s]"},
-        {"#h\na=1\n#c\n[s]\n;d;e = f # g \n", true, ";h|[]a=1|;c|[s];d;e = f # g |"},
-        // The first special character decides, whatever stands before or behind it.
-        {"x ; a=1\ny [s] = 2\nz]=3[\n", true, "; a=1|[s]z]=3[|"},
-        {"[a] ; b]\n[a\n]b[\nplain\n ] [c]x\n", true, "[a] ; b][c]"},
-        {"a==b=[c]\nq=\"x # y\"\n", true, "[]a==b=[c]|q=\"x|"},
-        {"=v\n = \n  k\t=\t\na=;c\nb=#\nc= x \t\r\n", true, "[]=|k=|a=|b=|c=x|"},
-        {"a\0b=c\0d\n[e\0]\n"s, true, "[]a\0b=c\0d|[e\0]"s},
-        {" a=\xC3\xA4\x01 \n~=2\n", true, "[]a=\xC3\xA4\x01|~=2|"},
-        {"a=1\r\r\nb=2\r", true, "[]a=1|b=2|"},
-        // An unprintable first character ends the parse.
-        {"[s]\na=1\n\tb=2\nc=3\n", false, "[s]a=1|", 9},
-        {"\xEF\xBB\xBF[s]\n", false, "", -17},
-        {"[s]\n\r\n\r\r\n", false, "[s]", 13},
-        {"[s]\n\0=1"s, false, "[s]", 0},
-        {"[s]\n\x7F", false, "[s]", 127},
+    const std::string long_key = "b=" + std::string(rkb::ini_t::max_line_size - 2, 'v');
+    // A text, what it leaves in memory, what is printed, and whether it loads.
+    const std::tuple<std::string, std::string, const char*, bool> rows[] = {
+        {"", "", "", false},
+        {"\n\r\n\n", "", "", false},
+        {"; one\n#two\n", "; one|;two|", "", false},
+        {"a=1\nb=2", "[]a=1|b=2|", "", true},
+        {"[ s ]\na=1\n[]\nA=1\na=2\nA=3\n", "[ s ]a=1|[]A=3|a=2|", "", true},
+        {"[s]\na=1\n[t]\nb=2\n[s]\n;n\nc=3\na=4\n", "[s]a=4|c=3|;n|[t]b=2|[s]", "", true},
+        // The first special character decides, whatever is before or after it.
+        {"#h\na=1\n#c\n[s]\n;d;e = f # g \n", ";h|[]a=1|;c|[s];d;e = f # g |", "", true},
+        {"x ; a=1\ny [s] = 2\nz]=3[\n", "; a=1|[s]z]=3[|", "", true},
+        {"[a] ; b]\n[a\n]b[\nplain\n ] [c]x\n", "[a] ; b][c]", "", true},
+        {"a==b=[c]\nq=\"x # y\"\n", "[]a==b=[c]|q=\"x|", "", true},
+        {"=v\n = \n  k\t=\t\na=;c\nb=#\nc= x \t\r\n", "[]=|k=|a=|b=|c=x|", "", true},
+        {"a\0b=c\0d\n[e\0]\r\n"s, "[]a\0b=c\0d|[e\0]"s, "", true},
+        {" a=\xC3\xA4\x01 \n~=2\n", "[]a=\xC3\xA4\x01|~=2|", "", true},
+        {"[s]\na=1\n\tb=2\nc=3\n", "[s]a=1|", "Failing on int8_t 9\n", false},
+        {"\xEF\xBB\xBF[s]\n", "", "Failing on int8_t -17\n", false},
+        {"[s]\n\r\n\r\r\n", "[s]", "Failing on int8_t 13\n", false},
+        {"[s]\n\0=1"s, "[s]", "Failing on int8_t 0\n", false},
+        {"[s]\n\x7F", "[s]", "Failing on int8_t 127\n", false},
+        {long_key + "\nc=2\n", "[]" + long_key + "|c=2|", "", true},
+        {"a=1\n" + long_key, "[]a=1|" + long_key + "|", "", true},
+        {"a=1\n" + long_key + "v\nc=2\n", "[]a=1|", "", false},
+        {"a=1\n" + long_key + "v", "[]a=1|", "", false},
+        {"a=1\n\t" + long_key + "\nc=2\n", "[]a=1|", "Failing on int8_t 9\n", false},
     };
-    for (const auto& file : files) {
-        SCOPED_TRACE(file.text);
-        const std::string path = directory.file("ini", file.text);
-        for (const bool from_file : {true, false}) {
-            rkb::ini_t ini(path);
-            testing::internal::CaptureStdout();
-            EXPECT_EQ(from_file ? ini.load() : ini.load_text(file.text), file.loads);
-            const std::string printed = testing::internal::GetCapturedStdout();
-            const std::string number = std::to_string(file.unprintable.value_or(0));
-            EXPECT_EQ(printed, file.unprintable ? "Failing on int8_t " + number + "\n" : "");
-            EXPECT_EQ(contents(ini), file.contents);
-        }
-    }
-}
-
-TEST(Ini, ReadsLinesUpToALimit)
-{
     const test::TempDirectory directory;
-    const std::string begin = "[s]\na=1\n";
-    const std::string longest = "b=" + std::string(rkb::ini_t::max_line_size - 2, 'v');
-    struct {
-        std::string text;
-        bool loads;
-        size_t keys;
-        const char* printed = "";
-    } const files[] = {
-        {begin + longest + "\nc=2\n", true, 3},
-        {begin + longest, true, 2},
-        {begin + longest + "v\nc=2\n", false, 1},
-        {begin + longest + "v", false, 1},
-        {begin + "\t" + longest + "\nc=2\n", false, 1, "Failing on int8_t 9\n"},
-    };
-    for (const auto& file : files) {
-        rkb::ini_t ini(directory.file("ini", file.text));
+    for (const auto& [text, left, printed, loads] : rows) {
+        SCOPED_TRACE(text.substr(0, 99));
+        rkb::ini_t from_file(directory.file("ini", text));
+        rkb::ini_t from_text("");
         testing::internal::CaptureStdout();
-        EXPECT_EQ(ini.load(), file.loads);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), file.printed);
-        EXPECT_EQ(ini.key_count("s"), file.keys);
-        EXPECT_EQ(ini.get_int("s", "a", 0), 1);
-        EXPECT_EQ(ini.get_string("s", "b", "").size(), file.keys > 1 ? longest.size() - 2 : 0);
+        EXPECT_EQ(from_file.load(), loads);
+        EXPECT_EQ(from_text.load_text(text), loads);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(printed) + printed);
+        EXPECT_TRUE(contents(from_file) == left) << contents(from_file).substr(0, 99);
+        EXPECT_TRUE(contents(from_text) == left) << contents(from_text).substr(0, 99);
     }
-}
-
-TEST(Ini, StopsInALineWithoutEnd)
-{
-    signal(SIGPIPE, SIG_IGN);
-    const test::TempDirectory directory;
-    const std::string path = directory.path() + "pipe";
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    size_t written = 0;
-    std::thread writer([&] {
-        std::ofstream pipe(path, std::ios::binary);
-        const std::string block(65'536, 'v');
-        while (pipe << block)
-            written += block.size();
-    });
-    EXPECT_FALSE(rkb::ini_t(path).load());
-    writer.join();
-    EXPECT_LT(written, 4 * rkb::ini_t::max_line_size);
 }
 
 TEST(Ini, DoesNotLoadWhatIsNoTextFile)
@@ -141,62 +80,48 @@ TEST(Ini, DoesNotLoadWhatIsNoTextFile)
 TEST(Ini, FindsAmongManySectionsAndKeys)
 {
     constexpr int count = 100'000; // searched in order, this would outlast the test's time
-    std::string sections;
-    std::string keys = "[s]\n";
-    for (int i = 0; i < count; ++i) {
-        const std::string n = std::to_string(i);
-        sections.append("[s").append(n).append("]\nkey=").append(n).append("\n");
-        keys.append("k").append(n).append("=").append(n).append("\n");
-    }
+    std::string text = "[s]\n";
+    for (int i = 0; i < count; ++i)
+        text += "k" + std::to_string(i) + "=" + std::to_string(i) + "\n";
+    for (int i = 0; i < count; ++i)
+        text += "[s" + std::to_string(i) + "]\nkey=" + std::to_string(i) + "\n";
     rkb::ini_t ini("");
-    ASSERT_TRUE(ini.load_text(sections + keys + keys));
-    EXPECT_EQ(ini.sections().size(), count + 2u);
+    ASSERT_TRUE(ini.load_text(text));
     EXPECT_EQ(ini.key_count("s"), size_t{count});
     EXPECT_EQ(ini.key_names("s").back(), "k99999");
     for (int i = 0; i < count; ++i) {
         ASSERT_EQ(ini.get_int("s" + std::to_string(i), "key", -1), i);
         ASSERT_EQ(ini.get_int("s", "k" + std::to_string(i), -1), i);
     }
-    EXPECT_EQ(ini.get_int("s", "k100000", -1), -1);
 }
 
-TEST(Ini, SetAddsOnlyWhenAskedToAndKeepsEverythingElse)
+TEST(Ini, SetAddsOnlyWhenAskedToAndReplacedValuesTakeNoMemory)
 {
     rkb::ini_t ini("");
     ASSERT_TRUE(ini.load_text(";h\n[s]\na=1\n;c\nb=2\n"));
     EXPECT_FALSE(ini.set("t", "", "3", false));
     EXPECT_FALSE(ini.set("s", "c", "3", false));
     EXPECT_TRUE(ini.set("t", "", "", true));
-    for (int i = 0; i < 1000; ++i)
-        EXPECT_TRUE(ini.set("s", "a", std::string(1000, static_cast<char>('a' + i % 26)), false));
-    EXPECT_EQ(contents(ini), ";h|[s]a=" + std::string(1000, 'l') + "|b=2|;c|[t]=|");
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_SELF, &before);
+    for (int i = 0; i < 20'000; ++i)
+        ini.set("s", "a", std::string(10'000, static_cast<char>('a' + i % 26)), false);
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 100'000); // KiB; all values take twice as much
+    EXPECT_EQ(contents(ini), ";h|[s]a=" + std::string(10'000, 'f') + "|b=2|;c|[t]=|");
     EXPECT_EQ(ini.key_names("t"), std::vector<std::string>{""});
     EXPECT_TRUE(ini.key_names("u").empty());
-    EXPECT_EQ(ini.key_count("u"), 0u);
     ini.release();
     EXPECT_EQ(contents(ini), "");
     EXPECT_EQ(ini.get_string("s", "a", "gone"), "gone");
 }
 
-TEST(Ini, ReplacedValuesTakeNoMemory)
-{
-    std::string text;
-    for (int i = 0; i < 2000; ++i)
-        text.append("key=").append(std::string(10'000, 'v')).append("\n");
-    rkb::ini_t ini("");
-    const long before = peak_memory();
-    ASSERT_TRUE(ini.load_text(text));
-    for (size_t i = 0; i < 20'000; ++i)
-        ini.set("", "key", std::string_view(text).substr(i, 10'000), true);
-    EXPECT_LT(peak_memory() - before, 100'000); // all values together take twice as much
-}
-
 TEST(Ini, ConvertsAsStrtolAndStrtodDo)
 {
-    const std::tuple<const char*, int, double> rows[]
-        = {{"12abc", 12, 12.0}, {"abc", 0, 0.0}, {"", 0, 0.0}, {"-7.5e1", -7, -75.0},
-            {"+0x10", 0, 16.0}, {"2147483648", INT32_MIN, 2147483648.0},
-            {"99999999999999999999", -1, 1e20}}; // the largest long, cut
+    const std::tuple<const char*, int, double> rows[] = {{"12abc", 12, 12.0}, {"abc", 0, 0.0},
+        {"-7.5e1", -7, -75.0}, {"+0x10", 0, 16.0}, {"2147483648", INT32_MIN, 2147483648.0},
+        {"99999999999999999999", -1, 1e20}}; // the largest long, cut
     rkb::ini_t ini("");
     for (const auto& [text, number, real] : rows) {
         ini.set("s", "k", text, true);
@@ -214,7 +139,6 @@ TEST(ConfigFilePath, FollowsTheProgramsName)
         {"/srv/rkb/", "/opt/app-x/bin/tool", "/srv/rkb/conf/rkb.cfg"},
         {" \t/srv/r b\n", "a-b-c", "/srv/r b/conf/rkb-c.cfg"},
         {"/", "tool-", "/conf/rkb.cfg"},
-        {"/x", "", "/x/conf/rkb.cfg"},
         {" \v\f\r", "tool", ""},
         {nullptr, "tool", ""},
     };
