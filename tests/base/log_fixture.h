@@ -11,31 +11,33 @@
 
 inline rkb::local_time_t test_now; // what the time source returns
 
+// Each line's message: what follows the level's name.
+inline std::string messages_of(const std::string& log)
+{
+    std::istringstream lines(log);
+    std::string messages;
+    for (std::string line; std::getline(lines, line);)
+        messages += line.substr(line.rfind('\t') + 1) + (lines.eof() ? "" : "\n");
+    return messages;
+}
+
 struct Recorder final : rkb::log_it {
     uint32_t write(uint32_t, uint32_t, const char* data, size_t length) override
     {
         lines.emplace_back(data, length);
         return result;
     }
-    // The message of the last line: what follows the level's name.
-    std::string message() const { return lines.empty() ? "" : message_of(lines.back()); }
-
+    std::string message() const { return lines.empty() ? "" : messages_of(lines.back()); }
     std::string messages() const
     {
         std::string text;
         for (const std::string& line : lines)
-            text += message_of(line);
+            text += messages_of(line);
         return text;
     }
 
     std::vector<std::string> lines;
     uint32_t result = 0;
-
-private:
-    static std::string message_of(const std::string& line)
-    {
-        return line.substr(line.rfind('\t') + 1);
-    }
 };
 
 // As log lines show it.
@@ -44,6 +46,15 @@ inline std::string address_of(const void* object)
     char text[32];
     snprintf(text, sizeof text, "0x%016zx", reinterpret_cast<size_t>(object));
     return text;
+}
+
+// The text of the log files in a directory.
+inline std::string logs_in(const std::string& directory)
+{
+    std::string log;
+    for (const auto& [name, text] : test::filesIn(directory))
+        log += name.ends_with(".log") ? text : "";
+    return log;
 }
 
 // A fresh log directory and a fixed time.
@@ -72,15 +83,7 @@ protected:
 
     static rkb::log_control_t& control() { return *rkb::log_control_t::instance(); }
     const std::string& directory() const { return m_directory.path(); }
-
-    // What the default log files hold.
-    std::string default_log() const
-    {
-        std::string log;
-        for (const auto& [name, text] : test::filesIn(directory() + "logs"))
-            log += name.ends_with(".log") ? text : "";
-        return log;
-    }
+    std::string default_log() const { return logs_in(directory() + "logs"); }
 
     // From now on the library's own lines go to the sink.
     static void record_library(Recorder& sink)
