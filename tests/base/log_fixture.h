@@ -27,7 +27,6 @@ struct Recorder final : rkb::log_it {
         lines.emplace_back(data, length);
         return result;
     }
-    std::string message() const { return lines.empty() ? "" : messages_of(lines.back()); }
     std::string messages() const
     {
         std::string text;

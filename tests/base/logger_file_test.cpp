@@ -18,36 +18,35 @@ using test::filesIn;
 constexpr uint32_t mebibyte = 1'048'576;
 constexpr const char* id_file = "sdk_log_file_id.txt";
 
-uint32_t write(logger_file& sink, const std::string& line)
-{
-    return sink.write(9, rkb::log_info, line.data(), line.size());
-}
-
 TEST(LogFileName, StampSuffixAndIndexArithmetic)
 {
     EXPECT_STREQ(rkb::log_file_stamp({2026, 3, 14, 9, 5, 7, 1, 6}, 4711, 3).data(),
         "20260314_090507_4711_sdk_3");
-    EXPECT_STREQ(rkb::log_file_stamp({65535, 65535, 65535, 65535, 65535, 65535, 0, 0}, 1, 9).data(),
-        "655356553565535_655356553565535_1_sdk_9");
     EXPECT_STREQ(rkb::log_file_suffix(12, "log")->data(), "_sdk_12.log");
     EXPECT_FALSE(rkb::log_file_suffix(1, std::string(250, 'x')));
-    for (const char* text : {"", " ", "-1", "7 8", "0x7", "seven", "4294967296"})
+    for (const char* text : {"", " ", "-1", "7 8", "seven", "4294967296"})
         EXPECT_FALSE(rkb::parse_log_file_id(text)) << text;
-    EXPECT_EQ(rkb::parse_log_file_id("8"), 8u);
     EXPECT_EQ(rkb::parse_log_file_id(" 4294967295 \r\n"), 4294967295u);
     EXPECT_EQ(rkb::first_log_file_index({}, 9), 0u);
-    EXPECT_EQ(rkb::first_log_file_index(8, 9), 0u);
     EXPECT_EQ(rkb::first_log_file_index(4294967295u, 10), 6u); // does not wrap before the modulo
     EXPECT_EQ(rkb::first_log_file_index(3, 0), 0u);
 }
 
-// The part of a file's name that the fixed time and the index make.
-std::string stamp(uint32_t index)
-{
-    return rkb::log_file_stamp(test_now, static_cast<uint32_t>(getpid()), index).data();
-}
+class LoggerFile : public LogTest {
+protected:
+    static uint32_t write(logger_file& sink, const std::string& line)
+    {
+        return sink.write(9, rkb::log_info, line.data(), line.size());
+    }
 
-TEST_F(LogTest, FilesRotateBySizeAndDayInACircleOfIndices)
+    // The part of a file's name that the fixed time and the index make.
+    static std::string stamp(uint32_t index)
+    {
+        return rkb::log_file_stamp(test_now, static_cast<uint32_t>(getpid()), index).data();
+    }
+};
+
+TEST_F(LoggerFile, RotatesBySizeAndDayInACircleOfIndices)
 {
     std::map<std::string, std::string> model;
     std::string current;
@@ -55,7 +54,6 @@ TEST_F(LogTest, FilesRotateBySizeAndDayInACircleOfIndices)
         const std::string end = "_sdk_" + std::to_string(index) + ".log";
         std::erase_if(model, [&](const auto& file) { return file.first.ends_with(end); });
         current = "name_" + stamp(index) + ".log";
-        model[current].clear();
         model[id_file] = std::to_string(index);
     };
     std::ofstream(directory() + id_file) << "9\n";
@@ -75,12 +73,12 @@ TEST_F(LogTest, FilesRotateBySizeAndDayInACircleOfIndices)
         write_line(std::string(mebibyte, 'x')); // fills the file without exceeding it
         write_line("over\n");
         open(index = index == 9 ? 0 : index + 1);
-        ASSERT_EQ(content(directory() + id_file), model[id_file]);
     }
+    model[current];                             // has no line yet
     EXPECT_TRUE(filesIn(directory()) == model); // without printing megabytes
 }
 
-TEST_F(LogTest, DirectoryAndPrefixRules)
+TEST_F(LoggerFile, NamesItsFilesAfterDirectoryProgramAndExtension)
 {
     struct {
         const char* directory; // below the test's, null for none
@@ -116,17 +114,16 @@ TEST_F(LogTest, DirectoryAndPrefixRules)
     EXPECT_EQ(rkb::default_log_directory(), "/var/opt/mivo/logs/");
 }
 
-TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
+TEST_F(LoggerFile, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
 {
     Recorder sink;
     record_library(sink);
     logger_file file(directory().c_str(), "n", "log", 5 * mebibyte, 3);
-    const std::string self = ", this = " + address_of(&file) + "\n";
     const std::string size_line
         = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], line = [150]";
     const std::string index_line
         = ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] file[../src/log], line = [151]";
-    // The limits, and the message that follows the function's name.
+    // The limits, and what follows the function's name.
     const std::tuple<uint32_t, uint32_t, std::string> cases[] = {
         {1048576, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3"},
         {1073741824, 99,
@@ -138,15 +135,15 @@ TEST_F(LogTest, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
         {1048576, 9, ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99"},
     };
     for (const auto& [max_size, max_index, message] : cases) {
-        const bool bad = message.find(" out of ") != std::string::npos;
+        const bool bad = message.starts_with(' ');
         EXPECT_EQ(file.configure(max_size, max_index), bad ? 8u : 0u);
-        std::string expected = bad ? "assert: msg[" : "";
-        expected.append("logger_file_base_t::configure").append(message).append(self);
-        EXPECT_EQ(sink.message(), expected);
+        EXPECT_EQ(messages_of(sink.lines.back()),
+            (bad ? "assert: msg[logger_file_base_t::configure" : "logger_file_base_t::configure")
+                + message + ", this = " + address_of(&file) + "\n");
     }
 }
 
-TEST_F(LogTest, ADirectoryThatWasRemovedIsCreatedAgain)
+TEST_F(LoggerFile, ADirectoryThatWasRemovedIsCreatedAgainAndAFileThatCannotBeOpenedIsReported)
 {
     const std::string removed = directory() + "parent/gone/";
     logger_file sink(removed.c_str(), "n", "log", mebibyte, 9);
@@ -156,34 +153,25 @@ TEST_F(LogTest, ADirectoryThatWasRemovedIsCreatedAgain)
     EXPECT_EQ(content(removed + id_file), "0");
     // Removed while a file is open: that file still takes the line that fills it.
     std::filesystem::remove_all(directory() + "parent");
+    std::ofstream(directory() + "parent") << "a file in the directory's place";
     EXPECT_EQ(write(sink, std::string(mebibyte + 1, 'x')), 0u);
+    const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
+    logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(write(sink, "lost\n"), 999u);
+    EXPECT_EQ(write(hopeless, "lost\n"), 999u);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+        "failed to open file [" + removed + "n] errno = 20\nfailed to open file [" + too_long
+            + "n] errno = 36\n");
+    std::filesystem::remove(directory() + "parent");
     EXPECT_EQ(write(sink, "second\n"), 0u);
     EXPECT_EQ(content(removed + "n_" + stamp(1) + ".log"), "second\n");
     EXPECT_EQ(content(removed + id_file), "1");
 }
 
-TEST_F(LogTest, AFileThatCannotBeOpenedIsReportedAndTriedAgain)
+TEST_F(LoggerFile, IsClosedInProgramsThatTheProcessStartsAndWaitsForNoPipe)
 {
-    const auto failed_write = [](logger_file& sink) {
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(write(sink, "lost\n"), 999u);
-        return testing::internal::GetCapturedStderr();
-    };
-    const std::string blocked = directory() + "blocked/";
-    logger_file sink(blocked.c_str(), "n", "log", mebibyte, 9);
-    std::filesystem::remove(blocked);
-    std::ofstream(directory() + "blocked") << "a file in the directory's place";
-    EXPECT_EQ(failed_write(sink), "failed to open file [" + blocked + "n] errno = 20\n");
-    std::filesystem::remove(directory() + "blocked");
-    EXPECT_EQ(write(sink, "kept\n"), 0u);
-
-    const std::string too_long = directory() + std::string(1 << 20, '/'); // many parents to try
-    logger_file hopeless(too_long.c_str(), "n", "log", mebibyte, 9);
-    EXPECT_TRUE(failed_write(hopeless).ends_with("errno = 36\n"));
-}
-
-TEST_F(LogTest, ALogFileIsClosedInProgramsThatTheProcessStarts)
-{
+    ASSERT_EQ(mkfifo((directory() + id_file).c_str(), 0600), 0);
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
     EXPECT_EQ(write(sink, "line\n"), 0u);
     int found = 0;
@@ -197,15 +185,8 @@ TEST_F(LogTest, ALogFileIsClosedInProgramsThatTheProcessStarts)
     EXPECT_EQ(found, 1);
 }
 
-TEST_F(LogTest, AnIdFileThatIsAPipeDoesNotBlock)
-{
-    ASSERT_EQ(mkfifo((directory() + id_file).c_str(), 0600), 0);
-    logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
-    EXPECT_EQ(write(sink, "line\n"), 0u);
-}
-
 // The limit on file sizes stands in for a disk that is full in the middle of a line.
-TEST_F(LogTest, AFullDiskLosesWholeLinesOnly)
+TEST_F(LoggerFile, AFullDiskLosesWholeLinesOnly)
 {
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
     EXPECT_EQ(write(sink, "first\n"), 0u);
@@ -216,12 +197,11 @@ TEST_F(LogTest, AFullDiskLosesWholeLinesOnly)
     setrlimit(RLIMIT_FSIZE, &small);
     EXPECT_EQ(write(sink, "second\n"), 0u);
     setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_EQ(filesIn(directory()).begin()->second, "first\n");
     EXPECT_EQ(write(sink, "third\n"), 0u);
-    EXPECT_EQ(filesIn(directory()).begin()->second, "first\nthird\n"); // the log, not the id
+    EXPECT_EQ(logs_in(directory()), "first\nthird\n");
 }
 
-TEST_F(LogTest, RawWriteGoesAfterWhatTheStreamHolds)
+TEST_F(LoggerFile, RawWriteGoesAfterWhatTheStreamHolds)
 {
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
     const std::string path = directory() + "raw";
