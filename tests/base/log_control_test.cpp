@@ -77,12 +77,10 @@ TEST_F(LogTest, OnlyWhatGateAndModuleLetThroughIsEvaluated)
         control().set_gate(gate);
         EXPECT_EQ(control().gate(), open);
         for (const auto& [module_id, max_level] : max_levels) {
-            for (const uint32_t level : {0u, 1u, 2u, 3u, 4u, 5u, 31u, 32u, 256u}) {
-                bool evaluated = false;
-                RKB_LOG(module_id, level, (evaluated = true));
-                EXPECT_EQ(evaluated, static_cast<int>(level) <= std::min(open, max_level))
-                    << gate << " " << module_id << " " << level;
-            }
+            int passed = -1;
+            for (uint32_t level = 0; level < 40; ++level)
+                RKB_LOG(module_id, level, ++passed);
+            EXPECT_EQ(passed, std::min(open, max_level)) << gate << " " << module_id;
         }
     }
 }
@@ -95,17 +93,15 @@ TEST_F(LogTest, CodesAndNames)
         {c.unregister_module(9), 5}, {c.set_sink(256, 0, nullptr), 2},
         {c.set_sink(9, 32, nullptr), 2}, {c.set_sink(9, 0, nullptr), 5}, {c.set_flags(256, 0), 2},
         {c.set_flags(9, 0), 5}, {c.write(256, 0, "x", 1), 2}, {c.write(0, 32, "x", 1), 2},
-        {c.write(9, 0, "x", 1), 5}, {c.set_level_name(32, "x"), 8},
+        {c.write(9, 0, "x", 1), 5}, {c.set_level_name(32, "x"), 8}, {c.set_level_name(6, "SIX"), 0},
         {c.register_module(0, "ZERO", 4, nullptr, 0), 0}, {c.unregister_module(0), 0}};
     for (const auto& [code, expected] : codes)
         EXPECT_EQ(code, expected) << &expected - &codes[0].second;
-    c.set_level_name(31, "LAST");
-    EXPECT_STREQ(c.level_name(31), "LAST");
-    c.set_level_name(31, nullptr);
-    const char* const names[] = {"FATAL", "ERROR", "WARNING", "INFO", "DEBUG", "FUNC", "N/A"};
-    for (uint32_t level = 0; level < 32; ++level)
-        EXPECT_STREQ(c.level_name(level), names[std::min(level, 6u)]);
-    EXPECT_EQ(c.level_name(32), nullptr);
+    std::string names;
+    for (uint32_t level = 0; const char* name = c.level_name(level); ++level)
+        names.append(name).append(level < 8 ? " " : "");
+    EXPECT_TRUE(names.starts_with("FATAL ERROR WARNING INFO DEBUG FUNC SIX N/A N/A")) << names;
+    c.set_level_name(6, nullptr);
     const char* module_name = nullptr;
     const char* level_name = nullptr;
     EXPECT_TRUE(c.is_enabled(0, 4, module_name, level_name));
@@ -118,19 +114,17 @@ TEST_F(LogTest, WritePassesALineToTheSinksThatItsSlotNames)
     control().attach(); // out of the way
     Recorder primary;
     Recorder secondary;
-    const auto write
-        = [](const std::string& text, uint32_t level = 3, rkb::log_it* sink = nullptr) {
-              return control().write(9, level, text.data(), text.size(), sink);
-          };
+    const auto write = [](const char* text, uint32_t level = 3, rkb::log_it* sink = nullptr) {
+        return control().write(9, level, text, 1, sink);
+    };
     for (const uint32_t flags : {0u, 1u, 2u, 3u, 4u}) {
         control().register_module(9, "NINE", 3, &primary, flags);
         if (flags == 1)
             control().set_sink(9, 3, &secondary); // the flags do not name its place
-        EXPECT_EQ(write(std::to_string(flags)), 0u);
-        EXPECT_EQ(write("above the maximum", 4), 0u);
+        write(&"01234"[flags]);
+        EXPECT_EQ(write("x", 4), 0u); // above the maximum
         control().unregister_module(9);
     }
-    EXPECT_EQ(primary.messages(), "123");
     control().register_module(9, "NINE", 3, &secondary, 1);
     control().set_flags(9, 3);
     write("a"); // unregistering has cleared the primary place

@@ -80,36 +80,28 @@ TEST_F(LoggerFile, RotatesBySizeAndDayInACircleOfIndices)
 
 TEST_F(LoggerFile, NamesItsFilesAfterDirectoryProgramAndExtension)
 {
-    struct {
-        const char* directory; // below the test's, null for none
-        const char* base_name;
-        const char* extension;
-        const char* rkb_home;
-        std::string path; // of the log, all but the stamp and what follows
-        std::string end;
-        std::string id;
-    } const cases[] = {
+    // The directory (below the test's, null for none), base name, extension and RKB_HOME; then the
+    // log's path before its stamp and after it, and the start of the id file's.
+    using text_t = const char*;
+    const std::tuple<text_t, text_t, text_t, text_t, std::string, text_t, text_t> cases[] = {
         {"a/b/", "name", "log", "rkb", "a/b/name_", ".log", "a/b/"},
         {"glued", "name", nullptr, "rkb", "glued/name_", "..log", "glued"},
         {nullptr, nullptr, "log", "rkb", "rkb/logs/test-base_", ".log", "rkb/logs/"},
         {nullptr, "n", "txt", nullptr, "home/.mivo/logs/n_", ".txt", "home/.mivo/logs/"},
     };
     setenv("HOME", (directory() + "home").c_str(), 1);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.path);
-        unsetenv("RKB_HOME");
-        if (c.rkb_home)
-            setenv("RKB_HOME", (directory() + c.rkb_home).c_str(), 1);
-        const std::string given = directory() + (c.directory ? c.directory : "");
-        logger_file sink(c.directory ? given.c_str() : nullptr, c.base_name, c.extension, 0, 9);
-        const std::string earlier = directory() + c.path + "earlier_sdk_0" + c.end;
+    for (const auto& [given, base_name, extension, rkb_home, path, end, id] : cases) {
+        SCOPED_TRACE(path);
+        rkb_home ? setenv("RKB_HOME", (directory() + rkb_home).c_str(), 1) : unsetenv("RKB_HOME");
+        const std::string whole = directory() + (given ? given : "");
+        logger_file sink(given ? whole.c_str() : nullptr, base_name, extension, 0, 9);
+        const std::string earlier = directory() + path + "earlier_sdk_0" + end;
         std::ofstream(earlier) << "of the same index";
         EXPECT_EQ(write(sink, "line\n"), 0u);
-        EXPECT_EQ(content(directory() + c.path + stamp(0) + c.end), "line\n");
-        EXPECT_EQ(content(directory() + c.id + id_file), "0");
-        EXPECT_EQ(std::filesystem::exists(earlier), c.id == "glued");
+        EXPECT_EQ(content(directory() + path + stamp(0) + end), "line\n");
+        EXPECT_EQ(content(directory() + id + id_file), "0");
+        EXPECT_EQ(std::filesystem::exists(earlier), id == std::string("glued"));
     }
-    unsetenv("RKB_HOME");
     unsetenv("HOME");
     EXPECT_EQ(rkb::default_log_directory(), "/var/opt/mivo/logs/");
 }
@@ -119,27 +111,27 @@ TEST_F(LoggerFile, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     Recorder sink;
     record_library(sink);
     logger_file file(directory().c_str(), "n", "log", 5 * mebibyte, 3);
-    const std::string size_line
-        = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], line = [150]";
-    const std::string index_line
-        = ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] file[../src/log], line = [151]";
-    // The limits, and what follows the function's name.
-    const std::tuple<uint32_t, uint32_t, std::string> cases[] = {
+    // The limits, and what follows the function's name in the last line.
+    const std::tuple<uint32_t, uint32_t, const char*> cases[] = {
         {1048576, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3"},
         {1073741824, 99,
             ", max_size = 1073741824, m_max_size = 1048576, max_idx = 99, m_max_idx = 9"},
-        {1048575, 9, " size out of limitation, max_size = 1048575" + size_line},
-        {1073741825, 9, " size out of limitation, max_size = 1073741825" + size_line},
-        {1048576, 8, " index out of limitation, max_idx = 8" + index_line},
-        {1048576, 100, " index out of limitation, max_idx = 100" + index_line},
+        {1048575, 9,
+            " size out of limitation, max_size = 1048575, MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = "
+            "1073741824] file[../src/log], line = [150]"},
+        {1073741825, 9, " size out of limitation, max_size = 1073741825, "},
+        {1048576, 8,
+            " index out of limitation, max_idx = 8, MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] "
+            "file[../src/log], line = [151]"},
+        {1048576, 100, " index out of limitation, max_idx = 100, "},
         {1048576, 9, ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99"},
     };
     for (const auto& [max_size, max_index, message] : cases) {
-        const bool bad = message.starts_with(' ');
-        EXPECT_EQ(file.configure(max_size, max_index), bad ? 8u : 0u);
-        EXPECT_EQ(messages_of(sink.lines.back()),
-            (bad ? "assert: msg[logger_file_base_t::configure" : "logger_file_base_t::configure")
-                + message + ", this = " + address_of(&file) + "\n");
+        EXPECT_EQ(file.configure(max_size, max_index), *message == ' ' ? 8u : 0u);
+        const std::string line = messages_of(sink.lines.back());
+        EXPECT_NE(line.find(std::string("logger_file_base_t::configure") + message), line.npos);
+        EXPECT_EQ(line.starts_with("assert: msg["), *message == ' ');
+        EXPECT_TRUE(line.ends_with(", this = " + address_of(&file) + "\n")) << line;
     }
 }
 
@@ -186,7 +178,7 @@ TEST_F(LoggerFile, IsClosedInProgramsThatTheProcessStartsAndWaitsForNoPipe)
 }
 
 // The limit on file sizes stands in for a disk that is full in the middle of a line.
-TEST_F(LoggerFile, AFullDiskLosesWholeLinesOnly)
+TEST_F(LoggerFile, AFullDiskLosesWholeLinesOnlyAndRawWritesGoAfterWhatTheStreamHolds)
 {
     logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
     EXPECT_EQ(write(sink, "first\n"), 0u);
@@ -199,19 +191,12 @@ TEST_F(LoggerFile, AFullDiskLosesWholeLinesOnly)
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(write(sink, "third\n"), 0u);
     EXPECT_EQ(logs_in(directory()), "first\nthird\n");
-}
 
-TEST_F(LoggerFile, RawWriteGoesAfterWhatTheStreamHolds)
-{
-    logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
-    const std::string path = directory() + "raw";
-    FILE* stream = fopen(path.c_str(), "w");
+    FILE* stream = fopen((directory() + "raw").c_str(), "w");
     fputs("held ", stream);
     sink.write_raw(stream, "one\n", 4);
-    sink.write_raw(stream, "two\n", 4);
-    sink.write_raw(stream, nullptr, 4);
     sink.write_raw(nullptr, "x", 1);
-    EXPECT_EQ(content(path), "held one\ntwo\n");
+    EXPECT_EQ(content(directory() + "raw"), "held one\n");
     fclose(stream);
 }
 
