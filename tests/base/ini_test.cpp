@@ -30,28 +30,23 @@ TEST(Ini, ReadsTextUpToALineThatIsUnprintableOrTooLong)
     // A text, what it leaves in memory, what is printed, and whether it loads.
     const std::tuple<std::string, std::string, const char*, bool> rows[] = {
         {"", "", "", false},
-        {"\n\r\n\n", "", "", false},
         {"; one\n#two\n", "; one|;two|", "", false},
         {"a=1\nb=2", "[]a=1|b=2|", "", true},
         {"[ s ]\na=1\n[]\nA=1\na=2\nA=3\n", "[ s ]a=1|[]A=3|a=2|", "", true},
         {"[s]\na=1\n[t]\nb=2\n[s]\n;n\nc=3\na=4\n", "[s]a=4|c=3|;n|[t]b=2|[s]", "", true},
         // The first special character decides, whatever is before or after it.
         {"#h\na=1\n#c\n[s]\n;d;e = f # g \n", ";h|[]a=1|;c|[s];d;e = f # g |", "", true},
+        {" a=\xC3\xA4\x01 \n~==[c]\n", "[]a=\xC3\xA4\x01|~==[c]|", "", true},
         {"x ; a=1\ny [s] = 2\nz]=3[\n", "; a=1|[s]z]=3[|", "", true},
         {"[a] ; b]\n[a\n]b[\nplain\n ] [c]x\n", "[a] ; b][c]", "", true},
-        {"a==b=[c]\nq=\"x # y\"\n", "[]a==b=[c]|q=\"x|", "", true},
         {"=v\n = \n  k\t=\t\na=;c\nb=#\nc= x \t\r\n", "[]=|k=|a=|b=|c=x|", "", true},
         {"a\0b=c\0d\n[e\0]\r\n"s, "[]a\0b=c\0d|[e\0]"s, "", true},
-        {" a=\xC3\xA4\x01 \n~=2\n", "[]a=\xC3\xA4\x01|~=2|", "", true},
         {"[s]\na=1\n\tb=2\nc=3\n", "[s]a=1|", "Failing on int8_t 9\n", false},
         {"\xEF\xBB\xBF[s]\n", "", "Failing on int8_t -17\n", false},
         {"[s]\n\r\n\r\r\n", "[s]", "Failing on int8_t 13\n", false},
         {"[s]\n\0=1"s, "[s]", "Failing on int8_t 0\n", false},
-        {"[s]\n\x7F", "[s]", "Failing on int8_t 127\n", false},
         {long_key + "\nc=2\n", "[]" + long_key + "|c=2|", "", true},
-        {"a=1\n" + long_key, "[]a=1|" + long_key + "|", "", true},
         {"a=1\n" + long_key + "v\nc=2\n", "[]a=1|", "", false},
-        {"a=1\n" + long_key + "v", "[]a=1|", "", false},
         {"a=1\n\t" + long_key + "\nc=2\n", "[]a=1|", "Failing on int8_t 9\n", false},
     };
     const test::TempDirectory directory;
@@ -80,18 +75,14 @@ TEST(Ini, DoesNotLoadWhatIsNoTextFile)
 TEST(Ini, FindsAmongManySectionsAndKeys)
 {
     constexpr int count = 100'000; // searched in order, this would outlast the test's time
-    std::string text = "[s]\n";
-    for (int i = 0; i < count; ++i)
-        text += "k" + std::to_string(i) + "=" + std::to_string(i) + "\n";
-    for (int i = 0; i < count; ++i)
-        text += "[s" + std::to_string(i) + "]\nkey=" + std::to_string(i) + "\n";
     rkb::ini_t ini("");
-    ASSERT_TRUE(ini.load_text(text));
-    EXPECT_EQ(ini.key_count("s"), size_t{count});
-    EXPECT_EQ(ini.key_names("s").back(), "k99999");
     for (int i = 0; i < count; ++i) {
-        ASSERT_EQ(ini.get_int("s" + std::to_string(i), "key", -1), i);
-        ASSERT_EQ(ini.get_int("s", "k" + std::to_string(i), -1), i);
+        ini.set(std::to_string(i), "key", std::to_string(i), true);
+        ini.set("", std::to_string(i), std::to_string(i), true);
+    }
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(ini.get_int(std::to_string(i), "key", -1), i);
+        ASSERT_EQ(ini.get_int("", std::to_string(i), -1), i);
     }
 }
 
@@ -110,7 +101,8 @@ TEST(Ini, SetAddsOnlyWhenAskedToAndReplacedValuesTakeNoMemory)
     getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 100'000); // KiB; all values take twice as much
     EXPECT_EQ(contents(ini), ";h|[s]a=" + std::string(10'000, 'f') + "|b=2|;c|[t]=|");
-    EXPECT_EQ(ini.key_names("t"), std::vector<std::string>{""});
+    EXPECT_EQ(ini.key_names("s"), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(ini.key_count("s"), 2u);
     EXPECT_TRUE(ini.key_names("u").empty());
     ini.release();
     EXPECT_EQ(contents(ini), "");
@@ -128,20 +120,17 @@ TEST(Ini, ConvertsAsStrtolAndStrtodDo)
         EXPECT_EQ(ini.get_int("s", "k", 5), number) << text;
         EXPECT_EQ(ini.get_double("s", "k", 5.0), real) << text;
     }
-    EXPECT_EQ(ini.get_int("s", "none", INT32_MIN), INT32_MIN);
+    EXPECT_EQ(ini.get_int("s", "none", 7), 7);
     EXPECT_EQ(ini.get_double("none", "k", 0.1), 0.1);
 }
 
 TEST(ConfigFilePath, FollowsTheProgramsName)
 {
-    const std::tuple<const char*, const char*, const char*> rows[] = {
-        {"/srv/rkb", "/opt/app/bin/tool-media", "/srv/rkb/conf/rkb-media.cfg"},
-        {"/srv/rkb/", "/opt/app-x/bin/tool", "/srv/rkb/conf/rkb.cfg"},
-        {" \t/srv/r b\n", "a-b-c", "/srv/r b/conf/rkb-c.cfg"},
-        {"/", "tool-", "/conf/rkb.cfg"},
-        {" \v\f\r", "tool", ""},
-        {nullptr, "tool", ""},
-    };
+    const std::tuple<const char*, const char*, const char*> rows[]
+        = {{"/srv/", "/opt/app/bin/tool-media", "/srv/conf/rkb-media.cfg"},
+            {" \t/srv/r b\n", "a-b-c", "/srv/r b/conf/rkb-c.cfg"},
+            {"/", "app-x/tool-", "/conf/rkb.cfg"}, {"/x", "app-x/tool", "/x/conf/rkb.cfg"},
+            {" \v\f\r", "tool", ""}, {nullptr, "tool", ""}};
     for (const auto& [home, program, path] : rows) {
         home ? setenv("RKB_HOME", home, 1) : unsetenv("RKB_HOME");
         EXPECT_EQ(rkb::config_file_path(program), path);

@@ -39,6 +39,7 @@ namespace {
 using rkb::log_control_t;
 using test::passesInChild;
 
+constexpr const char* exit_lines = "log_control_t::release()\nlog_control_t::~log_control_t()\n";
 constexpr int thread_count = 8;
 constexpr int lines_per_thread = 500;
 
@@ -101,7 +102,6 @@ protected:
 };
 
 struct StaticSink final : rkb::log_it {
-    static inline bool is_destroyed = false;
     ~StaticSink() override { is_destroyed = true; }
     uint32_t write(uint32_t, uint32_t, const char*, size_t) override
     {
@@ -109,6 +109,7 @@ struct StaticSink final : rkb::log_it {
             _exit(EXIT_FAILURE);
         return 0;
     }
+    static inline bool is_destroyed = false;
 };
 
 TEST_F(LogProcess, TheLinesOfTheExitGoToTheLogFileButToNoStaticSinkAndBeginNoLog)
@@ -123,9 +124,7 @@ TEST_F(LogProcess, TheLinesOfTheExitGoToTheLogFileButToNoStaticSinkAndBeginNoLog
                 rkb::destroy_default_file_sink();
         }));
         EXPECT_EQ(messages_of(logs_in(m_logs)),
-            has_file
-                ? "binds the sinks\nlog_control_t::release()\nlog_control_t::~log_control_t()\n"
-                : "binds the sinks\n");
+            std::string("binds the sinks\n") + (has_file ? exit_lines : ""));
         std::filesystem::remove_all(m_logs);
     }
 }
@@ -138,18 +137,16 @@ TEST_F(LogProcess, ThreadsMayLogWhileTheProcessExits)
 
 TEST_F(LogProcess, AForkedChildCanLogWhateverTheThreadsDidAtTheFork)
 {
-    EXPECT_TRUE(passesInChild([] {
+    const auto log_and_exit = [] {
+        RKB_LOG(0, rkb::log_info, "of the child\n");
+        rkb::destroy_default_file_sink();
+        RKB_LOG(0, rkb::log_info, "in a file of its own\n");
+        _exit(EXIT_SUCCESS);
+    };
+    EXPECT_TRUE(passesInChild([&] {
         log_until_exit(8);
         for (int run = 0; run < 40; ++run)
-            ASSERT_TRUE(passesInChild(
-                [] {
-                    RKB_LOG(0, rkb::log_info, "of the child\n");
-                    rkb::destroy_default_file_sink();
-                    RKB_LOG(0, rkb::log_info, "in a file of its own\n");
-                    _exit(EXIT_SUCCESS);
-                },
-                5))
-                << run;
+            ASSERT_TRUE(passesInChild(log_and_exit, 5)) << run;
     }));
 }
 
@@ -197,7 +194,7 @@ TEST_F(LogProcess, ThreadsLogEachLineOnceAndAfterReleaseThereIsSilence)
         EXPECT_EQ(rkb::register_logger(1, "UTIL", 5, &sink, 2), rkb::log_not_registered);
         EXPECT_EQ(rkb::configure_logger(1048576, 9), 0u); // the sink lives on its own
         log_control_t::release();
-        EXPECT_EQ(sink.messages(), "log_control_t::release()\nlog_control_t::~log_control_t()\n");
+        EXPECT_EQ(sink.messages(), exit_lines);
     }));
 }
 

@@ -28,28 +28,25 @@ TEST(LocalTime, HasTheYearInFullAndCountsMonthsFromOne)
 
 TEST(Thread, HasItsNameAndStackAndStartingAgainJoinsTheEarlierThread)
 {
-    struct seen_t {
-        int runs; // no lock: two runs at once would be a race
-        size_t stack_size;
-        char name[16];
-    } seen{};
-    const auto look_around = [](void* argument) {
-        auto* own = static_cast<seen_t*>(argument);
+    static int runs = 0; // no lock: two runs at once would be a race
+    static size_t stack_size = 0;
+    static char name[16] = "";
+    const auto look_around = [](void*) {
         pthread_attr_t attributes;
         pthread_getattr_np(pthread_self(), &attributes);
-        pthread_attr_getstacksize(&attributes, &own->stack_size);
+        pthread_attr_getstacksize(&attributes, &stack_size);
         pthread_attr_destroy(&attributes);
-        pthread_getname_np(pthread_self(), own->name, sizeof own->name);
-        ++own->runs;
+        pthread_getname_np(pthread_self(), name, sizeof name);
+        ++runs;
     };
     rkb::thread_t thread("a name longer than fifteen");
     for (int i = 0; i < 20; ++i)
-        ASSERT_EQ(thread.start(look_around, &seen), 1);
+        ASSERT_EQ(thread.start(look_around, nullptr), 1);
     thread.join();
     thread.join();
-    EXPECT_EQ(seen.runs, 20);
-    EXPECT_STREQ(seen.name, "a name longer t");
-    EXPECT_GE(seen.stack_size, rkb::thread_t::min_stack_size);
+    EXPECT_EQ(runs, 20);
+    EXPECT_STREQ(name, "a name longer t");
+    EXPECT_GE(stack_size, rkb::thread_t::min_stack_size);
 }
 
 TEST(ThreadDeathTest, MustBeJoinedBeforeItIsDestroyed)
@@ -60,24 +57,21 @@ TEST(ThreadDeathTest, MustBeJoinedBeforeItIsDestroyed)
 
 TEST(Condition, ReturnsOnASignalOrFalseAfterItsTime)
 {
-    struct gate_t {
-        rkb::thread_mutex_recursive mutex;
-        rkb::condition_t condition;
-        bool open = false;
-    } gate;
-    const auto open = [](void* argument) {
-        auto* g = static_cast<gate_t*>(argument);
-        const std::lock_guard guard(g->mutex);
-        const std::lock_guard again(g->mutex);
-        g->open = true;
-        g->condition.broadcast();
-    };
+    static rkb::thread_mutex_recursive mutex;
+    static rkb::condition_t condition;
+    static bool open = false;
     rkb::thread_t thread;
-    const std::lock_guard lock(gate.mutex);
-    while (gate.condition.wait(gate.mutex, 1)) { } // nothing signals: must return false
-    ASSERT_EQ(thread.start(open, &gate), 1);
-    while (!gate.open)
-        ASSERT_TRUE(gate.condition.wait(gate.mutex, rkb::condition_t::no_limit));
+    const std::lock_guard lock(mutex);
+    while (condition.wait(mutex, 1)) { } // nothing signals: must return false
+    const auto signal = [](void*) {
+        const std::lock_guard guard(mutex);
+        const std::lock_guard again(mutex);
+        open = true;
+        condition.broadcast();
+    };
+    ASSERT_EQ(thread.start(signal, nullptr), 1);
+    while (!open)
+        ASSERT_TRUE(condition.wait(mutex, rkb::condition_t::no_limit));
     thread.join();
 }
 
