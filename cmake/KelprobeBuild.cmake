@@ -92,31 +92,23 @@ function(kelprobe_library name)
   endforeach()
 endfunction()
 
-# kelprobe_test(NAME SOURCES file... LINK target... [ENVIRONMENT var=value...]
-#               [LABELS label...] [TIMEOUT seconds] [SERIAL])
+# kelprobe_test(NAME SOURCES file... LINK target... [ENVIRONMENT var=value...] [SINGLE_THREADED])
 #
-# A GoogleTest program test-NAME; every test in it becomes a ctest test "CONFIGURATION.Suite.Case".
-# Tests with SERIAL do not run at the same time as other tests.
+# A GoogleTest program test-NAME. Each test in it becomes a ctest test "CONFIGURATION.Suite.Case".
+# SINGLE_THREADED leaves it out of the configuration with TSan, which would find nothing in it.
 function(kelprobe_test name)
-  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT;LABELS" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 60)
+  cmake_parse_arguments(ARG "SINGLE_THREADED" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
+  if(ARG_SINGLE_THREADED AND KELPROBE_SANITIZER STREQUAL "thread")
+    return()
   endif()
   add_executable(test-${name} ${ARG_SOURCES})
   kelprobe_headers(test-${name} PRIVATE)
   target_link_libraries(test-${name} PRIVATE ${ARG_LINK} GTest::gtest_main Kelprobe::warnings)
-  set(properties TIMEOUT ${ARG_TIMEOUT})
-  if(ARG_LABELS)
-    list(APPEND properties LABELS "${ARG_LABELS}")
-  endif()
-  if(ARG_SERIAL)
-    list(APPEND properties RUN_SERIAL TRUE)
-  endif()
   gtest_discover_tests(test-${name}
     TEST_PREFIX "${KELPROBE_CONFIGURATION}."
     TEST_LIST tests
     DISCOVERY_TIMEOUT 60
-    PROPERTIES ${properties})
+    PROPERTIES TIMEOUT 60)
   # gtest_discover_tests() cannot pass a list of variables, so ctest sets them with a script.
   set(environment ${KELPROBE_TEST_ENVIRONMENT} ${ARG_ENVIRONMENT})
   set(script "${CMAKE_CURRENT_BINARY_DIR}/test-${name}_environment.cmake")

@@ -84,7 +84,7 @@ TEST_F(LoggerFile, NamesItsFilesAfterDirectoryProgramAndExtension)
     const std::tuple<text_t, text_t, text_t, text_t, std::string, text_t, text_t> cases[] = {
         {"a/b/", "name", "log", "rkb", "a/b/name_", ".log", "a/b/"},
         {"glued", "name", nullptr, "rkb", "glued/name_", "..log", "glued"},
-        {nullptr, nullptr, "log", "rkb", "rkb/logs/test-base_", ".log", "rkb/logs/"},
+        {nullptr, nullptr, "log", "rkb", "rkb/logs/test-base-single_", ".log", "rkb/logs/"},
         {nullptr, "n", "txt", nullptr, "home/.mivo/logs/n_", ".txt", "home/.mivo/logs/"},
     };
     setenv("HOME", (directory() + "home").c_str(), 1);
