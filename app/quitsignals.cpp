@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSignals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 constexpr int64_t kNanoseconds = 1'000'000'000; // per second
 constexpr int64_t kRepeatTime = kNanoseconds;
 

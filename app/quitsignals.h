@@ -1,5 +1,5 @@
-// Ends the program on SIGINT, SIGTERM and SIGHUP as closing the window does, so that the device is
-// left on-hook and its kernel driver attached again.
+// Ends the program on SIGINT, SIGQUIT, SIGTERM and SIGHUP as closing the window does, so that the
+// device is left on-hook and its kernel driver attached again.
 #pragma once
 
 #include <QSocketNotifier>

@@ -140,6 +140,10 @@ int checkAll()
         libusb_free_device_list(list, 1);
     libusb_exit(context);
     advise(findings);
+    if (std::fflush(stdout) != 0) {
+        std::perror("kelprobe-usb-check: standard output");
+        return kCannotOpen;
+    }
     return findings.openable > 0 ? kCanOpen : kCannotOpen;
 }
 

@@ -61,6 +61,8 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
 // umockdev aborts when it cannot make its directory or write a file, so check first.
 void requireRoom(const std::string& directory)
 {
+    if (!fs::path(directory).is_absolute())
+        throw std::runtime_error("TMPDIR is not an absolute path: " + directory);
     struct statvfs room = {};
     if (!fs::is_directory(directory) || access(directory.c_str(), W_OK | X_OK) != 0
         || statvfs(directory.c_str(), &room) != 0)

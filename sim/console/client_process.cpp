@@ -33,7 +33,8 @@ void prepareChild(gpointer)
 {
     setpgid(0, 0);
     for (int signal = 1; signal < NSIG; ++signal)
-        std::signal(signal, SIG_DFL);
+        if (signal != SIGHUP) // ignored only under nohup, which is meant for the program, too
+            std::signal(signal, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);

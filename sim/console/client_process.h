@@ -24,9 +24,10 @@ public:
     const Reason reason;
 };
 
-// A child process in a new process group, with the default action for every signal and none
-// blocked. Its standard input is empty; its output is written to our standard error. It has our
-// environment, with more libraries in LD_PRELOAD; our own environment is not changed.
+// A child process in a new process group, with the default action for every signal (an ignored
+// SIGHUP stays ignored) and none blocked. Its standard input is empty; its output is written to our
+// standard error. It has our environment, with more libraries in LD_PRELOAD; our own environment is
+// not changed.
 //
 // Uses GLib's default main context, which has to run in the thread that calls these. SIGCHLD must
 // not be ignored.

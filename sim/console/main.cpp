@@ -2,6 +2,10 @@
 #include "sim/console/command_line.h"
 #include "sim/console/session.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -44,12 +48,27 @@ struct Execute {
     }
 };
 
+// Opens /dev/null for each standard stream that is closed. Otherwise the next file that is opened
+// would take its number and be read as input or written to as output.
+void openStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF && open("/dev/null", O_RDWR) != stream)
+            _exit(EXIT_FAILURE); // there is no /dev/null
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    openStandardStreams();
     try {
-        return std::visit(Execute(), sim::parseCommandLine(argv + (argc > 0 ? 1 : 0)));
+        const int status = std::visit(Execute(), sim::parseCommandLine(argv + (argc > 0 ? 1 : 0)));
+        if (status == EXIT_SUCCESS && fflush(stdout) != 0) {
+            perror("kelprobe-sim: standard output");
+            return EXIT_FAILURE;
+        }
+        return status;
     } catch (const std::exception& error) {
         fprintf(stderr, "kelprobe-sim: %s\n", error.what());
         return EXIT_FAILURE;

@@ -26,7 +26,7 @@ fs::path ownLibrary()
 
 bool fitsLdPreload(const fs::path& path)
 {
-    return path.native().find_first_of(" :") == std::string::npos;
+    return path.native().find_first_of(" :$") == std::string::npos;
 }
 
 } // namespace

@@ -20,13 +20,21 @@ namespace {
 
 constexpr auto kReadable = static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR);
 
+// Signals that were ignored when this process started, as by nohup, stay ignored.
+bool isIgnored(int signal)
+{
+    struct sigaction action = {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 // Returns a signalfd for the signals that end a session. g_unix_signal_add() does not take SIGQUIT.
 FileDescriptor blockEndingSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
-        sigaddset(&signals, signal);
+        if (!isIgnored(signal))
+            sigaddset(&signals, signal);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }

@@ -26,7 +26,7 @@ int runEventLoop(int number)
 
 TEST(QuitSignals, QuitTheEventLoopAndLaterTheProcess)
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         EXPECT_EXIT(std::_Exit(runEventLoop(number)), testing::ExitedWithCode(0), "");
         EXPECT_EXIT(repeatUntilKilled(number), testing::KilledBySignal(number), "");
     }

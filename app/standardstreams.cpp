@@ -1,0 +1,16 @@
+#include "app/standardstreams.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <initializer_list>
+#include <unistd.h>
+
+void protectStandardStreams()
+{
+    // open() takes the lowest free number, so the stream that is closed.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF && open("/dev/null", O_RDWR) != stream)
+            _exit(1); // there is no /dev/null
+    std::signal(SIGPIPE, SIG_IGN);
+}
