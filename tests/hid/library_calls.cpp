@@ -6,38 +6,20 @@
 #include <libusb.h>
 #include <pthread.h>
 
-namespace calls {
-
-std::atomic<int> hidExits = 0;
-std::atomic<int> failedHidReads = 0;
-thread_local bool refuseThreads = false;
-std::function<void()> beforeDescriptorRequest;
-
-} // namespace calls
-
-namespace {
-
-template <typename Function>
-Function* Next(const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-} // namespace
+// The library's own definition.
+#define NEXT(function) reinterpret_cast<decltype(&(function))>(dlsym(RTLD_NEXT, #function))
 
 extern "C" {
 
 int hid_exit()
 {
     ++calls::hidExits;
-    static const auto next = Next<decltype(hid_exit)>("hid_exit");
-    return next();
+    return NEXT(hid_exit)();
 }
 
 int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds)
 {
-    static const auto next = Next<decltype(hid_read_timeout)>("hid_read_timeout");
-    const int result = next(device, data, length, milliseconds);
+    const int result = NEXT(hid_read_timeout)(device, data, length, milliseconds);
     if (result < 0)
         ++calls::failedHidReads;
     return result;
@@ -49,8 +31,8 @@ int libusb_control_transfer(libusb_device_handle* handle, uint8_t requestType, u
     const bool forDescriptor = requestType == 0x81 && value == 0x2200;
     if (forDescriptor && calls::beforeDescriptorRequest)
         calls::beforeDescriptorRequest();
-    static const auto next = Next<decltype(libusb_control_transfer)>("libusb_control_transfer");
-    return next(handle, requestType, request, value, index, data, length, timeout);
+    return NEXT(libusb_control_transfer)(
+        handle, requestType, request, value, index, data, length, timeout);
 }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
@@ -58,7 +40,6 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
 {
     if (calls::refuseThreads && attributes)
         return EAGAIN;
-    static const auto next = Next<decltype(pthread_create)>("pthread_create");
-    return next(thread, attributes, routine, argument);
+    return NEXT(pthread_create)(thread, attributes, routine, argument);
 }
 }

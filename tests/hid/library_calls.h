@@ -8,14 +8,14 @@
 namespace calls {
 
 // Made so far by the whole program.
-extern std::atomic<int> hidExits;
-extern std::atomic<int> failedHidReads;
+inline std::atomic<int> hidExits = 0;
+inline std::atomic<int> failedHidReads = 0;
 
 // While set, this thread cannot start threads with attributes, as rkb::thread_t does. hidapi and
 // libusb start theirs without.
-extern thread_local bool refuseThreads;
+inline thread_local bool refuseThreads = false;
 
 // Called before each request for a report descriptor, if set.
-extern std::function<void()> beforeDescriptorRequest;
+inline std::function<void()> beforeDescriptorRequest;
 
 } // namespace calls

@@ -26,89 +26,63 @@ protected:
     std::string printed_;
 };
 
-TEST_F(Retrieval, FindsTheInterfaceByEitherFormOfItsPath)
+// The device's report descriptor with zeros after the first bytes.
+sim::Bytes Beginning(const sim::UsbDevice& device, ptrdiff_t length)
 {
-    auto& first = plug("speakerphone");
-    auto& second = plug("led-per-report");
+    sim::Bytes bytes = device.info().reportDescriptor;
+    std::fill(bytes.begin() + length, bytes.end(), uint8_t{0});
+    return bytes;
+}
+
+TEST_F(Retrieval, ReadsTheAnnouncedLengthFromTheInterfaceThatEitherFormOfItsPathNames)
+{
+    const auto& first = plug("speakerphone");
+    sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
+    info.interfaceNumber = 3;
+    using Class = sim::ClassDescriptor;
+    info.classDescriptors = {{Class::kPhysical, 7}, {Class::kReport, 2}, {Class::kReport, 9}};
+    plug(info);
+    const Bytes second{info.reportDescriptor[0], info.reportDescriptor[1]};
     EXPECT_EQ(retrieve("1-1:1.0"), first.info().reportDescriptor);
-    EXPECT_EQ(retrieve("1-2:1.0"), second.info().reportDescriptor);
-    EXPECT_EQ(retrieve("0001:0003:00"), second.info().reportDescriptor);
+    EXPECT_EQ(retrieve("1-2:1.3"), second);
+    EXPECT_EQ(retrieve("0001:0003:03"), second);
     for (const char* other : {"1-3:1.0", "1-1:1.1", "1-1:2.0", "0001:0009:00", "", "1-1"})
         EXPECT_EQ(retrieve(other), Bytes{}) << other;
     EXPECT_EQ(printed_, "");
-    EXPECT_TRUE(first.driverBound());
-    EXPECT_FALSE(first.claimed());
+    EXPECT_TRUE(first.driverBound() && !first.claimed());
 }
 
-TEST_F(Retrieval, UsesTheFirstReportEntryOfTheHidDescriptor)
-{
-    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
-    using Class = sim::ClassDescriptor;
-    for (const auto& [listed, size] : {
-             std::pair<std::vector<Class>, size_t>{{{Class::kPhysical, 7}, {Class::kReport, 9}}, 9},
-             {{{Class::kReport, 10}, {Class::kReport, 273}}, 10},
-             {{{Class::kReport, 0}}, 0},
-             {{}, 0},
-         }) {
-        info.classDescriptors = listed;
-        info.interfaceNumber = 3;
-        auto& device = plug(info);
-        EXPECT_EQ(retrieve(device.hidPath()).size(), size);
-        device.unplug();
-    }
-}
-
-TEST_F(Retrieval, TriesFourTimesAndKeepsWhatItReceived)
-{
-    auto& device = plug("speakerphone");
-    const Bytes& whole = device.info().reportDescriptor;
-    auto& faults = device.faults();
-    faults.shortLength = 10;
-    struct Row {
-        sim::Fault& fault;
-        int times, reads;
-        ptrdiff_t received; // zeros follow
-        const char* printed;
-    };
-    for (const Row& row : {
-             Row{faults.stallReportDescriptor, 3, 4, 273, ""},
-             Row{faults.stallReportDescriptor, 4, 4, 0, ""},
-             Row{faults.shortenReportDescriptor, 4, 4, 10, kIncomplete},
-             Row{faults.refuseClaim, 1, 0, 0, kUnavailable},
-         }) {
-        row.fault.arm(row.times);
-        const int readsBefore = device.counters().reportDescriptorReads;
-        Bytes expected = whole;
-        std::fill(expected.begin() + row.received, expected.end(), uint8_t{0});
-        EXPECT_EQ(retrieve("1-1:1.0"), expected);
-        EXPECT_EQ(printed_, row.printed);
-        EXPECT_EQ(device.counters().reportDescriptorReads - readsBefore, row.reads);
-        EXPECT_FALSE(device.claimed());
-    }
-}
-
-TEST_F(Retrieval, KeepsTheTailOfAnEarlierLongerAnswer)
+TEST_F(Retrieval, TriesFourTimesAndKeepsTheLongestAnswer)
 {
     auto& device = plug("speakerphone");
     device.faults().shortenReportDescriptor.arm();
-    for (const auto& [lengths, kept, printed] : {
-             std::tuple{std::vector<size_t>{20, 10, 5, 5}, 20, kIncomplete},
-             {{5, 30, 10, 1}, 30, kIncomplete},
-             {{20, 10, 5, 0}, 20, ""},
+    constexpr int stall = -1;
+    for (const auto& [answers, kept, printed] : {
+             std::tuple{std::vector{stall, 20, stall, 273}, 273, ""},
+             {{stall, stall, stall, stall}, 0, ""},
+             {{20, 10, 5, 5}, 20, kIncomplete},
+             {{5, 30, 10, 0}, 30, ""},
          }) {
-        auto next = lengths.begin();
-        calls::beforeDescriptorRequest = [&] { device.faults().shortLength = *next++; };
-        Bytes expected = device.info().reportDescriptor;
-        std::fill(expected.begin() + kept, expected.end(), uint8_t{0});
-        EXPECT_EQ(retrieve(device.hidPath()), expected);
+        auto next = answers.begin();
+        calls::beforeDescriptorRequest = [&, end = answers.end()] {
+            ASSERT_NE(next, end);
+            device.faults().stallReportDescriptor.arm(*next == stall ? 1 : 0);
+            device.faults().shortLength = static_cast<size_t>(*next++);
+        };
+        EXPECT_EQ(retrieve("1-1:1.0"), Beginning(device, kept));
         EXPECT_EQ(printed_, printed);
+        EXPECT_EQ(next, answers.end());
+        EXPECT_FALSE(device.claimed());
     }
     calls::beforeDescriptorRequest = nullptr;
 }
 
-TEST_F(Retrieval, ReturnsNothingWithoutPermissionOrWhenTheDriverStays)
+TEST_F(Retrieval, ReturnsZerosWithoutTheInterfaceAndNothingWithoutTheDevice)
 {
     auto& device = plug("speakerphone");
+    device.faults().refuseClaim.arm(1);
+    EXPECT_EQ(retrieve("1-1:1.0"), Beginning(device, 0));
+    EXPECT_EQ(printed_, kUnavailable);
     device.faults().refuseDetach.arm(1);
     EXPECT_EQ(retrieve("1-1:1.0"), Bytes{});
     device.setOpenable(false);
@@ -116,46 +90,20 @@ TEST_F(Retrieval, ReturnsNothingWithoutPermissionOrWhenTheDriverStays)
     EXPECT_EQ(printed_, "");
 }
 
-TEST_F(Retrieval, OpensByIdsAndSerialNumber)
+TEST_F(Retrieval, OpensBySerialNumber)
 {
-    const auto& first = plug("speakerphone");
-    sim::UsbDeviceInfo info = first.info();
-    info.serialNumber = u"other";
-    const auto& second = plug(info);
-    const auto open = [&](const wchar_t* serial) {
-        return KX::hid_open(info.vendorId, info.productId, serial, KX::DescriptorFetch::Off);
-    };
-    {
-        const auto opened = open(L"S0001");
-        EXPECT_TRUE(opened && first.claimed() && !second.claimed());
-    }
-    {
-        const auto opened = open(L"other");
-        EXPECT_TRUE(opened && second.claimed() && !first.claimed());
-    }
-    EXPECT_TRUE(open(nullptr)) << "whichever is first";
-    EXPECT_FALSE(open(L"none"));
-    EXPECT_EQ(KX::hid_open(0, 0, nullptr, KX::DescriptorFetch::Off), nullptr);
-    Bytes untouched{1};
-    EXPECT_FALSE(KX::hid_get_report_descriptor_copy(nullptr, untouched));
-    EXPECT_EQ(untouched, Bytes{1});
+    const auto& info = plug("speakerphone").info();
+    for (const auto& [serialNumber, opens] : {std::pair{L"S0001", true}, {L"none", false}})
+        EXPECT_EQ(
+            KX::hid_open(info.vendorId, info.productId, serialNumber, KX::DescriptorFetch::Off)
+                != nullptr,
+            opens);
 }
 
-TEST(AnnouncedLength, StaysWithinTheBytesThereAre)
+TEST(AnnouncedLength, IsAbsentBeyondTheEntriesAndTheBytesThereAre)
 {
-    constexpr int none = -1;
-    for (const auto& [extra, expected] : {
-             std::pair{"09 21 11 01 00 01 22 11 01", 0x0111},
-             {"0c 21 11 01 00 02 23 05 00 22 40 00", 0x40},
-             {"09 21 11 01 00 00 22 11 01", none},
-             {"09 21 11 01 00 ff 23 11 01", none},
-             {"09 21 11 01 00 01 22 11", none},
-             {"09 21 11", none},
-             {"", none},
-         }) {
-        const auto length = KX::AnnouncedDescriptorLength(sim::fromHex(extra).value());
-        EXPECT_EQ(length ? int{*length} : none, expected) << extra;
-    }
+    for (const char* extra : {"09 21 11 01 00 00 22 11 01", "09 21 11 01 00 01 22 11", "09 21 11"})
+        EXPECT_FALSE(KX::AnnouncedDescriptorLength(sim::fromHex(extra).value())) << extra;
 }
 
 } // namespace

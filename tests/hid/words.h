@@ -3,6 +3,7 @@
 
 #include "tests/support/device_file.h"
 
+#include <map>
 #include <sstream>
 #include <string>
 
@@ -11,18 +12,13 @@
 template <typename Device, typename HandleReport>
 void perform(Device& device, const std::string& words, HandleReport handleReport)
 {
+    const std::map<std::string, void (Device::*)()> operations
+        = {{"ring", &Device::Ring}, {"offhook", &Device::OffHook}, {"hangup", &Device::HangUp},
+            {"mute", &Device::Mute}, {"unmute", &Device::Unmute}};
     std::istringstream stream(words);
     for (std::string word; stream >> word;) {
-        if (word == "ring")
-            device.Ring();
-        else if (word == "offhook")
-            device.OffHook();
-        else if (word == "hangup")
-            device.HangUp();
-        else if (word == "mute")
-            device.Mute();
-        else if (word == "unmute")
-            device.Unmute();
+        if (const auto found = operations.find(word); found != operations.end())
+            (device.*found->second)();
         else
             handleReport(test::bytesFromHex(word));
     }
