@@ -7,35 +7,28 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 using test::bytesFromHex;
 
 namespace {
 
-std::unique_ptr<KX::Root> Parsed(const KX::Bytes& descriptor)
-{
-    auto root = std::make_unique<KX::Root>();
-    root->Parse(descriptor);
-    return root;
-}
-
 // The mask of the control `usage` of a headset. Empty if it has none.
 KX::Bytes Input(const std::string& descriptor, uint32_t usage)
 {
+    KX::Root root;
+    root.Parse(bytesFromHex(descriptor));
     KX::Bytes found;
-    const bool there = Parsed(bytesFromHex(descriptor))->FindInput(0x0B, 0x05, usage, found);
-    return there ? found : KX::Bytes{};
+    (void)root.FindInput(0x0B, 0x05, usage, found);
+    return found;
 }
-
-struct Device {
-    const char* name;
-    // In hexadecimal: off-hook, mute, ring and hold LED; mute, hook, line busy and flash button.
-    const char* controls[8];
-};
 
 // clang-format off
 // Worked out by hand, not with this parser: each bit counted over all fields of its report, with
 // HID's own rules for usages and pages.
-constexpr Device kDevices[] = {
+//
+// Off-hook, mute, ring and hold LED; mute, hook, line busy and flash button.
+constexpr std::pair<const char*, std::array<const char*, 8>> kDevices[] = {
     {"046d-0944", {"", "08 01", "", "", "08 01", "08 02", "", ""}},
     {"046d-0ac4", {"", "", "", "", "", "", "", ""}},
     {"047f-02e6", {"24 01", "23 01", "21 01", "25 01", "20 02", "20 01", "", "20 04"}},
@@ -55,12 +48,13 @@ constexpr Device kDevices[] = {
 
 TEST(Descriptor, FindsTheControlsOfRealDevices)
 {
-    const auto& builtIn = KX::kBuiltInDescriptor;
     for (const auto& [name, expected] : kDevices) {
-        const KX::Bytes descriptor = std::string(name) == "built-in"
-            ? KX::Bytes(builtIn.begin(), builtIn.end())
-            : test::deviceDescriptor(name);
-        const auto found = KX::TelephonyControls::FromDescriptor(*Parsed(descriptor));
+        KX::Root root;
+        if (std::string(name) == "built-in")
+            root.Parse(KX::kBuiltInDescriptor);
+        else
+            root.Parse(test::deviceDescriptor(name));
+        const auto found = KX::TelephonyControls::FromDescriptor(root);
         const KX::Bytes controls[] = {found.offHookLedReport, found.muteLedReport,
             found.ringLedReport, found.holdLedReport, found.phoneMuteMask, found.hookSwitchMask,
             found.lineBusyMask, found.flashMask};
@@ -73,37 +67,24 @@ TEST(Descriptor, FindsTheControlsOfRealDevices)
 // The start of a headset's collection. Each usage gets one bit unless more items follow.
 #define ONE_BIT "050b 0905 a101 7501 9501 "
 
-struct Rule {
-    const char* what;
-    const char* descriptor;
-    uint32_t usage;
-    const char* input;
-};
-
-// Report ids, item sizes, and what stands twice or stays set: see the fuzzer's seeds.
-constexpr Rule kRules[] = {
-    {"13 bits make 2 bytes", ONE_BIT "9503 0920 0921 092f 8102 950a 8101 c0", 0x2F, "00 04 00"},
-    {"the first field with the usage counts", ONE_BIT "0920 8102 0920 8102 c0", 0x20, "00 01"},
-    {"one bit a usage, whatever the size", ONE_BIT "7504 9502 0920 0921 8102 c0", 0x21, "00 02"},
-    {"of too many usages the last ones count", ONE_BIT "0921 0920 8102 c0", 0x20, "00 01"},
-    {"with too few usages none counts", ONE_BIT "9502 0920 8102 c0", 0x20, ""},
-    {"features use up their usages", ONE_BIT "0920 b102 8102 c0", 0x20, ""},
-    {"a collection uses up its usage", ONE_BIT "0920 a102 8102 c0 c0", 0x20, ""},
-    {"fields of nested collections count", ONE_BIT "a102 0920 8102 c0 0921 8102 c0", 0x21, "00 02"},
-    {"another usage in between", "050b 0905 0901 a101 7501 9501 0920 8102 c0", 0x20, ""},
-    {"only the first of two usages", "050b 0905 0905 a101 7501 9501 0920 8102 c0", 0x20, ""},
-    {"the first id is for all before", ONE_BIT "0921 8102 8507 0920 8102 c0", 0x21, "07 01"},
-    {"data of four bytes", ONE_BIT "0b20000008 8102 c0", 0x08000020, "00 01"},
-    {"size and count between collections", "050b 0905 7501 9501 a101 0920 8102 c0", 0x20, ""},
-    {"an item cut off at the end is dropped", ONE_BIT "0920 81", 0x20, ""},
-    {"collections may stay open at the end", ONE_BIT "0920 8102", 0x20, "00 01"},
-    {"no report has a negative size", ONE_BIT "0920 8102 97ffffffff 7508 8102 c0", 0x20, ""},
-};
-
+// Report ids, sizes and nesting, and what stands twice or stays set, are in the fuzzer's seeds.
 TEST(Descriptor, FollowsItsRules)
 {
-    for (const auto& rule : kRules)
-        EXPECT_EQ(Input(rule.descriptor, rule.usage), bytesFromHex(rule.input)) << rule.what;
+    for (const auto& [what, descriptor, usage, input] :
+        {
+            std::tuple{"13 bits make 2 bytes", ONE_BIT "9503 0920 0921 092f 8102 950a 8101 c0",
+                0x2Fu, "00 04 00"},
+            {"the first field with the usage counts", ONE_BIT "0920 8102 0920 8102", 0x20, "00 01"},
+            {"of too many usages the last ones count", ONE_BIT "0921 0920 8102 c0", 0x20, "00 01"},
+            {"with too few usages none counts", ONE_BIT "9502 0920 8102 c0", 0x20, ""},
+            {"features use up their usages", ONE_BIT "0920 b102 8102 c0", 0x20, ""},
+            {"a collection uses up its usage", ONE_BIT "0920 a102 8102 c0 c0", 0x20, ""},
+            {"size and count outside collections", "050b 0905 7501 9501 a101 0920 8102", 0x20, ""},
+            {"an item cut off at the end is dropped", ONE_BIT "0920 81", 0x20, ""},
+            {"collections may stay open at the end", ONE_BIT "0920 8102", 0x20, "00 01"},
+            {"no report has a negative size", ONE_BIT "0920 8102 97ffffffff 7508 8102", 0x20, ""},
+        })
+        EXPECT_EQ(Input(descriptor, usage), bytesFromHex(input)) << what;
 }
 
 TEST(Descriptor, AReportLargerThanUsbCanDescribeIsNotFound)
@@ -117,36 +98,24 @@ TEST(Descriptor, AReportLargerThanUsbCanDescribeIsNotFound)
     EXPECT_TRUE(Input(many, 0x20).empty());
 }
 
+// The second collection starts with the page of its node again.
 TEST(Descriptor, DumpsByteForByte)
 {
-    const KX::Bytes bytes = bytesFromHex("050b 0905 a101 8503 7501 9502 0920 0921 8102 c0");
-    const std::string expected = "{\n"
-                                 "0x05, 0x0b, 0x09, 0x05, 0xa1, 0x01, 0x85, 0x03, "
-                                 "0x75, 0x01, 0x95, 0x02, 0x09, 0x20, 0x09, 0x21, \n"
-                                 "0x81, 0x02, 0xc0}\n"
-                                 "----------------Root(1)--------------:\n"
-                                 "UsagePage(04)(2) 0b:\n"
-                                 "\tUsage(08) 05:\n"
-                                 "\tCollection(1):\n"
-                                 "\t\tReportID:3\n"
-                                 "\t\tInputs:\n"
-                                 "\t\t\treport    id:\t3\n"
-                                 "\t\t\treport  size:\t1\n"
-                                 "\t\t\treport count:\t2\n"
-                                 "\t\t\tdata    type:\ti\n"
-                                 "\t\t\tusage   page:\t11\n"
-                                 "\t\t\tusage: 0x20 0x21 \n"
-                                 "\n"
-                                 "\t\tOutputs:\n"
-                                 "\n";
-    EXPECT_EQ(KX::DescriptorText(*Parsed(bytes), bytes), expected);
-}
-
-TEST(Descriptor, CollectionsStartWithThePageOfTheirNodeWhateverAnEarlierOneSet)
-{
-    const char* descriptor = "050b 0904 a101 0508 c0 0905 a101 7501 9501 0920 8102 c0";
-    const std::string dump = Parsed(bytesFromHex(descriptor))->Dump("");
-    EXPECT_NE(dump.find("usage   page:\t11\n"), std::string::npos) << dump;
+    const KX::Bytes bytes
+        = bytesFromHex("050b 0904 a101 0508 c0 0905 a101 8503 7501 9502 0920 0921 8102 c0");
+    const std::string expected
+        = "{\n"
+          "0x05, 0x0b, 0x09, 0x04, 0xa1, 0x01, 0x05, 0x08, 0xc0, 0x09, 0x05, 0xa1, "
+          "0x01, 0x85, 0x03, 0x75, \n0x01, 0x95, 0x02, 0x09, 0x20, 0x09, 0x21, 0x81, 0x02, 0xc0}\n"
+          "----------------Root(1)--------------:\nUsagePage(04)(4) 0b:\n"
+          "\tUsage(08) 04:\n\tCollection(1):\n\t\tReportID:0\n\t\tInputs:\n\t\tOutputs:\n"
+          "\tUsage(08) 05:\n\tCollection(1):\n\t\tReportID:3\n\t\tInputs:\n"
+          "\t\t\treport    id:\t3\n\t\t\treport  size:\t1\n\t\t\treport count:\t2\n"
+          "\t\t\tdata    type:\ti\n\t\t\tusage   page:\t11\n\t\t\tusage: 0x20 0x21 \n\n"
+          "\t\tOutputs:\n\n";
+    KX::Root root;
+    root.Parse(bytes);
+    EXPECT_EQ(KX::DescriptorText(root, bytes), expected);
 }
 
 } // namespace

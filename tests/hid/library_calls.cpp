@@ -28,8 +28,7 @@ int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int
 int libusb_control_transfer(libusb_device_handle* handle, uint8_t requestType, uint8_t request,
     uint16_t value, uint16_t index, unsigned char* data, uint16_t length, unsigned timeout)
 {
-    const bool forDescriptor = requestType == 0x81 && value == 0x2200;
-    if (forDescriptor && calls::beforeDescriptorRequest)
+    if (requestType == 0x81 && value == 0x2200)
         calls::beforeDescriptorRequest();
     return NEXT(libusb_control_transfer)(
         handle, requestType, request, value, index, data, length, timeout);

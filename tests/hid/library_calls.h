@@ -15,7 +15,7 @@ inline std::atomic<int> failedHidReads = 0;
 // libusb start theirs without.
 inline thread_local bool refuseThreads = false;
 
-// Called before each request for a report descriptor, if set.
-inline std::function<void()> beforeDescriptorRequest;
+// Called before each request for a report descriptor.
+inline std::function<void()> beforeDescriptorRequest = [] {};
 
 } // namespace calls

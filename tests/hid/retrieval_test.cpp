@@ -8,96 +8,74 @@
 
 namespace {
 
-constexpr const char* kUnavailable
-    = "         Report Descriptors: \n           ** UNAVAILABLE **\n";
-constexpr const char* kIncomplete = "          Warning: incomplete report descriptor\n";
+using Retrieval = BusTest;
 
-class Retrieval : public BusTest {
-protected:
-    // Returns what is retrieved and leaves in `printed_` what is printed.
-    Bytes retrieve(const std::string& path)
-    {
-        testing::internal::CaptureStdout();
-        Bytes bytes = KX::RetrieveReportDescriptor(path.c_str());
-        printed_ = testing::internal::GetCapturedStdout();
-        return bytes;
-    }
+// What is retrieved and what is printed.
+using Retrieved = std::pair<sim::Bytes, std::string>;
 
-    std::string printed_;
-};
-
-// The device's report descriptor with zeros after the first bytes.
-sim::Bytes Beginning(const sim::UsbDevice& device, ptrdiff_t length)
+Retrieved Retrieve(const char* path)
 {
-    sim::Bytes bytes = device.info().reportDescriptor;
-    std::fill(bytes.begin() + length, bytes.end(), uint8_t{0});
-    return bytes;
+    testing::internal::CaptureStdout();
+    sim::Bytes bytes = KX::RetrieveReportDescriptor(path);
+    return {std::move(bytes), testing::internal::GetCapturedStdout()};
 }
 
 TEST_F(Retrieval, ReadsTheAnnouncedLengthFromTheInterfaceThatEitherFormOfItsPathNames)
 {
-    const auto& first = plug("speakerphone");
+    auto& first = plug("speakerphone");
     sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
     info.interfaceNumber = 3;
     using Class = sim::ClassDescriptor;
     info.classDescriptors = {{Class::kPhysical, 7}, {Class::kReport, 2}, {Class::kReport, 9}};
     plug(info);
-    const Bytes second{info.reportDescriptor[0], info.reportDescriptor[1]};
-    EXPECT_EQ(retrieve("1-1:1.0"), first.info().reportDescriptor);
-    EXPECT_EQ(retrieve("1-2:1.3"), second);
-    EXPECT_EQ(retrieve("0001:0003:03"), second);
+    const Retrieved second({info.reportDescriptor[0], info.reportDescriptor[1]}, "");
+    EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved(first.info().reportDescriptor, ""));
+    EXPECT_EQ(Retrieve("1-2:1.3"), second);
+    EXPECT_EQ(Retrieve("0001:0003:03"), second);
     for (const char* other : {"1-3:1.0", "1-1:1.1", "1-1:2.0", "0001:0009:00", "", "1-1"})
-        EXPECT_EQ(retrieve(other), Bytes{}) << other;
-    EXPECT_EQ(printed_, "");
+        EXPECT_EQ(Retrieve(other), Retrieved()) << other;
     EXPECT_TRUE(first.driverBound() && !first.claimed());
+    first.faults().refuseDetach.arm(1);
+    EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved());
+    first.setOpenable(false);
+    EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved());
 }
 
-TEST_F(Retrieval, TriesFourTimesAndKeepsTheLongestAnswer)
+// The descriptor has zeros after the bytes that were received.
+TEST_F(Retrieval, ClaimsTheInterfaceAndTriesFourTimesKeepingTheLongestAnswer)
 {
     auto& device = plug("speakerphone");
     device.faults().shortenReportDescriptor.arm();
     constexpr int stall = -1;
+    const auto* incomplete = "          Warning: incomplete report descriptor\n";
     for (const auto& [answers, kept, printed] : {
              std::tuple{std::vector{stall, 20, stall, 273}, 273, ""},
              {{stall, stall, stall, stall}, 0, ""},
-             {{20, 10, 5, 5}, 20, kIncomplete},
+             {{20, 10, 5, 5}, 20, incomplete},
              {{5, 30, 10, 0}, 30, ""},
+             {{}, 0, "         Report Descriptors: \n           ** UNAVAILABLE **\n"},
          }) {
+        device.faults().refuseClaim.arm(answers.empty() ? 1 : 0);
         auto next = answers.begin();
         calls::beforeDescriptorRequest = [&, end = answers.end()] {
             ASSERT_NE(next, end);
             device.faults().stallReportDescriptor.arm(*next == stall ? 1 : 0);
             device.faults().shortLength = static_cast<size_t>(*next++);
         };
-        EXPECT_EQ(retrieve("1-1:1.0"), Beginning(device, kept));
-        EXPECT_EQ(printed_, printed);
+        Bytes expected = device.info().reportDescriptor;
+        std::fill(expected.begin() + kept, expected.end(), uint8_t{0});
+        EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved(expected, printed));
         EXPECT_EQ(next, answers.end());
         EXPECT_FALSE(device.claimed());
     }
-    calls::beforeDescriptorRequest = nullptr;
-}
-
-TEST_F(Retrieval, ReturnsZerosWithoutTheInterfaceAndNothingWithoutTheDevice)
-{
-    auto& device = plug("speakerphone");
-    device.faults().refuseClaim.arm(1);
-    EXPECT_EQ(retrieve("1-1:1.0"), Beginning(device, 0));
-    EXPECT_EQ(printed_, kUnavailable);
-    device.faults().refuseDetach.arm(1);
-    EXPECT_EQ(retrieve("1-1:1.0"), Bytes{});
-    device.setOpenable(false);
-    EXPECT_EQ(retrieve("1-1:1.0"), Bytes{});
-    EXPECT_EQ(printed_, "");
+    calls::beforeDescriptorRequest = [] {};
 }
 
 TEST_F(Retrieval, OpensBySerialNumber)
 {
-    const auto& info = plug("speakerphone").info();
-    for (const auto& [serialNumber, opens] : {std::pair{L"S0001", true}, {L"none", false}})
-        EXPECT_EQ(
-            KX::hid_open(info.vendorId, info.productId, serialNumber, KX::DescriptorFetch::Off)
-                != nullptr,
-            opens);
+    plug("speakerphone");
+    EXPECT_TRUE(KX::hid_open(0x1209, 1, L"S0001", KX::DescriptorFetch::Off));
+    EXPECT_FALSE(KX::hid_open(0x1209, 1, L"none", KX::DescriptorFetch::Off));
 }
 
 TEST(AnnouncedLength, IsAbsentBeyondTheEntriesAndTheBytesThereAre)

@@ -2,15 +2,13 @@
 #include "hid/CKXHostStackStdHid.h"
 #include "hid/model/ReadPause.h"
 #include "tests/hid/library_calls.h"
-#include "tests/hid/words.h"
 #include "tests/support/bus_test.h"
 
 #include <chrono>
 
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
+using namespace std::chrono;
 
 #define ON_HOOK "03 00 00; 03 00 00; 03 00 00; "
 
@@ -35,18 +33,11 @@ protected:
         return stack_->Open(this, device.info().vendorId, device.info().productId);
     }
 
-    // Reports are injected on the bus. The bus cannot tell when the stack is done with one, as
-    // hidapi queues them: wait for what a report causes.
-    void run(sim::UsbDevice& device, const std::string& words)
-    {
-        perform(*stack_, words, [&](const Bytes& report) {
-            EXPECT_TRUE(device.inject(report) && device.waitUntilRead());
-        });
-    }
-
+    // Call and mute.
     std::string states()
     {
-        return std::to_string(stack_->GetCallState()) + std::to_string(stack_->GetMuteState());
+        return "@" + std::to_string(stack_->GetCallState())
+            + std::to_string(stack_->GetMuteState());
     }
 
     static void expectClosed(const sim::UsbDevice& device, int exits)
@@ -62,47 +53,46 @@ protected:
 struct Row {
     const char* profile;
     int descriptorReads;
-    const char* words;
+    std::vector<sim::Bytes> presses; // after the stack was opened and rings
     const char* story;
-    const char* states; // call, mute
 };
 
-constexpr Row kRows[] = {
-    {"speakerphone", 1, "ring 030100 030800 0308 030800",
-        ON_HOOK "03 08 00; off-hook; 03 00 00; 03 01 00; mute; 03 05 00; unmute; 03 01 00; ", "22"},
-    {"built-in", 0, "ring 030000", ON_HOOK "03 08 00; hang-up; 03 00 00; 03 00 00; ", "10"},
-    {"led-per-report", 1, "ring 0802 0801",
-        "18 00; 17 00; 20 00; 18 01; off-hook; 18 00; 17 01; mute; 09 01; ", "21"},
-    {"no-out-endpoint", 1, "ring 0501 0502",
-        "05 00; 05 00; 05 00; 05 04; off-hook; 05 00; 05 01; mute; 05 03; ", "21"},
-    {"no-report-ids", 1, "ring 0100 0400",
-        "00 00 00; 00 00 00; 00 00 00; 00 04 00; off-hook; 00 00 00; 00 01 00; mute; 00 03 00; ",
-        "21"},
-    {"webcam", 1, "offhook mute unmute hangup ring", "", "10"},
+const Row kRows[] = {
+    {"speakerphone", 1, {{3, 1, 0}, {3, 8, 0}, {3, 8}, {3, 8, 0}},
+        ON_HOOK "03 08 00; off-hook; 03 00 00; 03 01 00; mute; 03 05 00; unmute; 03 01 00; @22"},
+    {"built-in", 0, {{3, 0, 0}}, ON_HOOK "03 08 00; hang-up; 03 00 00; 03 00 00; @10"},
+    {"led-per-report", 1, {{8, 2}, {8, 1}},
+        "18 00; 17 00; 20 00; 18 01; off-hook; 18 00; 17 01; mute; 09 01; @21"},
+    {"no-out-endpoint", 1, {{5, 1}, {5, 2}},
+        "05 00; 05 00; 05 00; 05 04; off-hook; 05 00; 05 01; mute; 05 03; @21"},
+    {"no-report-ids", 1, {{1, 0}},
+        "00 00 00; 00 00 00; 00 00 00; 00 04 00; off-hook; 00 00 00; 00 01 00; @20"},
+    {"webcam", 1, {{8, 1}}, "@10"},
 };
 
 TEST_F(Stack, DrivesEachKindOfDeviceFromOpenToClose)
 {
     for (const Row& row : kRows) {
-        SCOPED_TRACE(row.profile);
         auto& device = record(plug(row.profile));
         for (int time = 0; time < 2; ++time) {
             ASSERT_EQ(open(device), 1);
             EXPECT_EQ(device.counters().reportDescriptorReads, row.descriptorReads);
             EXPECT_FALSE(device.driverBound());
-            run(device, row.words);
+            stack_->Ring();
+            for (const Bytes& report : row.presses)
+                EXPECT_TRUE(device.inject(report) && device.waitUntilRead());
             std::string story = storyLike(row.story);
             const int exits = calls::hidExits;
             stack_->Close(); // a report too many would come before it returns
-            EXPECT_EQ(story += story_.take(), row.story);
-            EXPECT_EQ(states(), row.states);
+            story += story_.take() + states();
+            EXPECT_EQ(story, row.story) << row.profile;
             expectClosed(device, exits + 1);
         }
         device.unplug();
     }
 }
 
-TEST_F(Stack, ClosesADeviceWithoutDescriptorAndReopensItWithoutControls)
+TEST_F(Stack, ClosesTheDeviceWhenItHasNoDescriptorOrNoThreadStarts)
 {
     sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
     info.classDescriptors.emplace();
@@ -111,25 +101,18 @@ TEST_F(Stack, ClosesADeviceWithoutDescriptorAndReopensItWithoutControls)
     EXPECT_EQ(open(device), 0);
     EXPECT_GT(device.counters().claims, 0) << "it was open";
     expectClosed(device, exits + 1);
-    device.setOpenable(false);
-    EXPECT_EQ(open(device), 0);
-    EXPECT_EQ(states(), "00");
-    device.setOpenable(true);
-    EXPECT_EQ(open(device), 1);
-    run(device, "ring offhook mute hangup");
-    EXPECT_EQ(story_.take(), "");
-}
-
-TEST_F(Stack, ClosesTheDeviceWhenNoReaderThreadStarts)
-{
-    auto& device = record(plug());
-    const int exits = calls::hidExits;
-    calls::refuseThreads = true;
+    calls::refuseThreads = true; // from here on the device is known to have no controls
     EXPECT_EQ(open(device), 0);
     calls::refuseThreads = false;
-    expectClosed(device, exits + 1);
-    EXPECT_EQ(story_.take(), "");
+    expectClosed(device, exits + 3); // one from the stack before
+    device.setOpenable(false);
+    EXPECT_EQ(open(device), 0);
+    EXPECT_EQ(states(), "@00");
+    device.setOpenable(true);
     EXPECT_EQ(open(device), 1);
+    stack_->Ring();
+    stack_->OffHook();
+    EXPECT_EQ(story_.take(), "");
 }
 
 TEST_F(Stack, PausesLongerAfterEachReadOfAnUnpluggedDeviceAndClosesDuringAPause)
@@ -148,9 +131,10 @@ TEST_F(Stack, PausesLongerAfterEachReadOfAnUnpluggedDeviceAndClosesDuringAPause)
         device.unplug();
         EXPECT_TRUE(failed(8));
         EXPECT_GE(steady_clock::now() - unplugged, milliseconds(1 + 2 + 4 + 8 + 16 + 32 + 64));
-        EXPECT_EQ(states(), "30");
-        run(device, "offhook mute hangup");
-        EXPECT_EQ(states(), "11");
+        EXPECT_EQ(states(), "@30");
+        stack_->OffHook();
+        stack_->Mute();
+        EXPECT_EQ(states(), "@21");
         EXPECT_TRUE(failed(9)); // the longest pause begins
         const auto closing = steady_clock::now();
         stack_->Close();
@@ -169,8 +153,10 @@ TEST_F(Stack, SurvivesAnUnplugDuringPressesAndOperations)
                 device.unplug();
         });
         ASSERT_EQ(open(device), 1);
-        for (int i = 0; i < 30; ++i)
-            run(device, "offhook ring");
+        for (int i = 0; i < 30; ++i) {
+            stack_->OffHook();
+            stack_->Ring();
+        }
         stack_->Close();
     }
 }

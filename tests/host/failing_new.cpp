@@ -5,12 +5,11 @@
 
 void* operator new(size_t size)
 {
-    bool fails = false;
-    if (newFailure.callsLeft > 0 && --newFailure.callsLeft == 0) {
-        newFailure.callsLeft = newFailure.recovers ? 0 : 1;
-        newFailure.happened = fails = true;
-    }
-    void* const memory = fails ? nullptr : std::malloc(size ? size : 1);
+    if (newsLeft <= 0)
+        newsLeft = -1;
+    else
+        --newsLeft;
+    void* const memory = newsLeft >= 0 ? std::malloc(size ? size : 1) : nullptr;
     if (!memory)
         throw std::bad_alloc();
     return memory;

@@ -39,24 +39,15 @@ std::string LoadedFrom(const std::string& document)
 
 TEST(DeviceFilter, IgnoresConvertsOrRaisesAnErrorForWhatIsNotAList)
 {
-    for (const auto& [document, loaded] : {
-             std::pair{"{}", ""},
-             {"null", ""},
-             {R"({ "HID": null })", ""},
-             {"[]", "threw "},
-             {R"("text")", "threw "},
-             {R"({ "HID": [] })", "threw "},
-             {R"({ "HID": { "WhitelistVendorId": [ 1 ] } )", "refused "},
-         })
-        EXPECT_EQ(LoadedFrom(document), loaded) << document;
+    for (const char* empty : {"{}", "null", R"({ "HID": null })"})
+        EXPECT_EQ(LoadedFrom(empty), "") << empty;
+    for (const char* other : {"[]", R"("text")", R"({ "HID": [] })", R"({ "HID": 5 })"})
+        EXPECT_EQ(LoadedFrom(other), "threw ") << other;
     EXPECT_EQ(LoadedFrom(std::string(100'000, '[')), "refused ");
-
     for (const auto& [members, loaded] : {
-             std::pair{R"("WhitelistVendorId": null, "BlacklistDeviceName": "text")", ""},
-             {R"("WhitelistVendorId": 5, "BlacklistDeviceName": {})", ""},
+             std::pair{R"("WhitelistVendorId": 5, "BlacklistDeviceName": {})", ""},
              {R"("WhitelistVendorId": { "a": 1 })", "threw "},
              {R"("BlacklistDeviceName": { "a": "b" })", "threw "},
-             {R"("WhitelistVendorId": [ 77, "5", 88 ])", "threw vendor:77 "},
              {R"("WhitelistVendorId": [ 77, -1 ])", "threw vendor:77 "},
              {R"("WhitelistVendorId": [ 77, 4294967296 ])", "threw vendor:77 "},
              {R"("WhitelistVendorId": [ 3.7, true, null ])", "vendor:0 vendor:1 vendor:3 "},
@@ -64,10 +55,8 @@ TEST(DeviceFilter, IgnoresConvertsOrRaisesAnErrorForWhatIsNotAList)
              {R"("BlacklistDeviceName": [ "a", {} ])", "threw name:a "},
              // The vendor blacklist bounds both lists of pairs.
              {R"("WhitelistVidPid": [ 1 ], "BlacklistVidPid": 4)", ""},
-             {R"("WhitelistVidPid": [ 1, 2, 3 ], "BlacklistVidPid": [ 4 ],
-                 "BlacklistVendorId": [ "never", "read" ])",
-                 "white:1 white:2 black:0 black:4 "},
-             {R"("BlacklistVendorId": { "a": 1 }, "WhitelistVidPid": [ 1 ])", "white:1 black:0 "},
+             {R"("WhitelistVidPid": [ 1, 2 ], "BlacklistVendorId": [ "x" ])", "white:1 black:0 "},
+             {R"("BlacklistVendorId": { "a": 1 }, "BlacklistVidPid": [ 4 ])", "white:0 black:4 "},
              {R"("BlacklistVendorId": [ 1 ], "BlacklistVidPid": "text")", "threw white:0 "},
          })
         EXPECT_EQ(LoadedFrom(std::string(R"({ "HID": {)") + members + "} } // comment"), loaded)
@@ -104,18 +93,16 @@ TEST(LoadHidFilterConfig, AddsToTheProcessWideFilter)
 
 TEST(NameChecks, GoByKnownPartsAndTheLeadingNumber)
 {
-    for (const auto& [first, second, expected] : {
-             std::tuple{"2 Jabra SPEAK 510", "2- My Jabra SPEAK 510 USB", 0},
-             {"2 Jabra SPEAK 510", "3 Jabra SPEAK 510", 1},
-             {"Jabra SPEAK 510", "Jabra SPEAK 810", 1},
-             {"jabra speak 510", "jabra speak 510", 1},
-             {nullptr, "Revolabs", 1},
-             {"Revolabs", nullptr, 1},
-         }) {
-        uint8_t differs = 7;
-        IsSameConferenceDevice(first, second, &differs);
-        EXPECT_EQ(differs, expected) << (first ? first : "null");
-    }
+    const auto differs = [](const char* first, const char* second) {
+        uint8_t result = 7;
+        IsSameConferenceDevice(first, second, &result);
+        return result;
+    };
+    EXPECT_EQ(differs("2 Jabra SPEAK 510", "2- My Jabra SPEAK 510 USB"), 0);
+    EXPECT_EQ(differs("2 Jabra SPEAK 510", "3 Jabra SPEAK 510"), 1);
+    EXPECT_EQ(differs("Jabra SPEAK 510", "Jabra SPEAK 810"), 1);
+    EXPECT_EQ(differs("jabra speak 510", "jabra speak 510"), 1);
+    EXPECT_TRUE(differs(nullptr, "Revolabs") && differs("Revolabs", nullptr));
     EXPECT_TRUE(IsKnownSpeakerphone("a Revolabs b"));
     EXPECT_FALSE(IsKnownSpeakerphone("Logitech MeetUp") || IsKnownSpeakerphone(nullptr));
     EXPECT_TRUE(IsCaptureBox("XI100DUSB-HDMI Video"));
