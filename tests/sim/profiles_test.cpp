@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <set>
 
 namespace {
@@ -36,25 +35,6 @@ TEST(Profiles, EveryDescriptorFileHasAnOriginAndALicence)
             EXPECT_TRUE(file == "ORIGINS.md" || origins.find("| `" + file + "` |") != origins.npos)
                 << directory << file;
     }
-}
-
-TEST(Profiles, AFileThatIsMissingOrBrokenIsAnError)
-{
-    const test::TempDirectory directory;
-    setenv("KELPROBE_PROFILES", directory.path().c_str(), 1);
-    const auto error = [] {
-        try {
-            return std::string(sim::profiles().front().name);
-        } catch (const std::runtime_error& caught) {
-            return std::string(caught.what());
-        }
-    };
-    const std::string file = directory.path() + "speakerphone.hex";
-    EXPECT_EQ(error(), file + ": No such file or directory");
-    directory.file("speakerphone.hex", "# nothing\n");
-    EXPECT_EQ(error(), file + ":2:1: expected a descriptor, found no bytes");
-    unsetenv("KELPROBE_PROFILES");
-    EXPECT_EQ(error(), "speakerphone");
 }
 
 } // namespace

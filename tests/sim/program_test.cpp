@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -28,25 +29,15 @@ protected:
         fs::remove_all(directory_);
     }
 
-    // Starts it with arguments as for a shell. The one before must have ended.
-    void start(const std::string& arguments, const std::string& program = KELPROBE_SIM)
+    // Starts a shell command, which finds kelprobe-sim and sim-client. The one before must have
+    // ended. As every process inherits descriptor 3, the output ends when the last process does.
+    void start(const std::string& command)
     {
-        const std::string command
-            = "exec <" + fifo() + "; echo $$; exec " + program + ' ' + arguments;
-        output_ = popen(command.c_str(), "r");
+        const std::string script = "PATH=" KELPROBE_SIM_PATH ":$PATH; exec <" + fifo()
+            + " 3>&1; echo $$; exec " + command;
+        output_ = popen(script.c_str(), "r");
         input_ = fopen(fifo().c_str(), "w");
         pid_ = std::stoi(line());
-    }
-    // The client with the speakerphone, unless there are other profiles.
-    void startClient(const std::string& steps, const std::string& profiles = "")
-    {
-        start("run " + profiles + " -- " KELPROBE_SIM_CLIENT " " + steps);
-    }
-
-    void command(const std::string& text)
-    {
-        fprintf(input_, "%s\n", text.c_str());
-        fflush(input_);
     }
     void endInput() { input_ = freopen("/dev/null", "w", input_); }
 
@@ -59,6 +50,17 @@ protected:
         return std::string(text, strcspn(text, "\n"));
     }
 
+    // Gives each command, unless it is empty, and compares the next line of standard output.
+    void play(const std::vector<std::pair<std::string, std::string>>& steps)
+    {
+        for (const auto& [command, expected] : steps) {
+            if (!command.empty())
+                fprintf(input_, "%s\n", command.c_str());
+            fflush(input_);
+            EXPECT_EQ(line(), expected) << command;
+        }
+    }
+
     // Waits until it ends by itself.
     int exitStatus()
     {
@@ -66,6 +68,11 @@ protected:
         const int status = pclose(output_);
         fclose(input_);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    int run(const std::string& command)
+    {
+        start(command);
+        return exitStatus();
     }
 
     std::string fifo() const { return directory_ + "/in"; }
@@ -78,55 +85,77 @@ private:
     FILE* output_ = nullptr;
 };
 
+#define USAGE "usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]"
+
+TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
+{
+    for (const auto& [arguments, firstLine, status] : {
+             std::tuple{"--version", "kelprobe-sim " KELPROBE_VERSION, 0},
+             {"list", "speakerphone     1209:0001  speakerphone, all controls in report 3", 0},
+             {"help", USAGE, 0},
+             {"--help", USAGE, 0},
+             {"run webcam -h -- true", USAGE, 0},
+             {"run -- echo -h", "-h", 0},
+             {"", "kelprobe-sim: expected a command", 2},
+             {"lst", "kelprobe-sim: unknown command lst; did you mean list?", 2},
+             {"dance", "kelprobe-sim: unknown command dance", 2},
+             {"--versoin", "kelprobe-sim: unknown option --versoin; did you mean --version?", 2},
+             {"list all", "kelprobe-sim: list: unexpected argument all", 2},
+             {"run speakerphone", "kelprobe-sim: run: expected -- and a program", 2},
+             {"run --", "kelprobe-sim: run: expected -- and a program", 2},
+             {"run webcm -- p", "kelprobe-sim: unknown profile webcm; did you mean webcam?", 2},
+             {"run toaster -- p", "kelprobe-sim: unknown profile toaster", 2},
+             {"run --hlep -- p", "kelprobe-sim: unknown option --hlep; did you mean --help?", 2},
+         }) {
+        start(std::string("kelprobe-sim 2>&1 ") + arguments);
+        EXPECT_EQ(line(), firstLine);
+        EXPECT_EQ(exitStatus(), status) << arguments;
+    }
+    start("env KELPROBE_PROFILES=/proc kelprobe-sim list 2>&1");
+    EXPECT_EQ(line(), "kelprobe-sim: /proc/speakerphone.hex: No such file or directory");
+    EXPECT_EQ(exitStatus(), 1);
+}
+
 TEST_F(KelprobeSim, PrintsLedsAndPresses)
 {
-    startClient(
-        "open w 030000 w 030800 r 030100 w 030000 w 030100 r 030900 r 030100 w 030500 gone");
-    EXPECT_EQ(line(), "no change           03 00 00");
-    EXPECT_EQ(line(), "ring LED on         03 08 00");
-    command("hook");
-    EXPECT_EQ(line(), "hook switch off     03 01 00");
-    EXPECT_EQ(line(), "ring LED off        03 00 00");
-    EXPECT_EQ(line(), "off-hook LED on     03 01 00");
-    command("mute");
-    EXPECT_EQ(line(), "mute pressed        03 09 00");
-    EXPECT_EQ(line(), "mute released       03 01 00");
-    EXPECT_EQ(line(), "mute LED on         03 05 00");
-    endInput();
-    kill(pid_, SIGTERM);
-    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+    start("kelprobe-sim run -- sim-client open w 030000 w 030800 r 030100 w 030000 w 030100 "
+          "r 030900 r 030100 w 030500");
+    play({
+        {"", "no change           03 00 00"},
+        {"", "ring LED on         03 08 00"},
+        {"hook", "hook switch off     03 01 00"},
+        {"", "ring LED off        03 00 00"},
+        {"", "off-hook LED on     03 01 00"},
+        {"mute", "mute pressed        03 09 00"},
+        {"", "mute released       03 01 00"},
+        {"", "mute LED on         03 05 00"},
+    });
+    EXPECT_EQ(exitStatus(), 0);
 }
 
 TEST_F(KelprobeSim, AnswersEveryCommand)
 {
-    start("run speakerphone webcam -- sleep 60");
-    for (const auto& [words, answer] : {
-             std::pair{
-                 std::string("raw 01 02"), "1: raw report          01 02  (no program listens)"},
-             {" 1 : hook off ", "1: hook switch off     03 01 00  (no program listens)"},
-             {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
-             {"", "2: mute released       08 00  (no program listens)"}, // of the one before
-             {"2: flash", "2: the device has no such button"},
-             {"3: mute", "1: no such device"},
-             {"0: mute", "1: no such device"},
-             {"x: mute", "1: no such device"},
-             {"raw 0", "1: not understood: raw 0 (try help)"},
-             {std::string(300'000, 'x'), "1: not understood: line too long"},
-             {"dance", "1: not understood: dance (try help)"},
-             {"hook up", "1: not understood: hook up (try help)"},
-             {"fault claim x", "1: not understood: fault claim x (try help)"},
-             {"fault short", "1: not understood: fault short (try help)"},
-             {"fault write 3", "1: fault write 3"},
-             {"fault flood 65536", "1: fault flood 65536"},
-             {"fault flood 65537", "1: not understood: fault flood 65537 (try help)"},
-             {"fault none", "1: fault none"},
-             {"unplug", "1: unplugged"},
-             {"replug", "1: plugged in"},
-             {"help", R"(Commands, a line each; "2: mute" is for the second device:)"},
-         }) {
-        command(words);
-        EXPECT_EQ(line(), answer) << words;
-    }
+    start("kelprobe-sim run speakerphone webcam -- sleep 60");
+    play({
+        {"raw 01 02", "1: raw report          01 02  (no program listens)"},
+        {" 1 : hook off ", "1: hook switch off     03 01 00  (no program listens)"},
+        {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
+        {"", "2: mute released       08 00  (no program listens)"},
+        {"2: flash", "2: the device has no such button"},
+        {"3: mute", "1: no such device"},
+        {"0: mute", "1: no such device"},
+        {"x: mute", "1: no such device"},
+        {"raw 0", "1: not understood: raw 0 (try help)"},
+        {std::string(300'000, 'x'), "1: not understood: line too long"},
+        {"hook up", "1: not understood: hook up (try help)"},
+        {"fault claim x", "1: not understood: fault claim x (try help)"},
+        {"fault short", "1: not understood: fault short (try help)"},
+        {"fault flood 65536", "1: fault flood 65536"},
+        {"fault flood 65537", "1: not understood: fault flood 65537 (try help)"},
+        {"unplug", "1: unplugged"},
+        {"replug", "1: plugged in"},
+        {"help", R"(Commands, a line each; "2: mute" is for the second device:)"},
+    });
     kill(pid_, SIGTERM);
     EXPECT_EQ(exitStatus(), 128 + SIGTERM);
 }
@@ -139,31 +168,33 @@ TEST_F(KelprobeSim, FaultsReachTheProgram)
              {"open", "fail", "end"}, // the client is refused by the system, not by the device
              {"write 1", "x 030800 w 030800", "write refused       03 08 00"},
          }) {
-        startClient(std::string("open w 030000 r 01 ") + steps);
-        EXPECT_EQ(line(), "no change           03 00 00");
-        command(std::string("fault ") + fault);
-        command("raw 01");
-        EXPECT_EQ(line(), std::string("fault ") + fault);
-        EXPECT_EQ(line(), "raw report          01");
-        EXPECT_EQ(line(), printed);
+        start(std::string("kelprobe-sim run -- sim-client open w 030000 r 01 ") + steps);
+        play({
+            {"", "no change           03 00 00"},
+            {"fault stall", "fault stall"},
+            {"fault none", "fault none"},
+            {std::string("fault ") + fault, std::string("fault ") + fault},
+            {"raw 01", "raw report          01"},
+            {"", printed},
+        });
         EXPECT_EQ(exitStatus(), 0) << fault;
     }
 }
 
 TEST_F(KelprobeSim, ADeviceComesBack)
 {
-    startClient("open w 030000 gone open w 030800", "webcam speakerphone");
-    EXPECT_EQ(line(), "2: no change           03 00 00");
-    command("2: replug");
-    EXPECT_EQ(line(), "2: plugged in");
-    EXPECT_EQ(line(), "2: ring LED on         03 08 00");
+    start("kelprobe-sim run webcam speakerphone -- sim-client open w 030000 gone open w 030800");
+    play({
+        {"", "2: no change           03 00 00"},
+        {"2: replug", "2: plugged in"},
+        {"", "2: ring LED on         03 08 00"},
+    });
     EXPECT_EQ(exitStatus(), 0);
 }
 
 TEST_F(KelprobeSim, AKilledProgramLeavesTheDeviceUsable)
 {
-    start(
-        "run -- sh -c '" KELPROBE_SIM_CLIENT " open kill; " KELPROBE_SIM_CLIENT " open w 030800'");
+    start("kelprobe-sim run -- sh -c 'sim-client open kill; sim-client open w 030800'");
     endInput(); // which does not end the program
     EXPECT_EQ(line(), "ring LED on         03 08 00");
     EXPECT_EQ(exitStatus(), 0);
@@ -171,27 +202,48 @@ TEST_F(KelprobeSim, AKilledProgramLeavesTheDeviceUsable)
 
 TEST_F(KelprobeSim, EndsAsTheProgramDoes)
 {
-    for (const auto& [arguments, status] : {
-             std::pair{"run -- sh -c 'exit 37'", 37},
-             {"run -- sh -c 'kill -KILL $$'", 128 + SIGKILL},
-             {"run -- no-such-program", 127},
-             {"run -- /", 126},
-             {"run no-such-profile -- true", 2},
-             {"run speakerphone", 2},
-             {"lst", 2},
-         }) {
-        start(arguments);
-        EXPECT_EQ(exitStatus(), status) << arguments;
-    }
+    for (const auto& [command, status] : {
+             std::pair{"kelprobe-sim run -- sh -c 'exit 37'", 37},
+             {"env --ignore-signal=CHLD kelprobe-sim run -- sh -c 'exit 37'", 37},
+             {"kelprobe-sim run -- sh -c 'kill -KILL $$'", 128 + SIGKILL},
+             {"kelprobe-sim run -- no-such-program", 127},
+             {"kelprobe-sim run -- /", 126},
+         })
+        EXPECT_EQ(run(command), status) << command;
 }
 
 TEST_F(KelprobeSim, EndsTheProgramWhenASignalEndsIt)
 {
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-        startClient("open w 030000 gone");
+    for (const auto& [program, signal] : {
+             std::pair{"sim-client open w 030000 gone", SIGHUP},
+             {"sim-client open w 030000 gone", SIGINT},
+             {"sim-client open w 030000 gone", SIGQUIT},
+             {"sh -c 'sim-client open w 030000; sleep 1000'", SIGTERM},
+             {R"(sh -c 'trap "" TERM; sim-client open w 030000; sleep 1000')", SIGTERM},
+         }) {
+        start(std::string("kelprobe-sim run -- ") + program);
         EXPECT_EQ(line(), "no change           03 00 00");
         kill(pid_, signal);
-        EXPECT_EQ(exitStatus(), 128 + signal);
+        EXPECT_EQ(exitStatus(), 128 + signal) << program;
+    }
+}
+
+TEST_F(KelprobeSim, GivesTheProgramAnEnvironmentOfItsOwn)
+{
+    for (const char* const condition : {
+             R"($(grep -cE "^Sig(Blk|Ign):.*0{7}$" /proc/self/status) = 2)", // of those up to 28
+             R"($(readlink /proc/self/fd/0) = /dev/null)",
+             R"($(readlink /proc/$$/fd/1) = $(readlink /proc/$$/fd/2))",
+             R"($(cut -d" " -f5 /proc/$$/stat) = $$)", // leads its process group
+             R"(${LD_PRELOAD%%:/*} = libdl.so.2:libm.so.6)",
+             R"($(stat -c %a $UMOCKDEV_DIR) = 700)",
+             R"($(stat -Lc %a $UMOCKDEV_DIR/dev/bus/usb/001/*) = 600)",
+         }) {
+        EXPECT_EQ(run("env --ignore-signal=USR1 --block-signal=USR2 "
+                      "LD_PRELOAD=libdl.so.2:libm.so.6 kelprobe-sim run -- sh -c 'test "
+                      + std::string(condition) + "'"),
+            0)
+            << condition;
     }
 }
 
@@ -202,66 +254,22 @@ TEST_F(KelprobeSim, FindsItsLibraryUnderAPathThatLdPreloadCannotHold)
     fs::create_directory(copy);
     for (const fs::path file : {KELPROBE_SIM, KELPROBE_SIM_PRELOAD})
         fs::copy(file, copy / file.filename());
-    const std::string program = "'" + (copy / "kelprobe-sim").string() + "'";
-    const std::string arguments = "run -- grep -q kelprobe-sim-preload /proc/self/maps";
-    start(arguments, program);
-    EXPECT_EQ(exitStatus(), 0);
+    const std::string command = "'" + (copy / "kelprobe-sim").string()
+        + "' run -- grep -q kelprobe-sim-preload /proc/self/maps";
+    EXPECT_EQ(run(command), 0);
     setenv("TMPDIR", copy.c_str(), 1);
-    start(arguments, program);
-    EXPECT_EQ(exitStatus(), 1) << "a link below TMPDIR would be no better";
-}
-
-TEST_F(KelprobeSim, SaysWhatItIsOnStandardOutput)
-{
-    for (const auto& [arguments, first] : {
-             std::pair{"--version", "kelprobe-sim " KELPROBE_VERSION},
-             {"run --help", "usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]"},
-             {"list", "speakerphone     1209:0001  speakerphone, all controls in report 3"},
-         }) {
-        start(arguments);
-        EXPECT_EQ(line(), first);
-        EXPECT_EQ(exitStatus(), 0);
-    }
-}
-
-TEST_F(KelprobeSim, ABrokenProfileIsAnError)
-{
-    const test::TempDirectory directory;
-    directory.file("speakerphone.hex", "05 0");
-    start("list", "env KELPROBE_PROFILES=" + directory.path() + " " KELPROBE_SIM);
-    EXPECT_EQ(line(), "end");
-    EXPECT_EQ(exitStatus(), 1);
-}
-
-TEST_F(KelprobeSim, KeepsOtherUsersFromTheBus)
-{
-    start(R"(run -- sh -c 'test $(stat -c %a $UMOCKDEV_DIR) = 700 && )"
-          R"(test $(stat -Lc %a $UMOCKDEV_DIR/dev/bus/usb/001/*) = 600')");
-    EXPECT_EQ(exitStatus(), 0);
+    EXPECT_EQ(run(command), 1) << "a link below TMPDIR would be no better";
 }
 
 TEST_F(KelprobeSim, SaysThatTmpdirIsNoUse)
 {
-    const test::TempDirectory directory;
-    const std::string file = directory.file("file", "");
-    fs::permissions(file, fs::perms::all);
-    setenv("TMPDIR", file.c_str(), 1);
-    start("run -- true");
-    EXPECT_EQ(exitStatus(), 1) << "it is a file";
-
-    setenv("TMPDIR", directory.path().c_str(), 1);
+    EXPECT_EQ(run("env TMPDIR=/dev/null kelprobe-sim run -- true"), 1) << "it is no directory";
     const std::string inNamespace = "unshare --map-root-user --mount ";
-    const std::string mount = "mount -t tmpfs -o size=4k tmpfs " + directory.path();
+    const std::string mount = "mount -t tmpfs -o size=4k tmpfs $TMPDIR";
     if (std::system((inNamespace + mount).c_str()) != 0)
         GTEST_SKIP() << "mounting is not permitted";
-    start("run -- true", inNamespace + "sh -c '" + mount + R"( && "$@"' sh )" + KELPROBE_SIM);
-    EXPECT_EQ(exitStatus(), 1) << "there is no room in it";
-}
-
-TEST_F(KelprobeSim, KnowsTheStatusOfTheProgramWhereSigchldIsIgnored)
-{
-    start("run -- sh -c 'exit 37'", "env --ignore-signal=CHLD " KELPROBE_SIM);
-    EXPECT_EQ(exitStatus(), 37);
+    EXPECT_EQ(run(inNamespace + "sh -c '" + mount + " && kelprobe-sim run -- true'"), 1)
+        << "there is no room in it";
 }
 
 } // namespace
