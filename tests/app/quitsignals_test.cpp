@@ -8,27 +8,22 @@
 
 namespace {
 
-void repeatUntilKilled(int number)
-{
-    const QuitSignals signals;
-    for (;;)
-        raise(number);
-}
-
-// Two signals at once, before the event loop starts. Returns its exit status.
-int runEventLoop(int number)
-{
-    const QuitSignals signals;
-    raise(number);
-    raise(number);
-    return QCoreApplication::exec();
-}
-
 TEST(QuitSignals, QuitTheEventLoopAndLaterTheProcess)
 {
-    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
-        EXPECT_EXIT(std::_Exit(runEventLoop(number)), testing::ExitedWithCode(0), "");
-        EXPECT_EXIT(repeatUntilKilled(number), testing::KilledBySignal(number), "");
+    // Two signals at once, before the event loop starts.
+    const auto runEventLoop = [](int number) {
+        const QuitSignals signals;
+        raise(number);
+        raise(number);
+        std::_Exit(QCoreApplication::exec());
+    };
+    const auto repeat = [](int number) {
+        for (const QuitSignals signals;;)
+            raise(number);
+    };
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(runEventLoop(number), testing::ExitedWithCode(0), "");
+        EXPECT_EXIT(repeat(number), testing::KilledBySignal(number), "");
     }
 }
 
