@@ -26,32 +26,28 @@ protected:
     }
 };
 
-TEST_F(Devices, EachHasOneLineWithItsStrings)
+TEST_F(Devices, EachHasALineWithItsStringsThatSelectsItsId)
 {
     sim::UsbDeviceInfo info = sim::findProfile("webcam")->info;
-    for (const auto& [manufacturer, product] : {
-             std::pair{u"Maker", u"Phone"},
-             {u"", u"Phone"},
-             {u"M\u00fcller \U0001F3A4 <b>", u""},
+    for (const auto& [manufacturer, product, id] : {
+             std::tuple{u"Maker", u"Phone", uint16_t{3}},
+             {u"", u"Phone", uint16_t{3}},
+             {u"M\u00fcller \U0001F3A4 <b>", u"", uint16_t{4}},
          }) {
         info.manufacturer = manufacturer;
         info.product = product;
+        info.productId = id;
         plug(info);
     }
     DeviceManager manager;
     plug("led-per-report"); // not listed
-    QStringList lines = manager.deviceListModel()->stringList();
-    lines.sort(); // hidapi does not promise an order
-    EXPECT_EQ(lines.join(QStringLiteral("|")),
+    const QStringList lines = manager.deviceListModel()->stringList();
+    QStringList sorted = lines; // hidapi does not promise an order
+    sorted.sort();
+    EXPECT_EQ(sorted.join(QStringLiteral("|")),
         QStringLiteral("1209:0003 1-1:1.0 Maker Phone|1209:0003 1-2:1.0 Phone|"
-                       "1209:0003 1-3:1.0 M\u00fcller \U0001F3A4 <b> "));
-}
+                       "1209:0004 1-3:1.0 M\u00fcller \U0001F3A4 <b> "));
 
-TEST_F(Devices, SelectingARowSelectsTheIdOfItsLine)
-{
-    for (const char* profile : {"speakerphone", "webcam", "webcam"})
-        plug(profile);
-    DeviceManager manager;
     EXPECT_EQ(manager.deviceSelectedIndex(), 0) << "where the window starts";
     HidController::instance().selectDevice(QStringLiteral("none"));
     (void)log();
@@ -60,8 +56,7 @@ TEST_F(Devices, SelectingARowSelectsTheIdOfItsLine)
     EXPECT_EQ(log(), "");
     QString before = QStringLiteral("none");
     for (int row = 0; row < 3; ++row) {
-        const QString line = manager.deviceListModel()->stringList()[row];
-        const QString id = QStringLiteral("0x%1-HID-0x%2#").arg(line.left(4), line.mid(5, 4));
+        const QString id = QStringLiteral("0x1209-HID-0x%1#").arg(lines[row].mid(5, 4));
         manager.slt_onSelectDevice(row);
         const QString change = QStringLiteral("%1 KXHost Destroyed; %2 KXHost Created");
         // Rows of one vendor and product share a host.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -9,9 +10,11 @@ TEST(LogRecorder, KeepsEveryLineOfEveryThreadInItsOrder)
 {
     constexpr int kLines = 2500;
     LogRecorder recorder;
+    std::latch start(4);
     std::vector<std::jthread> threads;
     for (const char* name : {"a", "b", "c", "d"})
-        threads.emplace_back([&recorder, name] {
+        threads.emplace_back([&, name] {
+            start.arrive_and_wait();
             for (int i = 0; i < kLines; ++i)
                 recorder.append(QStringLiteral("%1 %2").arg(name).arg(i));
         });

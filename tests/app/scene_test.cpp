@@ -18,16 +18,11 @@
 
 namespace {
 
-// Messages of Qt. The scene has anchors on three children of a layout on purpose.
-int anchorWarnings = 0;
-QStringList otherMessages;
+QStringList messages; // of Qt
 
 void keepMessage(QtMsgType, const QMessageLogContext&, const QString& message)
 {
-    if (message.contains(u"Detected anchors on an item that is managed by a layout"))
-        ++anchorWarnings;
-    else
-        otherMessages.append(message);
+    messages.append(message);
 }
 
 class Scene : public BusTest {
@@ -56,8 +51,9 @@ protected:
         controller_.selectDevice(QStringLiteral("none"));
         LogRecorder::instance().toggleClearLog();
         qInstallMessageHandler(nullptr);
-        EXPECT_EQ(std::exchange(anchorWarnings, 0), 3);
-        EXPECT_EQ(std::exchange(otherMessages, {}), QStringList());
+        // The scene has anchors on three children of a layout on purpose.
+        EXPECT_EQ(messages.filter(QStringLiteral("Detected anchors on an item")).size(), 3);
+        EXPECT_EQ(std::exchange(messages, {}).size(), 3);
         BusTest::TearDown();
     }
 
@@ -176,14 +172,12 @@ protected:
         for (int i = 0; i < lines; ++i)
             LogRecorder::instance().append(QString(i % 3 * 60, QLatin1Char('w')));
     }
-    bool showsEnd(const std::string& count)
+    // Whether the last of so many lines is visible, at the latest after a time.
+    bool showsEnd(const std::string& count, int milliseconds = 5000)
     {
-        return text("id_line4.count") == count
-            && text("id_line4.indexAt(1, id_line4.contentY + id_line4.height - 1) + 1") == count;
-    }
-    bool comesToShowEnd(const std::string& count)
-    {
-        return QTest::qWaitFor([&] { return showsEnd(count); });
+        const char* const last = "id_line4.indexAt(1, id_line4.contentY + id_line4.height - 1) + 1";
+        return QTest::qWaitFor(
+            [&] { return text("id_line4.count") == count && text(last) == count; }, milliseconds);
     }
     // Moves the handle of the scroll bar by a share of the view's height.
     void dragHandle(double share)
@@ -202,11 +196,11 @@ TEST_F(LogView, FollowsItsEndUnlessTheUserHasScrolled)
     open();
     EXPECT_EQ(text("id_scroll_bar.visible"), "false");
     append(100);
-    EXPECT_TRUE(comesToShowEnd("100"));
+    EXPECT_TRUE(showsEnd("100"));
     EXPECT_EQ(text("id_scroll_bar.visible"), "true");
     window_->setHeight(300);
     EXPECT_TRUE(QTest::qWaitFor([&] { return value("id_line4.height").toInt() < 150; }));
-    EXPECT_TRUE(comesToShowEnd("100"));
+    EXPECT_TRUE(showsEnd("100"));
 
     const QPoint where = middle("id_line4");
     QWheelEvent wheelUp(where, window_->mapToGlobal(where), {}, {0, 240}, Qt::NoButton,
@@ -218,16 +212,16 @@ TEST_F(LogView, FollowsItsEndUnlessTheUserHasScrolled)
     EXPECT_TRUE(QTest::qWaitFor([&] { return text("id_line4.count") == "102"; }));
     QCoreApplication::processEvents();
     EXPECT_EQ(value("id_line4.contentY"), position);
-    EXPECT_FALSE(showsEnd("102"));
+    EXPECT_FALSE(showsEnd("102", 0));
 
     dragHandle(1);
     append(1);
-    EXPECT_TRUE(comesToShowEnd("103"));
+    EXPECT_TRUE(showsEnd("103"));
     dragHandle(-1);
-    EXPECT_FALSE(showsEnd("103"));
+    EXPECT_FALSE(showsEnd("103", 0));
     click("id_clearlog");
     append(50);
-    EXPECT_TRUE(comesToShowEnd("50"));
+    EXPECT_TRUE(showsEnd("50"));
 }
 
 TEST_F(Scene, AButtonShowsTheKeyboardFocusAndThePress)

@@ -16,21 +16,18 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Seeds = std::map<std::string, Bytes>; // by file name
 
-Bytes contents(const std::filesystem::path& path)
-{
-    if (path.extension() == ".hex")
-        return test::bytesFromHexFile(path);
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 Seeds seedsOf(char** directories, char** end)
 {
     Seeds seeds;
     for (; directories != end; ++directories)
-        for (const auto& entry : std::filesystem::directory_iterator(*directories))
-            if (entry.path().extension() != ".md")
-                seeds[entry.path().filename()] = contents(entry.path());
+        for (const std::filesystem::path& path :
+            std::filesystem::directory_iterator(*directories)) {
+            std::ifstream file(path, std::ios::binary);
+            if (path.extension() == ".hex")
+                seeds[path.filename()] = test::bytesFromHexFile(path);
+            else if (path.extension() != ".md")
+                seeds[path.filename()] = {std::istreambuf_iterator<char>(file), {}};
+        }
     return seeds;
 }
 

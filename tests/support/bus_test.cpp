@@ -46,12 +46,6 @@ sim::UsbDevice& BusTest::plug(std::string_view profile)
     return plug(found->info);
 }
 
-BusTest::Reports BusTest::outputs(sim::UsbDevice& device, size_t count)
-{
-    EXPECT_TRUE(device.waitForOutputs(count)) << "fewer than " << count << " output reports";
-    return device.takeOutputs();
-}
-
 sim::UsbDevice& BusTest::record(sim::UsbDevice& device)
 {
     device.setOutputCallback([this](const Bytes& report) { story_.add(sim::toHex(report)); });

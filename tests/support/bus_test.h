@@ -36,11 +36,7 @@ protected:
     sim::UsbDevice& plug(const sim::UsbDeviceInfo& info);
     sim::UsbDevice& plug(std::string_view profile = "speakerphone");
 
-    // Waits for `count` output reports and takes all that have arrived. On a time-out the test
-    // fails, and the reports that have arrived are taken.
-    static Reports outputs(sim::UsbDevice& device, size_t count);
-
-    // Adds each later output report of the device to story_. Returns the device.
+    // From now on each output report is an event of story_. Returns the device.
     sim::UsbDevice& record(sim::UsbDevice& device);
 
     // Waits until the story has as many events as `expected`, then takes it. On a time-out takes

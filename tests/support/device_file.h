@@ -30,34 +30,24 @@ inline std::vector<uint8_t> bytesFromHexFile(const std::filesystem::path& file)
     return bytesOf(report::readDescriptorFile(file));
 }
 
-// The files of all devices on the market, named "VVVV-PPPP.hex". Those that are profiles of the
-// simulator are in its folder, the others in the tests' data.
-inline std::vector<std::filesystem::path> deviceFiles()
-{
-    std::vector<std::filesystem::path> files;
-    for (const char* const directory : {KELPROBE_TEST_DEVICES, KELPROBE_TEST_PROFILES})
-        for (const auto& entry : std::filesystem::directory_iterator(directory))
-            if (entry.path().extension() == ".hex" && entry.path().stem().native().find('-') == 4)
-                files.push_back(entry.path());
-    return files;
-}
-
-// "VVVV-PPPP" of each.
+// "VVVV-PPPP" of every device on the market. Those that the simulator has as profiles are among its
+// profiles, the others among the tests' data.
 inline std::vector<std::string> deviceNames()
 {
     std::vector<std::string> names;
-    for (const auto& file : deviceFiles())
-        names.push_back(file.stem());
+    for (const char* const directory : {KELPROBE_TEST_DEVICES, KELPROBE_TEST_PROFILES})
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (entry.path().extension() == ".hex" && entry.path().stem().native().find('-') == 4)
+                names.push_back(entry.path().stem());
     return names;
 }
 
 // `name` is one of deviceNames().
 inline std::vector<uint8_t> deviceDescriptor(const std::string& name)
 {
-    for (const auto& file : deviceFiles())
-        if (file.stem() == name)
-            return bytesFromHexFile(file);
-    throw std::runtime_error("there is no file " + name + ".hex");
+    const std::string file = "/" + name + ".hex";
+    const bool isProfile = std::filesystem::exists(KELPROBE_TEST_PROFILES + file);
+    return bytesFromHexFile((isProfile ? KELPROBE_TEST_PROFILES : KELPROBE_TEST_DEVICES) + file);
 }
 
 } // namespace test
