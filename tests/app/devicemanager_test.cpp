@@ -39,8 +39,10 @@ TEST_F(Devices, EachHasALineWithItsStringsThatSelectsItsId)
         info.productId = id;
         plug(info);
     }
+    info.interfaceClass = 0xff; // not HID
+    plug(info);
     DeviceManager manager;
-    plug("led-per-report"); // not listed
+    plug("led-per-report"); // too late
     const QStringList lines = manager.deviceListModel()->stringList();
     QStringList sorted = lines; // hidapi does not promise an order
     sorted.sort();

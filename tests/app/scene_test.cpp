@@ -20,17 +20,14 @@ namespace {
 
 QStringList messages; // of Qt
 
-void keepMessage(QtMsgType, const QMessageLogContext&, const QString& message)
-{
-    messages.append(message);
-}
-
 class Scene : public BusTest {
 protected:
     // Shows the window as main() does.
     void open()
     {
-        qInstallMessageHandler(keepMessage);
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+            messages.append(message);
+        });
         devices_.emplace();
         engine_.emplace();
         QQmlContext* const context = engine_->rootContext();
