@@ -9,17 +9,12 @@
 
 namespace {
 
-// What devices and drivers are told apart by.
-TEST(Profiles, DifferInTheirIds)
+TEST(Profiles, DifferInTheirIdsAndBuiltInHasTheDescriptorThatKelprobeHas)
 {
     std::set<std::pair<uint16_t, uint16_t>> ids;
     for (const sim::Profile& profile : sim::profiles())
         EXPECT_TRUE(ids.emplace(profile.info.vendorId, profile.info.productId).second)
             << profile.name;
-}
-
-TEST(Profiles, BuiltInHasTheDescriptorThatKelprobeHas)
-{
     const sim::UsbDeviceInfo& info = sim::findProfile("built-in")->info;
     EXPECT_EQ(std::pair(info.vendorId, info.productId),
         std::pair(KX::kBuiltInVendorId, KX::kBuiltInProductId));
