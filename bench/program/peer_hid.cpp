@@ -8,10 +8,10 @@ namespace {
 
 void writeOnCommand(hid_device* device, int channel)
 {
-    const std::array<unsigned char, 3> lampsOff{3, 0, 0};
+    const std::array<unsigned char, 3> ledsOff{3, 0, 0};
     for (bench::Command command; bench::receive(channel, command);) {
         const int64_t begin = bench::now();
-        static_cast<void>(hid_write(device, lampsOff.data(), lampsOff.size()));
+        static_cast<void>(hid_write(device, ledsOff.data(), ledsOff.size()));
         bench::tell(channel, bench::Moment::Acted, begin);
     }
 }

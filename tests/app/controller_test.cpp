@@ -17,8 +17,8 @@ QString idOf(const char* profile)
     return QString::asprintf("0x%04x-HID-0x%04x#", info.vendorId, info.productId);
 }
 
-const QString kSpeakerphone = idOf("speakerphone");    // "A" in stories
-const QString kLampPerReport = idOf("led-per-report"); // "B"
+const QString kSpeakerphone = idOf("speakerphone");   // "A" in stories
+const QString kLedPerReport = idOf("led-per-report"); // "B"
 
 #define RING "03 08 00; "
 #define ONHOOK "03 00 00; 03 00 00; 03 00 00; "
@@ -34,7 +34,7 @@ protected:
         QObject::connect(lines, &QStringListModel::dataChanged, &here_, [=, this](auto row) {
             QString line = lines->data(row).toString();
             line.replace(kSpeakerphone, QStringLiteral("A"));
-            story_.add(line.replace(kLampPerReport, QStringLiteral("B")).toStdString());
+            story_.add(line.replace(kLedPerReport, QStringLiteral("B")).toStdString());
         });
     }
 
@@ -159,7 +159,7 @@ TEST_F(Controller, TheMeetingContinuesWithAnotherDeviceWithoutTheEventsOfTheOld)
     QMetaObject::invokeMethod(controller_.get(), "toggleRing", Qt::QueuedConnection);
     controller_->selectDevice(QStringLiteral("gone")); // a host is there, its device is not
     EXPECT_EQ(story_.take(), ONHOOK "A KXHost Destroyed; gone KXHost Created; ");
-    controller_->selectDevice(kLampPerReport);
+    controller_->selectDevice(kLedPerReport);
     EXPECT_EQ(story_.take(),
         "gone KXHost Destroyed; "
         "18 00; 17 00; 20 00; B KXHost Created; 18 00; 17 01; 09 01; ");

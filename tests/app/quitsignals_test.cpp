@@ -12,16 +12,18 @@ TEST(QuitSignals, QuitTheEventLoopAndLaterTheProcess)
 {
     // Two signals at once, before the event loop starts.
     const auto runEventLoop = [](int number) {
+        std::signal(number, SIG_DFL); // a shell ignores SIGINT in the background
         const QuitSignals signals;
         raise(number);
         raise(number);
         std::_Exit(QCoreApplication::exec());
     };
     const auto repeat = [](int number) {
+        std::signal(number, SIG_DFL);
         for (const QuitSignals signals;;)
             raise(number);
     };
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         EXPECT_EXIT(runEventLoop(number), testing::ExitedWithCode(0), "");
         EXPECT_EXIT(repeat(number), testing::KilledBySignal(number), "");
     }

@@ -19,6 +19,8 @@ protected:
     {
         ASSERT_EQ(mkfifo(fifo_.c_str(), 0600), 0);
         setenv("TMPDIR", directory_.path().c_str(), 1);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT}) // a shell may have started us otherwise
+            std::signal(signal, SIG_DFL);
     }
     void TearDown() override
     {
