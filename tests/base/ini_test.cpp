@@ -96,10 +96,10 @@ TEST(Ini, SetAddsOnlyWhenAskedToAndReplacedValuesTakeNoMemory)
     rusage before{};
     rusage after{};
     getrusage(RUSAGE_SELF, &before);
-    for (int i = 0; i < 20'000; ++i)
+    for (int i = 0; i < 100'000; ++i)
         ini.set("s", "a", std::string(10'000, static_cast<char>('a' + i % 26)), false);
     getrusage(RUSAGE_SELF, &after);
-    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 100'000); // KiB; all values take twice as much
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 500'000); // KiB; all values take twice as much
     EXPECT_EQ(contents(ini), ";h|[s]a=" + std::string(10'000, 'f') + "|b=2|;c|[t]=|");
     EXPECT_EQ(ini.key_names("s"), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(ini.key_count("s"), 2u);
