@@ -70,20 +70,18 @@ TEST(Descriptor, FindsTheControlsOfRealDevices)
 // Report ids, sizes and nesting, and what stands twice or stays set, are in the fuzzer's seeds.
 TEST(Descriptor, FollowsItsRules)
 {
-    for (const auto& [what, descriptor, usage, input] :
-        {
-            std::tuple{"13 bits make 2 bytes", ONE_BIT "9503 0920 0921 092f 8102 950a 8101 c0",
-                0x2Fu, "00 04 00"},
-            {"the first field with the usage counts", ONE_BIT "0920 8102 0920 8102", 0x20, "00 01"},
-            {"of too many usages the last ones count", ONE_BIT "0921 0920 8102 c0", 0x20, "00 01"},
-            {"with too few usages none counts", ONE_BIT "9502 0920 8102 c0", 0x20, ""},
-            {"features use up their usages", ONE_BIT "0920 b102 8102 c0", 0x20, ""},
-            {"a collection uses up its usage", ONE_BIT "0920 a102 8102 c0 c0", 0x20, ""},
-            {"size and count outside collections", "050b 0905 7501 9501 a101 0920 8102", 0x20, ""},
-            {"an item cut off at the end is dropped", ONE_BIT "0920 81", 0x20, ""},
-            {"collections may stay open at the end", ONE_BIT "0920 8102", 0x20, "00 01"},
-            {"no report has a negative size", ONE_BIT "0920 8102 97ffffffff 7508 8102", 0x20, ""},
-        })
+    for (const auto& [what, descriptor, usage, input] : {
+             std::tuple{"with too few usages none counts", ONE_BIT "9502 0920 8102", 0x20u, ""},
+             {"of too many usages the last ones count", ONE_BIT "0921 0920 8102", 0x20, "0001"},
+             {"features use up their usages", ONE_BIT "0920 b102 8102", 0x20, ""},
+             {"a collection uses up its usage", ONE_BIT "0920 a102 8102 c0 c0", 0x20, ""},
+             {"13 bits need 2 bytes", ONE_BIT "9503 0920 0921 092f 8102 950a 8101", 0x2F, "000400"},
+             {"one bit each, whatever the size", ONE_BIT "7504 9502 0920 0921 8102", 0x21, "0002"},
+             {"the first field with the usage counts", ONE_BIT "0920 8102 0920 8102", 0x20, "0001"},
+             {"size and count outside collections", "050b 0905 7501 9501 a101 0920 8102", 0x20, ""},
+             {"an item cut off at the end is dropped", ONE_BIT "0920 81", 0x20, ""},
+             {"no report has a negative size", ONE_BIT "0920 8102 97ffffffff 7508 8102", 0x20, ""},
+         })
         EXPECT_EQ(Input(descriptor, usage), bytesFromHex(input)) << what;
 }
 

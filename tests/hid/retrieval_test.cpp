@@ -73,9 +73,9 @@ TEST_F(Retrieval, ClaimsTheInterfaceAndTriesFourTimesKeepingTheLongestAnswer)
 
 TEST_F(Retrieval, OpensBySerialNumber)
 {
-    plug("speakerphone");
-    EXPECT_TRUE(KX::hid_open(0x1209, 1, L"S0001", KX::DescriptorFetch::Off));
-    EXPECT_FALSE(KX::hid_open(0x1209, 1, L"none", KX::DescriptorFetch::Off));
+    const auto& info = plug("speakerphone").info();
+    EXPECT_TRUE(KX::hid_open(info.vendorId, info.productId, L"S0001", KX::DescriptorFetch::Off));
+    EXPECT_FALSE(KX::hid_open(info.vendorId, info.productId, L"none", KX::DescriptorFetch::Off));
 }
 
 TEST(AnnouncedLength, IsAbsentBeyondTheEntriesAndTheBytesThereAre)

@@ -142,9 +142,10 @@ TEST(TelephonyStateMachine, LeavesOutTheMutingWhenTheCallEndsMeanwhile)
     EXPECT_EQ(recorder.Run("030800"), "@20 mute; @10 " ON_HOOK);
 }
 
-TEST(ReportTemplate, CombinesWithALongerReport)
+TEST(ReportTemplate, CombinesReportsOfDifferentSizes)
 {
     EXPECT_EQ(KX::Combined({3, 4}, {3, 1, 0x80}), (Bytes{3, 5}));
+    EXPECT_EQ(KX::Combined({3, 4, 0}, {3, 1}), (Bytes{3, 5, 0}));
 }
 
 } // namespace

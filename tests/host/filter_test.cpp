@@ -37,7 +37,7 @@ std::string LoadedFrom(const std::string& document)
     }
 }
 
-TEST(DeviceFilter, IgnoresConvertsOrRaisesAnErrorForWhatIsNotAList)
+TEST(DeviceFilter, LoadsListsAndIgnoresConvertsOrRaisesAnErrorForTheRest)
 {
     for (const char* empty : {"{}", "null", R"({ "HID": null })"})
         EXPECT_EQ(LoadedFrom(empty), "") << empty;
@@ -73,8 +73,6 @@ TEST(DeviceFilter, DefaultsFillEmptyListsOnceAndWholeOrNotAtAll)
         }
     };
     forEachAllocation(fill, [&] { EXPECT_EQ(Text(filter), ""); });
-    EXPECT_EQ(filter.VendorWhitelist().size(), 15u);
-
     KX::DeviceFilter preset;
     EXPECT_TRUE(preset.Load(R"({ "HID": { "WhitelistVendorId": [ 1 ] } })"));
     preset.FillDefaults();

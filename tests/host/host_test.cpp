@@ -6,8 +6,10 @@
 
 namespace {
 
+#define ON_HOOK "03 00 00; 03 00 00; 03 00 00; "
+
 constexpr auto kNoState = static_cast<KXState>(2);
-constexpr const char* kSpeakerphone = "0x1209-HID-0x0001#";
+constexpr const char* kSpeakerphone = "0x12ab-HID-0x0001#";
 
 class Host : public BusTest, protected IKXHostCallback {
 protected:
@@ -25,6 +27,15 @@ protected:
         BusTest::TearDown();
     }
 
+    // Plugs in a device with ids of its own and records its reports.
+    sim::UsbDevice& plugAs(uint16_t productId, const char* profile)
+    {
+        sim::UsbDeviceInfo info = sim::findProfile(profile)->info;
+        info.vendorId = 0x12ab;
+        info.productId = productId;
+        return record(plug(info));
+    }
+
     // The state's value; -1 when the host returns none.
     int get(KXState state)
     {
@@ -39,7 +50,7 @@ protected:
 // that follow, and the two states afterwards.
 TEST_F(Host, MapsStatesBothWays)
 {
-    auto& device = record(plug("speakerphone"));
+    auto& device = plugAs(1, "speakerphone");
     EXPECT_EQ(host_->IsSupported(), 0) << "no device yet";
     host_->SelectDevice(kSpeakerphone);
     EXPECT_EQ(host_->IsSupported(), 1);
@@ -49,7 +60,7 @@ TEST_F(Host, MapsStatesBothWays)
              std::tuple{KXState::Call, uint8_t{0}, "", "03 08 00; ", 0, -1},
              {KXState::Call, 255, "030000", "command 1; 03 00 00; 03 00 00; ", 2, -1},
              {KXState::Call, 0, "030100", "03 08 00; command 0; 03 00 00; 03 01 00; ", 1, -1},
-             {KXState::Call, 2, "", "03 00 00; 03 00 00; 03 00 00; ", 2, -1},
+             {KXState::Call, 2, "", ON_HOOK, 2, -1},
              {KXState::Call, 1, "", "03 00 00; 03 01 00; ", 1, -1},
              {KXState::Mute, 7, "", "03 05 00; ", 1, 1},
              {KXState::Mute, 0, "", "03 01 00; ", 1, 0},
@@ -68,27 +79,25 @@ TEST_F(Host, MapsStatesBothWays)
 
 TEST_F(Host, OneKeyOneStack)
 {
-    auto& device = record(plug("speakerphone"));
-    auto& other = record(plug("led-per-report"));
-    const auto* onHook = "03 00 00; 03 00 00; 03 00 00; ";
+    auto& device = plugAs(1, "speakerphone");
+    auto& other = plugAs(0xFACE, "led-per-report");
     for (const auto& [select, reports, call, ids] : {
-             std::tuple{kSpeakerphone, onHook, int{KXCallIdle}, 0x12090001u},
-             {kSpeakerphone, "", KXCallIdle, 0x12090001},
-             {nullptr, "", KXCallIdle, 0x12090001},
-             {"0x047f-HID-0xc056#a name", "18 00; 17 00; 20 00; ", KXCallIdle, 0x047fc056},
-             {"0x1209-HID-0x0001", "", -1, 0x047fc056},    // too short; the ids stay
+             std::tuple{kSpeakerphone, ON_HOOK, int{KXCallIdle}, 0x12ab0001u},
+             {kSpeakerphone, "", KXCallIdle, 0x12ab0001},
+             {nullptr, "", KXCallIdle, 0x12ab0001},
+             {"0x12AB-HID-0xFace#a name", "18 00; 17 00; 20 00; ", KXCallIdle, 0x12abface},
+             {"0x12ab-HID-0x0001", "", -1, 0x12abface},    // too short; the ids stay
              {"0xzzzz-HID-0xzzzz#", "", KXCallUnknown, 0}, // open failed, the stack is there
-             {kSpeakerphone, onHook, KXCallIdle, 0x12090001},
+             {kSpeakerphone, ON_HOOK, KXCallIdle, 0x12ab0001},
          }) {
         host_->SelectDevice(select);
         EXPECT_EQ(story_.take(), reports);
         EXPECT_EQ(get(KXState::Call), call);
-        EXPECT_EQ(device.claimed(), call == KXCallIdle && ids == 0x12090001);
-        EXPECT_EQ(other.claimed(), call == KXCallIdle && ids == 0x047fc056);
-        uint16_t vendor = 0;
-        uint16_t product = 0;
-        EXPECT_EQ(host_->GetDeviceId(&vendor, &product), 0);
-        EXPECT_EQ(KX::PackVidPid(vendor, product), ids);
+        EXPECT_EQ(device.claimed(), call == KXCallIdle && ids == 0x12ab0001);
+        EXPECT_EQ(other.claimed(), call == KXCallIdle && ids == 0x12abface);
+        std::pair<uint16_t, uint16_t> id;
+        EXPECT_EQ(host_->GetDeviceId(&id.first, &id.second), 0);
+        EXPECT_EQ(KX::PackVidPid(id.first, id.second), ids);
     }
     DestroyKXHost(std::exchange(host_, nullptr));
     EXPECT_FALSE(device.claimed() || other.claimed());
@@ -104,15 +113,13 @@ TEST_F(Host, WithoutMemoryNoneIsCreatedNoDeviceIsSelectedAndBothCanBeTriedAgain)
     EXPECT_NE(created, nullptr);
     DestroyKXHost(created);
 
-    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
-    info.productId = 0xFFFE; // of no other test, so that its descriptor is fetched
-    const auto& device = plug(info);
-    const auto select = [&] { host_->SelectDevice("0x1209-HID-0xfffe#"); };
+    auto& device = plugAs(3, "speakerphone"); // ids of no other test: its descriptor is fetched
+    const auto select = [&] { host_->SelectDevice("0x12ab-HID-0x0003#"); };
     forEachAllocation(select, [&] {
         EXPECT_EQ(get(KXState::Call), -1);
         EXPECT_TRUE(!device.claimed() && device.driverBound());
     });
-    EXPECT_EQ(get(KXState::Call), KXCallIdle);
+    EXPECT_EQ(outputs(device, 3).size(), 3u) << "it has its controls";
 }
 
 } // namespace
