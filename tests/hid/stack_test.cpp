@@ -99,7 +99,6 @@ TEST_F(Stack, ClosesTheDeviceWhenItHasNoDescriptorOrNoThreadStarts)
     auto& device = record(plug(info));
     const int exits = calls::hidExits;
     EXPECT_EQ(open(device), 0);
-    EXPECT_GT(device.counters().claims, 0) << "it was open";
     expectClosed(device, exits + 1);
     calls::refuseThreads = true; // from here on the device is known to have no controls
     EXPECT_EQ(open(device), 0);

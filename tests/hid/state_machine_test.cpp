@@ -56,8 +56,8 @@ public:
                 (machine.*found->second)();
             else
                 machine.HandleReport(sim::fromHex(word).value());
+            Add("");
         }
-        Add("");
         return story_;
     }
 
@@ -103,10 +103,10 @@ const Kind kKinds[] = {
     }},
     {"led-per-report", nullptr, { // a report for each LED; no line busy
         {"offhook", "mute unmute ring", "@21 09 01; @22 09 00; 18 01; @32 "},
-        {"offhook ring", "0802 0806", "@20 off-hook; 18 00; 17 01; "},
+        {"offhook ring", "0802 0806", "@30 @20 off-hook; 18 00; 17 01; "},
     }},
     {"webcam", nullptr, {{"", "offhook mute unmute ring 0801", "@20 mute; "}}}, // a Mute LED alone
-    {"no-telephony", nullptr, {{"", "offhook mute hangup ring 00", "@10 "}}},
+    {"no-telephony", nullptr, {{"", "offhook mute hangup ring 00", "@20 @10 "}}},
     {"speakerphone", &Controls::hasHookSwitch,
         {{"ring", "030100", "@10 hang-up; 03 00 00; 03 00 00; "},
         {"offhook ring", "031300", "@30 "}}},
@@ -114,7 +114,8 @@ const Kind kKinds[] = {
         {{"offhook ring", "031300", "@20 hang-up; 03 00 00; 03 01 00; "}}},
     {"speakerphone", &Controls::hasLineBusy, {{"offhook ring", "030300", "@30 "}}},
     {"speakerphone", &Controls::hasPhoneMute, {{"offhook", "030800", "@20 "}}},
-    {"speakerphone", &Controls::hasOffHookLed, {{"offhook", "ring hangup", "@10 03 00 00; 03 00 00; "}}},
+    {"speakerphone", &Controls::hasOffHookLed,
+        {{"offhook", "ring hangup", "@30 @10 03 00 00; 03 00 00; "}}},
     {"speakerphone", &Controls::hasHoldLed, {{"ring", "hangup", "@10 03 00 00; 03 00 00; "}}},
 };
 // clang-format on

@@ -63,7 +63,7 @@ TEST(DeviceFilter, LoadsListsAndIgnoresConvertsOrRaisesAnErrorForTheRest)
             << members;
 }
 
-TEST(DeviceFilter, DefaultsFillEmptyListsOnceAndWholeOrNotAtAll)
+TEST(DeviceFilter, DefaultsFillEmptyListsWholeOrNotAtAll)
 {
     KX::DeviceFilter filter;
     const auto fill = [&] {
@@ -101,11 +101,12 @@ TEST(NameChecks, GoByKnownPartsAndTheLeadingNumber)
     EXPECT_EQ(differs("Jabra SPEAK 510", "Jabra SPEAK 810"), 1);
     EXPECT_EQ(differs("jabra speak 510", "jabra speak 510"), 1);
     EXPECT_TRUE(differs(nullptr, "Revolabs") && differs("Revolabs", nullptr));
-    EXPECT_TRUE(IsKnownSpeakerphone("a Revolabs b"));
-    EXPECT_FALSE(IsKnownSpeakerphone("Logitech MeetUp") || IsKnownSpeakerphone(nullptr));
-    EXPECT_TRUE(IsCaptureBox("XI100DUSB-HDMI Video"));
-    EXPECT_FALSE(IsCaptureBox("XI100DUSB") || IsCaptureBox(nullptr));
-    EXPECT_STREQ(GetLegacyDeviceName(nullptr, nullptr), "Revolabs");
+    EXPECT_TRUE(IsKnownSpeakerphone("a Revolabs b") && IsCaptureBox("XI100DUSB-HDMI Video"));
+    EXPECT_FALSE(IsKnownSpeakerphone("Logitech MeetUp") || IsCaptureBox("XI100DUSB"));
+    EXPECT_FALSE(IsKnownSpeakerphone(nullptr) || IsCaptureBox(nullptr));
+    uint32_t capacity = 0;
+    EXPECT_STREQ(GetLegacyDeviceName(nullptr, &capacity), "Revolabs");
+    EXPECT_EQ(capacity, 32u);
 }
 
 } // namespace

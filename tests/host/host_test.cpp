@@ -8,7 +8,6 @@ namespace {
 
 #define ON_HOOK "03 00 00; 03 00 00; 03 00 00; "
 
-constexpr auto kNoState = static_cast<KXState>(2);
 constexpr const char* kSpeakerphone = "0x12ab-HID-0x0001#";
 
 class Host : public BusTest, protected IKXHostCallback {
@@ -65,7 +64,7 @@ TEST_F(Host, MapsStatesBothWays)
              {KXState::Mute, 7, "", "03 05 00; ", 1, 1},
              {KXState::Mute, 0, "", "03 01 00; ", 1, 0},
              {KXState::Call, 3, "030800", "state 0:1; 03 05 00; ", 1, 1},
-             {kNoState, 1, "030800", "state 0:0; 03 01 00; ", 1, 0},
+             {KXState(2), 1, "030800", "state 0:0; 03 01 00; ", 1, 0},
          }) {
         host_->SetState(state, &value);
         EXPECT_TRUE(!*press || device.inject(sim::fromHex(press).value()));
@@ -74,7 +73,7 @@ TEST_F(Host, MapsStatesBothWays)
     }
     host_->SetState(KXState::Call, nullptr);
     EXPECT_FALSE(host_->GetState(KXState::Call, nullptr));
-    EXPECT_EQ(get(kNoState), -1);
+    EXPECT_EQ(get(KXState(2)), -1);
 }
 
 TEST_F(Host, OneKeyOneStack)
