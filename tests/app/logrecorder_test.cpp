@@ -8,7 +8,7 @@
 
 TEST(LogRecorder, KeepsEveryLineOfEveryThreadInItsOrder)
 {
-    constexpr int kLines = 2500;
+    constexpr int kLines = 20000;
     LogRecorder recorder;
     std::latch start(4);
     std::vector<std::jthread> threads;
