@@ -18,18 +18,6 @@ using test::filesIn;
 constexpr uint32_t mebibyte = 1'048'576;
 constexpr const char* id_file = "sdk_log_file_id.txt";
 
-TEST(LogFileName, StampSuffixAndIndexArithmetic)
-{
-    EXPECT_STREQ(rkb::log_file_stamp({2026, 3, 14, 9, 5, 7, 1, 6}, 4711, 3).data(),
-        "20260314_090507_4711_sdk_3");
-    EXPECT_FALSE(rkb::log_file_suffix(1, std::string(250, 'x')));
-    for (const char* text : {"", " ", "-1", "7 8", "4294967296"})
-        EXPECT_FALSE(rkb::parse_log_file_id(text)) << text;
-    EXPECT_EQ(rkb::parse_log_file_id(" 4294967295 \r\n"), 4294967295u);
-    EXPECT_EQ(rkb::first_log_file_index(4294967295u, 10), 6u); // does not wrap before the modulo
-    EXPECT_EQ(rkb::first_log_file_index(3, 0), 0u);
-}
-
 class LoggerFile : public LogTest {
 protected:
     static uint32_t write(logger_file& sink, const std::string& line)
@@ -44,6 +32,18 @@ protected:
     }
 };
 
+TEST_F(LoggerFile, BeginsWithIndex0AfterAnIdThatIsNoNumber)
+{
+    EXPECT_EQ(stamp(3), "20260314_090507_" + std::to_string(getpid()) + "_sdk_3");
+    for (const char* id : {"", " ", "-1", "7 8", "4294967296"}) {
+        std::ofstream(directory() + id_file) << id;
+        logger_file sink(directory().c_str(), "n", "log", mebibyte, 9);
+        EXPECT_EQ(write(sink, "line\n"), 0u);
+        EXPECT_EQ(content(directory() + id_file), "0");
+    }
+    EXPECT_EQ(rkb::first_log_file_index(3, 0), 0u);
+}
+
 TEST_F(LoggerFile, RotatesBySizeAndDayInACircleOfIndices)
 {
     std::map<std::string, std::string> model;
@@ -54,13 +54,13 @@ TEST_F(LoggerFile, RotatesBySizeAndDayInACircleOfIndices)
         current = "name_" + stamp(index) + ".log";
         model[id_file] = std::to_string(index);
     };
-    std::ofstream(directory() + id_file) << "9\n";
+    std::ofstream(directory() + id_file) << " 4294967295 \r\n";
     logger_file sink(directory().c_str(), "name", "log", 1, 9);
     const auto write_line = [&](const std::string& line) {
         EXPECT_EQ(write(sink, line), 0u);
         model[current] += line;
     };
-    uint32_t index = 1; // (9 + 1) modulo 9
+    uint32_t index = 4; // (4294967295 + 1) modulo 9
     open(index);
     for (test_now.second = 0; test_now.second < 60; ++test_now.second) {
         if (test_now.second % 25 == 24) { // midnight, after more than a circle
@@ -109,27 +109,27 @@ TEST_F(LoggerFile, ConfigureTakesOnlyLimitsInRangeAndReportsOthers)
     Recorder sink;
     record_library(sink);
     logger_file file(directory().c_str(), "n", "log", 5 * mebibyte, 3);
-    // The limits, and what follows the function's name in the last line.
-    const std::tuple<uint32_t, uint32_t, const char*> cases[] = {
-        {1048576, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3"},
-        {1073741824, 99,
-            ", max_size = 1073741824, m_max_size = 1048576, max_idx = 99, m_max_idx = 9"},
-        {1048575, 9,
-            " size out of limitation, max_size = 1048575, MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = "
-            "1073741824] file[../src/log], line = [150]"},
-        {1073741825, 9, " size out of limitation, max_size = 1073741825, "},
-        {1048576, 8,
-            " index out of limitation, max_idx = 8, MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] "
-            "file[../src/log], line = [151]"},
-        {1048576, 100, " index out of limitation, max_idx = 100, "},
-        {1048576, 9, ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99"},
+    // The limits, and what is logged after the function's name.
+    const std::string sizes
+        = ", MIN_LOG_SIZE = 1048576, MAX_LOG_SIZE = 1073741824] file[../src/log], ";
+    const std::string indices
+        = ", MIN_LOG_IDX = 9, MAX_LOG_IDX = 99] file[../src/log], line = [151], ";
+    const std::tuple<uint32_t, uint32_t, std::string> cases[] = {
+        {1048576, 9, ", max_size = 1048576, m_max_size = 5242880, max_idx = 9, m_max_idx = 3, "},
+        {1073741824, 99, ", max_size = 1073741824, m_max_size = 1048576, "},
+        {1048575, 9, " size out of limitation, max_size = 1048575" + sizes + "line = [150], "},
+        {1073741825, 9, " size out of limitation, max_size = 1073741825" + sizes},
+        {1048576, 8, " index out of limitation, max_idx = 8" + indices},
+        {1048576, 100, " index out of limitation, max_idx = 100" + indices},
+        {1048576, 9,
+            ", max_size = 1048576, m_max_size = 1073741824, max_idx = 9, m_max_idx = 99, "},
     };
     for (const auto& [max_size, max_index, message] : cases) {
-        EXPECT_EQ(file.configure(max_size, max_index), *message == ' ' ? 8u : 0u);
+        EXPECT_EQ(file.configure(max_size, max_index), message[0] == ' ' ? 8u : 0u);
         const std::string line = messages_of(sink.lines.back());
-        EXPECT_NE(line.find(std::string("logger_file_base_t::configure") + message), line.npos);
-        EXPECT_EQ(line.starts_with("assert: msg["), *message == ' ');
-        EXPECT_TRUE(line.ends_with(", this = " + address_of(&file) + "\n")) << line;
+        EXPECT_NE(line.find("logger_file_base_t::configure" + message), line.npos);
+        EXPECT_EQ(line.starts_with("assert: msg["), message[0] == ' ');
+        EXPECT_TRUE(line.ends_with("this = " + address_of(&file) + "\n")) << line;
     }
 }
 
@@ -186,6 +186,7 @@ TEST_F(LoggerFile, AFullDiskLosesWholeLinesOnlyAndRawWritesGoAfterWhatTheStreamH
     const rlimit small{10, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
     EXPECT_EQ(write(sink, "second\n"), 0u);
+    EXPECT_EQ(logs_in(directory()), "first\n");
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(write(sink, "third\n"), 0u);
     EXPECT_EQ(logs_in(directory()), "first\nthird\n");

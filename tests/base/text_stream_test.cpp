@@ -140,11 +140,11 @@ TEST(TextStream, CutsTextSkipsStringsAndKeepsValuesWhole)
 TEST(TextStream, WithoutABufferIsEmpty)
 {
     char byte = 'x';
-    rkb::text_stream_t no_size(&byte, 0);
-    rkb::text_stream_t no_buffer(nullptr, 10);
-    no_size << "text" << 5 << 1.5 << true << "s"s;
-    no_buffer << "text" << 5 << 1.5 << true << "s"s;
-    EXPECT_EQ(no_size.text() + ("|"s + no_buffer.text()) + byte, "|x");
+    for (auto [buffer, size] : {std::pair<char*, size_t>{nullptr, 10}, {&byte, 0}}) {
+        rkb::text_stream_t stream(buffer, size);
+        stream << "text" << 5 << 1.5 << true << "s"s;
+        EXPECT_EQ(stream.text() + ("|"s + byte), "|x");
+    }
 }
 
 } // namespace
