@@ -91,7 +91,8 @@ TEST_F(LogTest, CodesAndNames)
         {c.set_sink(9, 32, nullptr), 2}, {c.set_sink(9, 0, nullptr), 5}, {c.set_flags(256, 0), 2},
         {c.set_flags(9, 0), 5}, {c.write(256, 0, "x", 1), 2}, {c.write(0, 32, "x", 1), 2},
         {c.write(9, 0, "x", 1), 5}, {c.set_level_name(32, "x"), 8}, {c.set_level_name(6, "SIX"), 0},
-        {c.register_module(0, "ZERO", 4, nullptr, 0), 0}, {c.unregister_module(0), 0}};
+        {c.set_level_name(7, nullptr), 0}, {c.register_module(0, "ZERO", 4, nullptr, 0), 0},
+        {c.unregister_module(0), 0}};
     for (const auto& [code, expected] : codes)
         EXPECT_EQ(code, expected) << &expected - &codes[0].second;
     std::string names;

@@ -71,6 +71,7 @@ TEST_F(LoggerFile, RotatesBySizeAndDayInACircleOfIndices)
         write_line(std::string(mebibyte, 'x')); // fills the file without exceeding it
         write_line("over\n");
         open(index = index == 9 ? 0 : index + 1);
+        ASSERT_EQ(content(directory() + id_file), model[id_file]);
     }
     model[current];                             // has no line yet
     EXPECT_TRUE(filesIn(directory()) == model); // without printing megabytes

@@ -71,10 +71,12 @@ TEST_F(MediaConfig, BuildsTheEnvironmentInOrder)
     EXPECT_EQ(environment(), "MIVOMEDIA_INI_PATH=" + m_path + "|"); // no such file
     write("[ENV]\nZ=~/z\nPATH=~/bin\nLD_LIBRARY_PATH=/lib/\nBIN=a~\nPATH2=/x\nEMPTY=\n");
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/run/bus", 1);
+    setenv("XDG_RUNTIME_DIR", "/run", 1);
     setenv("DISPLAY", ":1", 1);
     setenv("PULSE_RUNTIME_PATH", "", 1);
     setenv("PULSE_DIR", "d", 1);
-    const std::string end = "DISPLAY=:1|PULSE_DIR=d|PULSE_RUNTIME_PATH=|DBUS_SESSION_BUS_ADDRESS="
+    const std::string end = "DISPLAY=:1|XDG_RUNTIME_DIR=/"
+                            "run|PULSE_DIR=d|PULSE_RUNTIME_PATH=|DBUS_SESSION_BUS_ADDRESS="
                             "unix:path=/run/bus|MIVOMEDIA_INI_PATH="
         + m_path + "|";
     EXPECT_EQ(environment(),
