@@ -93,7 +93,6 @@ TEST(Ini, SetAddsOnlyWhenAskedToAndReplacedValuesTakeNoMemory)
     EXPECT_FALSE(ini.set("t", "", "3", false));
     EXPECT_FALSE(ini.set("s", "c", "3", false));
     EXPECT_TRUE(ini.set("t", "", "", true));
-    const std::string text = std::string(29'999, 'v') + "w";
     rusage before{};
     rusage after{};
     getrusage(RUSAGE_SELF, &before);
