@@ -118,7 +118,7 @@ TEST_F(Host, WithoutMemoryNoneIsCreatedNoDeviceIsSelectedAndBothCanBeTriedAgain)
         EXPECT_EQ(get(KXState::Call), -1);
         EXPECT_TRUE(!device.claimed() && device.driverBound());
     });
-    EXPECT_EQ(outputs(device, 3).size(), 3u) << "it has its controls";
+    EXPECT_TRUE(device.waitForOutputs(3)) << "it has its controls";
 }
 
 } // namespace
