@@ -95,7 +95,7 @@ void TelephonyStateMachine::ToggleMute()
 void TelephonyStateMachine::HandleIncomingCall(std::span<const uint8_t> report)
 {
     if (controls_.hasHookSwitch && Matches(controls_.hookSwitchMask, report))
-        AnswerCall();
+        ContinueCall(Event::OffHook);
     else
         RejectCall();
 }
@@ -106,16 +106,17 @@ void TelephonyStateMachine::HandleWaitingCall(std::span<const uint8_t> report)
     if (!controls_.hasHookSwitch || !Matches(controls_.hookSwitchMask, report))
         return;
     if (controls_.hasFlash && Matches(controls_.flashMask, report))
-        AnswerCall();
+        ContinueCall(Event::OffHook);
     else if (controls_.hasLineBusy && Matches(controls_.lineBusyMask, report))
-        RefuseWaitingCall();
+        ContinueCall(Event::HangUp);
 }
 
-void TelephonyStateMachine::AnswerCall()
+// After an answer, and after a waiting call was refused: then the earlier call continues.
+void TelephonyStateMachine::ContinueCall(Event event)
 {
     callState_ = kCallActive;
     hookState_ = kOffHook;
-    output_.Notify(Event::OffHook);
+    output_.Notify(event);
     Send(leds_.ringOff);
     Send(leds_.offHookOn);
 }
@@ -127,16 +128,6 @@ void TelephonyStateMachine::RejectCall()
     output_.Notify(Event::HangUp);
     Send(leds_.ringOff);
     Send(leds_.offHookOff);
-}
-
-// The earlier call continues.
-void TelephonyStateMachine::RefuseWaitingCall()
-{
-    callState_ = kCallActive;
-    hookState_ = kOffHook;
-    output_.Notify(Event::HangUp);
-    Send(leds_.ringOff);
-    Send(leds_.offHookOn);
 }
 
 void TelephonyStateMachine::Send(const Bytes& report)

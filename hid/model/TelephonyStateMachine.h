@@ -70,9 +70,8 @@ private:
     void ToggleMute();
     void HandleIncomingCall(std::span<const uint8_t> report);
     void HandleWaitingCall(std::span<const uint8_t> report);
-    void AnswerCall();
+    void ContinueCall(Event event);
     void RejectCall();
-    void RefuseWaitingCall();
     void Send(const Bytes& report);
 
     Output& output_;
