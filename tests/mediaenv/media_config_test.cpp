@@ -55,7 +55,10 @@ TEST_F(MediaConfig, ReturnsWhatTheFileSaysWithinItsRangesElseDefaults)
     const std::pair<std::string, std::string> limits[] = {{"-1", "2|10|1|"}, {"0", "2|10|0|"},
         {"1", "1|1|1|"}, {"999", "999|999|1|"}, {"1000", "1000|10|1|"}, {"true", "2|10|0|"}};
     for (const auto& [n, answer] : limits) {
-        write("[LOG]\nMAX_FILE_COUNT=" + n + "\nMAX_FILE_SIZE=" + n + "\nROTATION=" + n);
+        std::string text = "[LOG]";
+        for (const char* key : {"\nMAX_FILE_COUNT=", "\nMAX_FILE_SIZE=", "\nROTATION="})
+            text.append(key).append(n);
+        write(text);
         EXPECT_EQ(answers(), "||||||0|0|0|0|" + answer) << n;
     }
     // The home is filled into the path for the child process only.
