@@ -140,6 +140,18 @@ TEST_F(Stack, PausesLongerAfterEachReadOfAnUnpluggedDeviceAndClosesDuringAPause)
     EXPECT_EQ(story_.take(), "");
 }
 
+TEST_F(Stack, AnswersPressesWithoutASink)
+{
+    auto& device = record(plug("speakerphone"));
+    stack_ = std::make_unique<KX::CKXHostStackStdHid>(cache_);
+    ASSERT_EQ(stack_->Open(nullptr, device.info().vendorId, device.info().productId), 1);
+    stack_->Ring();
+    (void)story_.take();
+    ASSERT_TRUE(device.inject({3, 1, 0}));
+    const std::string answer = "03 00 00; 03 01 00; ";
+    EXPECT_EQ(storyLike(answer), answer);
+}
+
 TEST_F(Stack, SurvivesAnUnplugDuringPressesAndOperations)
 {
     for (size_t round = 0; round < 10; ++round) {
