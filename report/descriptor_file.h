@@ -7,13 +7,11 @@
 // bytes.
 #pragma once
 
+#include "report/bytes.h"
+
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
-#include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 namespace report {
 
@@ -23,7 +21,7 @@ inline constexpr size_t kMaxDescriptorSize = 65'535;
 // Longer files are refused. Allows 64 characters for each byte of the longest descriptor.
 inline constexpr size_t kMaxFileSize = 4 * 1024 * 1024;
 
-using DescriptorBytes = std::vector<uint8_t>; // 1 to kMaxDescriptorSize
+using DescriptorBytes = Bytes; // 1 to kMaxDescriptorSize
 
 struct DescriptorError {
     // One line. "FILE:LINE:COLUMN: expected ..., found ..." for a text with an error (line and

@@ -1,7 +1,7 @@
 #include "sim/console/command_line.h"
 
 #include "sim/console/console.h"
-#include "sim/console/suggestion.h"
+#include "tools/text/suggestion.h"
 
 #include <algorithm>
 
@@ -25,11 +25,11 @@ bool asksForHelp(std::string_view word)
 UsageError unknown(
     const char* kind, std::string_view word, std::span<const std::string_view> candidates)
 {
-    std::string text = std::string("unknown ") + kind + ' ' + std::string(word);
-    const std::string_view suggestion = nearest(word, candidates);
+    std::string error = std::string("unknown ") + kind + ' ' + std::string(word);
+    const std::string_view suggestion = text::nearest(word, candidates);
     if (!suggestion.empty())
-        text += "; did you mean " + std::string(suggestion) + '?';
-    return {text};
+        error += "; did you mean " + std::string(suggestion) + '?';
+    return {error};
 }
 
 UsageError unknownProfile(std::string_view name)

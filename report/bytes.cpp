@@ -1,16 +1,16 @@
-#include "sim/device/wire_bytes.h"
+#include "report/bytes.h"
 
 #include <charconv>
 
-namespace sim {
+namespace report {
 
-std::string toHex(std::span<const uint8_t> bytes)
+std::string toHex(std::span<const uint8_t> bytes, std::string_view separator)
 {
     constexpr std::string_view digits = "0123456789abcdef";
     std::string text;
     for (const uint8_t byte : bytes) {
         if (!text.empty())
-            text += ' ';
+            text += separator;
         text += digits[byte >> 4];
         text += digits[byte & 0xf];
     }
@@ -37,4 +37,4 @@ std::optional<Bytes> fromHex(std::string_view text)
     return bytes;
 }
 
-} // namespace sim
+} // namespace report

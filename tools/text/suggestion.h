@@ -4,10 +4,10 @@
 #include <span>
 #include <string_view>
 
-namespace sim {
+namespace text {
 
 // Returns the candidate that takes the fewest changed, added and removed characters to get from
 // `word`, the first of several; empty if none takes fewer than half of its characters. Pure.
 std::string_view nearest(std::string_view word, std::span<const std::string_view> candidates);
 
-} // namespace sim
+} // namespace text

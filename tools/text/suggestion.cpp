@@ -1,10 +1,10 @@
-#include "sim/console/suggestion.h"
+#include "tools/text/suggestion.h"
 
 #include <algorithm>
 #include <numeric>
 #include <vector>
 
-namespace sim {
+namespace text {
 namespace {
 
 // The Levenshtein distance, row by row: cost[i] is that of the first i characters of `to`.
@@ -39,4 +39,4 @@ std::string_view nearest(std::string_view word, std::span<const std::string_view
     return best;
 }
 
-} // namespace sim
+} // namespace text

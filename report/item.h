@@ -1,0 +1,61 @@
+// The items of a report descriptor (USB Device Class Definition for HID 1.11, 6.2.2). Pure.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace report {
+
+// Prefixes of short items without their two size bits.
+enum class ItemTag : uint8_t {
+    kInput = 0x80,
+    kOutput = 0x90,
+    kCollection = 0xA0,
+    kFeature = 0xB0,
+    kEndCollection = 0xC0,
+
+    kUsagePage = 0x04,
+    kLogicalMinimum = 0x14,
+    kLogicalMaximum = 0x24,
+    kPhysicalMinimum = 0x34,
+    kPhysicalMaximum = 0x44,
+    kUnitExponent = 0x54,
+    kUnit = 0x64,
+    kReportSize = 0x74,
+    kReportId = 0x84,
+    kReportCount = 0x94,
+    kPush = 0xA4,
+    kPop = 0xB4,
+
+    kUsage = 0x08,
+    kUsageMinimum = 0x18,
+    kUsageMaximum = 0x28,
+    kDesignatorIndex = 0x38,
+    kDesignatorMinimum = 0x48,
+    kDesignatorMaximum = 0x58,
+    kStringIndex = 0x78,
+    kStringMinimum = 0x88,
+    kStringMaximum = 0x98,
+    kDelimiter = 0xA8,
+
+    kLong = 0xFC, // the prefix of a long item, 0xFE, without its size bits
+};
+
+struct Item {
+    ItemTag tag;                    // may have a value without an enumerator: those are reserved
+    size_t offset;                  // of the prefix, from the descriptor's start
+    std::span<const uint8_t> bytes; // all bytes of the item; they belong to the descriptor
+    std::span<const uint8_t> data;  // those after the prefix, of a long item after its tag
+    uint32_t value;                 // `data` as a little-endian number; 0 for a long item
+    int32_t signedValue;            // the same as a number with a sign
+    // The descriptor ends before the item does. `bytes` and `data` are what there is of it; such an
+    // item has no effect. Only the last item can be truncated.
+    bool truncated;
+};
+
+// Splits a descriptor into its items. Takes any bytes; every byte is part of one item.
+[[nodiscard]] std::vector<Item> splitItems(std::span<const uint8_t> descriptor);
+
+} // namespace report

@@ -1,0 +1,18 @@
+// kelprobectl: shows, explains and checks the call controls of USB HID devices.
+#include "app/standardstreams.h"
+#include "tools/ctl/cli/command.h"
+
+#include <array>
+
+namespace {
+
+// In the order of --help.
+constexpr std::array<ctl::AddCommand, 0> kCommands{};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    protectStandardStreams();
+    return ctl::runCommandLine(argc, argv, kCommands);
+}
