@@ -1,4 +1,5 @@
 #include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/command_model.h"
 #include "tools/ctl/cli/output.h"
 #include "tools/text/suggestion.h"
 
@@ -65,6 +66,25 @@ int printRequested(const CLI::App& app, const CLI::ParseError& request)
     return kFine;
 }
 
+// A hidden command that the build runs: prints a completion or the man page.
+void addGenerateCommand(CLI::App& app, Run& run)
+{
+    static constexpr std::pair<const char*, std::string (*)(const CommandModel&)> kinds[]
+        = {{"bash", bashCompletion}, {"zsh", zshCompletion}, {"fish", fishCompletion},
+            {"man", manPage}};
+    CLI::App* const command = app.add_subcommand("generate", "Print a completion or the man page");
+    command->group("")->require_subcommand(1);
+    for (const auto& [name, generate] : kinds)
+        command->add_subcommand(name)->callback([&app, &run, generate = generate] {
+            run = [&app, generate] {
+                std::string text = generate(modelOf(app));
+                text.pop_back(); // line() adds the last line end
+                Output::out().line(text);
+                return kFine;
+            };
+        });
+}
+
 int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
 {
     CLI::App app("Shows, explains and checks the call controls of USB HID devices.", "kelprobectl");
@@ -75,6 +95,7 @@ int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
     Run run;
     for (const AddCommand add : commands)
         add(app, run);
+    addGenerateCommand(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,123 @@
+// What the commands of kelprobectl have in common.
+#include "tests/support/temp_directory.h"
+#include "tools/ctl/cli/command_model.h"
+#include "tools/ctl/cli/output_file.h"
+
+#include <cstdio>
+
+namespace {
+
+// Prints the standard output of a shell command.
+std::string outputOf(const std::string& command)
+{
+    FILE* const pipe = popen(command.c_str(), "r");
+    std::string text;
+    for (int c = 0; (c = fgetc(pipe)) != EOF;)
+        text += static_cast<char>(c);
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return text;
+}
+
+class Generated : public testing::Test {
+protected:
+    Generated()
+    {
+        app_.set_version_flag("--version", "1");
+        CLI::App* const list = app_.add_subcommand("list", "Show [all]: the user's devices");
+        list->add_flag("--json", flag_, "Print JSON");
+        list->footer("Example: kelprobectl list \\ .\n'quoted'");
+        CLI::App* const convert = app_.add_subcommand("convert", "Convert it");
+        convert->add_option("FILE", unused_, "A recording")->required();
+        convert->add_option("-p,--pcap", unused_, "The capture")->type_name("FILE");
+        app_.add_subcommand("internal", "Not for users")->group("");
+    }
+
+    std::string write(const std::string& name, const std::string& text)
+    {
+        EXPECT_EQ(text.find("internal"), std::string::npos);
+        return directory_.file(name, text);
+    }
+
+    // What bash offers for the last of these words.
+    std::string offered(const std::string& words)
+    {
+        const std::string file = write("bash", ctl::bashCompletion(ctl::modelOf(app_)));
+        return outputOf("cd " + directory_.path() + " && bash -c 'source " + file + "; COMP_WORDS=("
+            + words
+            + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _kelprobectl; "
+              "echo \"${COMPREPLY[@]}\"'");
+    }
+
+    const test::TempDirectory directory_;
+    CLI::App app_{"Description", "kelprobectl"};
+    std::string unused_;
+    bool flag_ = false;
+};
+
+TEST_F(Generated, BashCompletesCommandsOptionsAndFiles)
+{
+    EXPECT_EQ(offered("kelprobectl \"\""), "list convert -h --help --version\n");
+    EXPECT_EQ(offered("kelprobectl li"), "list\n");
+    EXPECT_EQ(offered("kelprobectl list --"), "--help --json\n");
+    directory_.file("recorded", "");
+    EXPECT_EQ(offered("kelprobectl convert rec"), "recorded\n");
+    EXPECT_EQ(offered("kelprobectl convert --p"), "--pcap\n");
+}
+
+TEST_F(Generated, OtherShellsAndManCanReadTheirs)
+{
+    const ctl::CommandModel model = ctl::modelOf(app_);
+    const std::string zsh = write("zsh", ctl::zshCompletion(model));
+    const std::string fish = write("fish", ctl::fishCompletion(model));
+    outputOf("! command -v zsh >/dev/null || zsh -n " + zsh);
+    outputOf("! command -v fish >/dev/null || fish -n " + fish);
+    EXPECT_NE(test::content(zsh).find(R"('list:Show \[all\]\: the user'\''s devices')"),
+        std::string::npos);
+    EXPECT_NE(test::content(fish).find("-s p -l pcap -r -F -d 'The capture'"), std::string::npos);
+    const std::string man = ctl::manPage(model);
+    for (const char* const text : {"\\fBkelprobectl convert\\fR [\\fIOPTION\\fR...] \\fIFILE\\fR\n",
+             "\\fB\\-p\\fR, \\fB\\-\\-pcap\\fR \\fIFILE\\fR\n", "list \\e .\n\\&'quoted'\n"})
+        EXPECT_NE(man.find(text), std::string::npos) << text << man;
+}
+
+TEST(OutputFile, AppearsWhenItIsComplete)
+{
+    const test::TempDirectory directory;
+    const std::string path = directory.file("result", "old");
+    {
+        ctl::OutputFile file(path);
+        file.write("new");
+        EXPECT_EQ(test::content(path), "old");
+    }
+    EXPECT_EQ(
+        test::filesIn(directory.path()), (std::map<std::string, std::string>{{"result", "old"}}));
+    ctl::OutputFile file(path);
+    file.write("ne");
+    file.write("w");
+    file.finish();
+    EXPECT_EQ(
+        test::filesIn(directory.path()), (std::map<std::string, std::string>{{"result", "new"}}));
+}
+
+TEST(OutputFile, NamesTheFileThatCannotBeWritten)
+{
+    const test::TempDirectory directory;
+    const auto failure = [](const std::string& path) -> std::string {
+        try {
+            ctl::OutputFile file(path);
+            file.write("text");
+            file.finish();
+        } catch (const ctl::Failure& caught) {
+            EXPECT_EQ(caught.status, ctl::kNoAccess);
+            return caught.what();
+        }
+        return "none";
+    };
+    EXPECT_EQ(failure("/dev/null"), "none");
+    EXPECT_EQ(failure("/dev/full"), "/dev/full: No space left on device");
+    EXPECT_EQ(
+        failure(directory.path() + "a/b"), directory.path() + "a/b: No such file or directory");
+    EXPECT_EQ(failure(directory.path()), directory.path() + ": Is a directory");
+}
+
+} // namespace
