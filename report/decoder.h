@@ -27,7 +27,7 @@ struct Value {
     // is outside the logical range (no control is asserted).
     Usage usage;
     int64_t value = 0;   // with a sign if the field has one; the low 64 bits of a longer field
-    bool inRange = true; // within the logical minimum and maximum
+    bool inRange = true; // within the logical range, or the field has none
 };
 
 struct DecodedReport {
@@ -35,10 +35,11 @@ struct DecodedReport {
     bool known = false;        // the device has a report of this kind and id
     size_t expectedSize = 0;   // of the payload in bytes
     size_t size = 0;           // of the payload in bytes, as received
-    std::vector<Value> values; // of the fields that are whole in the report, without constants
+    std::vector<Value> values; // those that are whole in the report, without constants, in order
 };
 
-// Takes any bytes. Linear in the number of fields and the length of the report.
+// Takes any bytes. Linear in the number of the report's fields and the length of the report, times
+// the logarithm of the number of usages of a field.
 [[nodiscard]] DecodedReport decode(const Layout& layout, const ReportView& report);
 
 } // namespace report

@@ -40,7 +40,7 @@ enum class ItemTag : uint8_t {
     kStringMaximum = 0x98,
     kDelimiter = 0xA8,
 
-    kLong = 0xFC, // the prefix of a long item, 0xFE, without its size bits
+    kLong = 0xFC, // long items, and the short items of this value, which are reserved: see isLong()
 };
 
 struct Item {
@@ -53,9 +53,13 @@ struct Item {
     // The descriptor ends before the item does. `bytes` and `data` are what there is of it; such an
     // item has no effect. Only the last item can be truncated.
     bool truncated;
+
+    [[nodiscard]] bool isMain() const { return (bytes[0] & 0x0C) == 0; } // also reserved ones
+    [[nodiscard]] bool isLong() const { return bytes[0] == 0xFE; }
 };
 
-// Splits a descriptor into its items. Takes any bytes; every byte is part of one item.
+// Splits a descriptor into its items. Takes any bytes; every byte is part of one item. `bytes` is
+// never empty.
 [[nodiscard]] std::vector<Item> splitItems(std::span<const uint8_t> descriptor);
 
 } // namespace report

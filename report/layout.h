@@ -28,6 +28,7 @@ struct UsageRange {
     bool isRange = false;  // given by Usage Minimum and Usage Maximum
     bool extended = false; // an item of four bytes gave the page
     size_t offset = 0;     // of the (last) item in the descriptor
+    uint64_t index = 0;    // of `minimum` among the usages of the field
 };
 
 struct Collection {
@@ -48,14 +49,20 @@ struct Field {
     static constexpr uint32_t kConstant = 1u << 0;
     static constexpr uint32_t kVariable = 1u << 1;
     static constexpr uint32_t kRelative = 1u << 2;
+    static constexpr uint32_t kWrap = 1u << 3;
+    static constexpr uint32_t kNonlinear = 1u << 4;
+    static constexpr uint32_t kNoPreferredState = 1u << 5;
     static constexpr uint32_t kNullState = 1u << 6;
+    static constexpr uint32_t kVolatile = 1u << 7; // not of Input items
+    static constexpr uint32_t kBufferedBytes = 1u << 8;
 
     ReportKind kind = ReportKind::kInput;
     uint8_t reportId = 0; // 0 in a device without report ids
     uint32_t flags = 0;
     uint32_t bitOffset = 0; // of the first value, counted from the first bit after the report id
     uint32_t size = 0;      // bits of a value
-    uint32_t count = 0;     // values that fit into the longest report; may be less than declared
+    uint32_t count = 0;     // values that fit into the longest report; may be less than declared,
+                            // and is 0 if the size is 0
     int64_t logicalMinimum = 0;
     int64_t logicalMaximum = 0;            // unsigned unless the minimum is negative
     std::vector<UsageRange> usages;        // in order, including those that are more than `count`
@@ -66,10 +73,16 @@ struct Field {
     [[nodiscard]] bool isVariable() const { return flags & kVariable; } // else it is an array
     [[nodiscard]] bool isSigned() const { return logicalMinimum < 0; }
 
+    // False if the descriptor gives no logical minimum and maximum, or no value is between them.
+    [[nodiscard]] bool hasLogicalRange() const;
+
+    // The number of usages, which may be larger or smaller than the number of values.
+    [[nodiscard]] uint64_t usageCount() const;
+
     // The usage of value `index` of a variable field, or the usage that element value `index`
     // (counted from the logical minimum) of an array field stands for. With fewer usages than
     // values the last usage counts for the rest. 0, 0 if the field has no usages, or for an array
-    // value without one. Takes time linear in the number of ranges.
+    // value without one. Takes time logarithmic in the number of ranges.
     [[nodiscard]] Usage usageAt(uint64_t index) const;
 };
 
@@ -95,13 +108,15 @@ struct Layout {
     std::vector<Collection> collections;      // in order of their beginning
     std::vector<Field> fields;                // in order of their items
     std::map<ReportKey, uint32_t> reportBits; // of each report, without its id
-    std::vector<Problem> problems;            // in the descriptor's order
+    // The fields of each report: indices in `fields`, in the same order.
+    std::map<ReportKey, std::vector<size_t>> reportFields;
+    std::vector<Problem> problems; // in the descriptor's order
 
     // The length in bytes of a report as it is on the wire, with its id if the device uses ids. No
     // value if there is no such report.
     [[nodiscard]] std::optional<size_t> wireSize(ReportKey report) const;
 
-    // The collections around a field, outermost first.
+    // The collections around a field, outermost first. Takes time linear in their number.
     [[nodiscard]] std::vector<const Collection*> collectionPath(const Field& field) const;
 };
 

@@ -18,9 +18,13 @@ public:
         bool changed = false; // since the last report; everything has changed in the first one
     };
 
-    // Words for each value that is not 0, and for each that became 0. Then one for whatever is
-    // wrong with the report: an id that the device does not have, a wrong length, a value out of
+    // Words for each value that is not 0, and for each that became 0. Then one for each thing that
+    // is wrong with the report: an id that the device does not have, a wrong length, values out of
     // range. Remembers the report.
+    //
+    // A field that holds data rather than controls has one word with its bytes, "Page 0xff30
+    // 0x0001: 05 a2". Those are fields of several values without usages or with one for all, and on
+    // vendor pages also arrays and fields of values of a byte or more.
     [[nodiscard]] std::vector<Word> describe(const ReportView& report);
 
     // The words in one line, separated by ", ", with `changedMark` after those that changed. Never
@@ -28,9 +32,16 @@ public:
     [[nodiscard]] std::string line(const ReportView& report, std::string_view changedMark = "");
 
 private:
+    struct Last {
+        std::vector<Value> values;
+        std::vector<std::string> faults;
+    };
+
+    [[nodiscard]] std::vector<std::string> faultsOf(const DecodedReport& report) const;
+
     const Layout& layout_;
     const UsageNames& names_;
-    std::map<Layout::ReportKey, std::vector<Value>> last_;
+    std::map<Layout::ReportKey, Last> last_;
 };
 
 } // namespace report

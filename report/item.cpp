@@ -1,0 +1,73 @@
+#include "report/item.h"
+
+#include <algorithm>
+#include <array>
+
+namespace report {
+namespace {
+
+constexpr uint8_t kLongPrefix = 0xFE;
+constexpr size_t kLongHeaderSize = 3; // prefix, length of the data, tag
+
+// The length that the item gives for its data, and that of what comes before them. A long item
+// whose header is cut off has no data.
+struct Sizes {
+    size_t header = 1;
+    size_t data = 0;
+};
+
+Sizes sizesOf(std::span<const uint8_t> rest)
+{
+    constexpr std::array<size_t, 4> shortSizes = {0, 1, 2, 4};
+    if (rest[0] == kLongPrefix)
+        return {kLongHeaderSize, rest.size() > 1 ? rest[1] : size_t{0}};
+    return {1, shortSizes[rest[0] & 3]};
+}
+
+uint32_t unsignedValue(std::span<const uint8_t> data)
+{
+    uint32_t value = 0;
+    for (size_t i = 0; i < data.size(); ++i)
+        value |= uint32_t{data[i]} << (8 * i);
+    return value;
+}
+
+int32_t signedValue(std::span<const uint8_t> data)
+{
+    const uint32_t value = unsignedValue(data);
+    switch (data.size()) {
+    case 1:
+        return static_cast<int8_t>(value);
+    case 2:
+        return static_cast<int16_t>(value);
+    default:
+        return static_cast<int32_t>(value);
+    }
+}
+
+} // namespace
+
+std::vector<Item> splitItems(std::span<const uint8_t> descriptor)
+{
+    std::vector<Item> items;
+    for (size_t offset = 0; offset < descriptor.size();) {
+        const std::span<const uint8_t> rest = descriptor.subspan(offset);
+        const Sizes sizes = sizesOf(rest);
+        const bool truncated = sizes.header + sizes.data > rest.size();
+        Item item{};
+        item.tag = static_cast<ItemTag>(rest[0] & 0xFC);
+        item.offset = offset;
+        item.bytes = rest.first(std::min(sizes.header + sizes.data, rest.size()));
+        item.data = item.bytes.subspan(std::min(sizes.header, item.bytes.size()));
+        item.truncated = truncated;
+        if (!item.isLong()) {
+            item.value = unsignedValue(item.data);
+            item.signedValue = signedValue(item.data);
+        }
+        items.push_back(item);
+        offset += item.bytes.size();
+    }
+    return items;
+}
+
+} // namespace report
