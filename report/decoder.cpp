@@ -80,7 +80,7 @@ DecodedReport decode(const Layout& layout, const ReportView& report)
     const size_t payloadBits = report.payload.size() * 8;
     for (const size_t fieldIndex : layout.reportFields.at(report.key)) {
         const Field& field = layout.fields[fieldIndex];
-        if (field.isConstant() || field.count == 0 || field.bitOffset > payloadBits)
+        if (field.isPadding() || field.count == 0 || field.bitOffset > payloadBits)
             continue;
         const size_t whole
             = std::min<size_t>(field.count, (payloadBits - field.bitOffset) / field.size);

@@ -35,7 +35,7 @@ struct DecodedReport {
     bool known = false;        // the device has a report of this kind and id
     size_t expectedSize = 0;   // of the payload in bytes
     size_t size = 0;           // of the payload in bytes, as received
-    std::vector<Value> values; // those that are whole in the report, without constants, in order
+    std::vector<Value> values; // those that are whole in the report, without padding, in order
 };
 
 // Takes any bytes. Linear in the number of the report's fields and the length of the report, times

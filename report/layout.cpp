@@ -236,7 +236,7 @@ private:
             addProblem(field.offset, name + " outside of all collections");
         if (globals_.reportSize == 0 || globals_.reportCount == 0)
             addProblem(field.offset, name + " without bits: Report Size or Report Count is 0");
-        if (field.isConstant())
+        if (field.isPadding())
             return;
         if (!globals_.hasLogicalMaximum)
             addProblem(field.offset, name + " without a Logical Maximum");
@@ -279,6 +279,16 @@ Usage Field::usageAt(uint64_t index) const
     const uint64_t last = range.maximum - range.minimum.id;
     const uint64_t step = std::min(index - range.index, last);
     return {range.minimum.page, static_cast<uint16_t>(range.minimum.id + step)};
+}
+
+std::optional<uint64_t> Field::indexOf(Usage usage) const
+{
+    for (const UsageRange& range : usages) {
+        const auto& [page, first] = range.minimum;
+        if (page == usage.page && first <= usage.id && usage.id <= range.maximum)
+            return range.index + (usage.id - first);
+    }
+    return std::nullopt;
 }
 
 bool Field::hasLogicalRange() const

@@ -71,10 +71,21 @@ struct Field {
 
     [[nodiscard]] bool isConstant() const { return flags & kConstant; }
     [[nodiscard]] bool isVariable() const { return flags & kVariable; } // else it is an array
+
+    // Bits without a meaning. A constant field with usages is not padding: the host must not write
+    // it, but devices declare buttons as constant, too.
+    [[nodiscard]] bool isPadding() const
+    {
+        return isConstant() && (!isVariable() || usages.empty());
+    }
     [[nodiscard]] bool isSigned() const { return logicalMinimum < 0; }
 
     // False if the descriptor gives no logical minimum and maximum, or no value is between them.
     [[nodiscard]] bool hasLogicalRange() const;
+
+    // The index for which usageAt() gives this usage, the lowest if there are several. Takes time
+    // linear in the number of ranges.
+    [[nodiscard]] std::optional<uint64_t> indexOf(Usage usage) const;
 
     // The number of usages, which may be larger or smaller than the number of values.
     [[nodiscard]] uint64_t usageCount() const;

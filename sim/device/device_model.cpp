@@ -1,6 +1,6 @@
 #include "sim/device/device_model.h"
 
-#include "sim/device/report_fields.h"
+#include "report/layout.h"
 #include "sim/device/usb_descriptors.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ Setup Setup::from(std::span<const uint8_t> bytes)
 
 DeviceModel::DeviceModel(UsbDeviceInfo deviceInfo)
     : info(std::move(deviceInfo))
-    , hasReportIds(findReportFields(info.reportDescriptor).hasReportIds)
+    , hasReportIds(report::readLayout(info.reportDescriptor).usesReportIds)
 {
 }
 

@@ -1,5 +1,8 @@
 #include "sim/device/panel.h"
 
+#include "report/decoder.h"
+#include "sim/device/button_report.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -12,6 +15,8 @@ struct Name {
     std::string_view text;
 };
 
+constexpr uint16_t kLedPage = 0x08;
+constexpr uint16_t kTelephonyPage = 0x0b;
 constexpr uint16_t kOffHookLed = 0x17;
 
 constexpr std::array kLedNames = {
@@ -44,10 +49,15 @@ std::string nameOf(Button button)
     return nameOf(kButtonNames, static_cast<uint16_t>(button));
 }
 
+report::Usage usageOf(Button button)
+{
+    return {kTelephonyPage, static_cast<uint16_t>(button)};
+}
+
 } // namespace
 
 Panel::Panel(const Bytes& reportDescriptor)
-    : fields_(findReportFields(reportDescriptor))
+    : layout_(report::readLayout(reportDescriptor))
 {
 }
 
@@ -57,13 +67,11 @@ std::vector<Panel::InputReport> Panel::press(Button button)
     if (button == Button::kHook)
         return moveHook(
             hook_ == HookPosition::kOnHook ? HookPosition::kOffHook : HookPosition::kOnHook);
-    const ReportField* const field = find(button);
+    const report::Field* const field = find(button);
     if (!field)
         return {};
-    const Bytes released = inputReport(field->reportId);
-    Bytes pressed = released;
-    set(*field, pressed, fields_.hasReportIds);
-    return {{nameOf(button) + " pressed", pressed}, {nameOf(button) + " released", released}};
+    return {{nameOf(button) + " pressed", inputReport(field->reportId, button)},
+        {nameOf(button) + " released", inputReport(field->reportId)}};
 }
 
 std::vector<Panel::InputReport> Panel::setHook(HookPosition position)
@@ -74,7 +82,7 @@ std::vector<Panel::InputReport> Panel::setHook(HookPosition position)
 
 std::vector<Panel::InputReport> Panel::moveHook(HookPosition position)
 {
-    const ReportField* const field = find(Button::kHook);
+    const report::Field* const field = find(Button::kHook);
     if (!field)
         return {};
     hook_ = position;
@@ -85,50 +93,82 @@ std::vector<Panel::InputReport> Panel::moveHook(HookPosition position)
 Bytes Panel::idleReport() const
 {
     const std::lock_guard lock(mutex_);
-    if (const ReportField* const hook = find(Button::kHook))
+    if (const report::Field* const hook = find(Button::kHook))
         return inputReport(hook->reportId);
-    return fields_.inputBits.empty() ? Bytes{0} : inputReport(fields_.inputBits.begin()->first);
+    const auto first = layout_.reportBits.lower_bound({report::ReportKind::kInput, 0});
+    const bool hasInput
+        = first != layout_.reportBits.end() && first->first.kind == report::ReportKind::kInput;
+    return hasInput ? inputReport(first->first.id) : Bytes{0};
 }
 
 std::string Panel::applyOutput(const Bytes& report)
 {
     const std::lock_guard lock(mutex_);
     std::string changes;
-    for (const ReportField& led : fields_.leds) {
-        if (report.empty() || report.front() != led.reportId)
-            continue;
-        const bool on = isSet(led, report, true);
-        if (on == lit_.contains(led.usage))
+    for (const auto& [usage, on] : ledsIn(report)) {
+        if (on == lit_.contains(usage))
             continue;
         if (on)
-            lit_.insert(led.usage);
+            lit_.insert(usage);
         else
-            lit_.erase(led.usage);
-        if (led.usage == kOffHookLed)
+            lit_.erase(usage);
+        if (usage == kOffHookLed)
             hook_ = on ? HookPosition::kOffHook : HookPosition::kOnHook;
-        changes += (changes.empty() ? "" : ", ") + nameOf(kLedNames, led.usage);
+        changes += (changes.empty() ? "" : ", ") + nameOf(kLedNames, usage);
         changes += on ? " LED on" : " LED off";
     }
     return changes.empty() ? "no change" : changes;
 }
 
-const ReportField* Panel::find(Button button) const
+// The LEDs that an output report switches, in descriptor order. Those beyond its end are off.
+std::vector<Panel::LedState> Panel::ledsIn(const Bytes& output) const
 {
-    const auto found = std::find_if(
-        fields_.buttons.begin(), fields_.buttons.end(), [button](const ReportField& field) {
-            return field.usage == static_cast<uint16_t>(button);
-        });
-    return found == fields_.buttons.end() ? nullptr : &*found;
+    report::ReportView view = report::sentReport(report::ReportKind::kOutput, output);
+    Bytes payload(view.payload.begin(), view.payload.end());
+    payload.resize(std::max(payload.size(), report::decode(layout_, view).expectedSize));
+    view.payload = payload;
+    const report::DecodedReport decoded = report::decode(layout_, view);
+
+    std::vector<LedState> leds;
+    std::set<uint16_t> inArrays;
+    for (const report::Value& value : decoded.values) {
+        if (value.usage.page != kLedPage)
+            continue;
+        const bool inArray = !value.field->isVariable();
+        leds.push_back({value.usage.id, inArray || value.value != 0});
+        if (inArray)
+            inArrays.insert(value.usage.id);
+    }
+    // An array contains only those that are on.
+    for (const uint16_t usage : lit_) {
+        const auto canHave = [usage](const report::Value& value) {
+            return !value.field->isVariable() && value.index == 0
+                && value.field->indexOf({kLedPage, usage});
+        };
+        if (!inArrays.contains(usage) && std::ranges::any_of(decoded.values, canHave))
+            leds.push_back({usage, false});
+    }
+    return leds;
 }
 
-// Every button released, the hook switch in its position.
-Bytes Panel::inputReport(uint8_t reportId) const
+const report::Field* Panel::find(Button button) const
 {
-    Bytes report = emptyReport(reportId, fields_.inputBits, fields_.hasReportIds);
-    const ReportField* const hook = find(Button::kHook);
+    const auto found = std::ranges::find_if(layout_.fields, [button](const report::Field& field) {
+        return field.kind == report::ReportKind::kInput && hasControl(field, usageOf(button));
+    });
+    return found == layout_.fields.end() ? nullptr : &*found;
+}
+
+// Every button released but one, the hook switch in its position.
+Bytes Panel::inputReport(uint8_t reportId, std::optional<Button> pressed) const
+{
+    ButtonReport report(layout_, reportId);
+    const report::Field* const hook = find(Button::kHook);
     if (hook && hook->reportId == reportId && hook_ == HookPosition::kOffHook)
-        set(*hook, report, fields_.hasReportIds);
-    return report;
+        report.switchOn(*hook, usageOf(Button::kHook));
+    if (pressed)
+        report.switchOn(*find(*pressed), usageOf(*pressed));
+    return report.bytes();
 }
 
 } // namespace sim

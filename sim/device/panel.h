@@ -1,7 +1,8 @@
 // The LEDs and buttons of a simulated device.
 #pragma once
 
-#include "sim/device/report_fields.h"
+#include "report/layout.h"
+#include "sim/device/wire_bytes.h"
 
 #include <mutex>
 #include <set>
@@ -37,12 +38,20 @@ public:
     std::string applyOutput(const Bytes& report);
 
 private:
+    struct LedState {
+        uint16_t usage;
+        bool on;
+    };
+
     // The caller holds the lock.
     std::vector<InputReport> moveHook(HookPosition position);
-    const ReportField* find(Button button) const;
-    Bytes inputReport(uint8_t reportId) const;
+    std::vector<LedState> ledsIn(const Bytes& report) const;
+    Bytes inputReport(uint8_t reportId, std::optional<Button> pressed = {}) const;
 
-    const ReportFields fields_;
+    // The field with the button; null if there is none.
+    const report::Field* find(Button button) const;
+
+    const report::Layout layout_;
     mutable std::mutex mutex_; // guards the fields below
     HookPosition hook_ = HookPosition::kOnHook;
     std::set<uint16_t> lit_; // LED usages

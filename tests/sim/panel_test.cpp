@@ -62,12 +62,44 @@ TEST(Panel, DoesWhatTheDescriptorSays)
     }
 }
 
+TEST(Panel, FindsControlsHoweverTheyAreGiven)
+{
+    const std::string begin = "050b0905a101 1500 ";
+    for (const auto& [items, words, expected] :
+        {
+            // In arrays: one that 0 stands for no button of, and one that 0 stands for the hook of.
+            std::tuple{"250475089502 0900092009210997092f 8100", "mute hook mute hook",
+                "mute pressed 04 00; mute released 00 00; hook switch off 01 00; "
+                "mute pressed 01 04; mute released 01 00; hook switch on 00 00; "},
+            {"250175029501 0920092f 8100 75069501 8101", "mute hook",
+                "mute pressed 01; mute released 02; hook switch off 00; "},
+            // An array of LEDs: those that it does not contain are off.
+            {"1501250375089502 0508 191729180920 9100", "000102 000200 000203 000000",
+                "off-hook LED on, ring LED on; off-hook LED off; hold LED on; "
+                "ring LED off, hold LED off; "},
+            // Whole bytes; a long item, usages that give their page, globals saved and restored,
+            // the
+            // first of two alternatives.
+            {"250175089502 0508 fe0210ffff 0b20000b00 a4050c9501b4 0b2f000b00 8102", "mute hook",
+                "mute pressed 00 01; mute released 00 00; hook switch off 01 00; "},
+            {"250175019508 a901 0920 0921 a900 092f 8102", "flash hook mute",
+                "hook switch off 01; mute pressed 03; mute released 01; "},
+        }) {
+        sim::Panel panel(sim::fromHex(begin + items).value());
+        std::istringstream stream(words);
+        std::string story;
+        for (std::string word; stream >> word;)
+            story += perform(panel, word);
+        EXPECT_EQ(story, expected) << items;
+    }
+}
+
 TEST(Panel, SurvivesABrokenDescriptor)
 {
     // One-bit telephony inputs without end, of every usage there is; then half an item.
     sim::Panel panel(
         sim::fromHex("070b00000075 0197ffffffff1b00000000 2bffffffff 8102 8102 07").value());
-    EXPECT_EQ(panel.idleReport().size(), 65535U);
+    EXPECT_EQ(panel.idleReport().size(), 65534U);
     EXPECT_EQ(panel.applyOutput({}), "no change");
     EXPECT_EQ(sim::Panel({}).idleReport(), Bytes{0});
 }

@@ -1,0 +1,81 @@
+#include "sim/device/button_report.h"
+
+#include <cassert>
+
+namespace sim {
+namespace {
+
+// What an array contains for a button.
+uint64_t arrayValue(const report::Field& field, uint64_t index)
+{
+    return static_cast<uint64_t>(field.logicalMinimum) + index;
+}
+
+// What an array contains if no button is pressed: 0 unless that stands for a button. Then it is the
+// value after the last one.
+uint64_t nullValue(const report::Field& field)
+{
+    const bool zeroIsValid = field.logicalMinimum <= 0 && field.logicalMaximum >= 0;
+    if (!zeroIsValid || field.usageAt(static_cast<uint64_t>(-field.logicalMinimum)).id == 0)
+        return 0;
+    return static_cast<uint64_t>(field.logicalMaximum) + 1;
+}
+
+} // namespace
+
+bool hasControl(const report::Field& field, report::Usage usage)
+{
+    const std::optional<uint64_t> index = field.indexOf(usage);
+    if (!index || field.isPadding() || field.count == 0)
+        return false;
+    if (field.isVariable())
+        return *index < field.count;
+    return *index <= static_cast<uint64_t>(field.logicalMaximum - field.logicalMinimum);
+}
+
+ButtonReport::ButtonReport(const report::Layout& layout, uint8_t id)
+    : hasId_(layout.usesReportIds)
+    , id_(id)
+{
+    const report::Layout::ReportKey key{report::ReportKind::kInput, id};
+    payload_.resize((layout.reportBits.at(key) + 7) / 8);
+    for (const size_t index : layout.reportFields.at(key)) {
+        const report::Field& field = layout.fields[index];
+        if (field.isPadding() || field.isVariable())
+            continue;
+        for (uint32_t i = 0; i < field.count; ++i)
+            write(field, i, nullValue(field));
+    }
+}
+
+void ButtonReport::switchOn(const report::Field& field, report::Usage usage)
+{
+    assert(hasControl(field, usage));
+    const uint64_t index = *field.indexOf(usage);
+    if (field.isVariable())
+        write(field, index, 1);
+    else if (uint64_t& pressed = pressed_[&field]; pressed < field.count)
+        write(field, pressed++, arrayValue(field, index));
+}
+
+Bytes ButtonReport::bytes() const
+{
+    Bytes report = payload_;
+    if (hasId_)
+        report.insert(report.begin(), id_);
+    return report;
+}
+
+void ButtonReport::write(const report::Field& field, uint64_t index, uint64_t value)
+{
+    const uint64_t first = field.bitOffset + index * field.size;
+    for (uint32_t i = 0; i < field.size; ++i) {
+        const uint64_t at = first + i;
+        const auto mask = static_cast<uint8_t>(1u << at % 8);
+        payload_[at / 8] &= static_cast<uint8_t>(~mask);
+        if (i < 64 && (value >> i & 1))
+            payload_[at / 8] |= mask;
+    }
+}
+
+} // namespace sim
