@@ -1,5 +1,6 @@
 #include "bench/program/client.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -8,6 +9,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -48,12 +50,14 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
 
 } // namespace
 
-Client::Client(const std::vector<std::string>& command, Probe probe)
+Client::Client(const std::vector<std::string>& command, Probe probe, Capture capture)
 {
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
         fail(errno, "socketpair");
     channel_ = ends[0];
+    if (capture == Capture::Lines)
+        captured_ = memfd_create("output", MFD_CLOEXEC);
     auto arguments = command;
     auto environment = environmentOf(probe, ends[1]);
     posix_spawn_file_actions_t actions;
@@ -61,6 +65,8 @@ Client::Client(const std::vector<std::string>& command, Probe probe)
     posix_spawn_file_actions_adddup2(&actions, ends[1], ends[1]); // drops close-on-exec
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    if (captured_ >= 0)
+        posix_spawn_file_actions_adddup2(&actions, captured_, STDOUT_FILENO);
     startTime_ = now();
     const int error = posix_spawn(&pid_, command.front().c_str(), &actions, nullptr,
         pointers(arguments).data(), pointers(environment).data());
@@ -74,8 +80,12 @@ Client::Client(const std::vector<std::string>& command, Probe probe)
 
 Client::~Client()
 {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    if (pid_ > 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+    }
+    if (captured_ >= 0)
+        close(captured_);
     close(channel_);
 }
 
@@ -107,6 +117,39 @@ int64_t Client::await(Moment moment) const
 void Client::settle() const
 {
     while (next(kQuiet)) { }
+}
+
+int64_t Client::awaitEnd()
+{
+    int status = -1;
+    waitpid(pid_, &status, 0);
+    const int64_t time = now();
+    pid_ = -1;
+    if (status != 0)
+        throw std::runtime_error("the program has failed");
+    return time;
+}
+
+size_t Client::lines() const
+{
+    std::array<char, 4096> buffer{};
+    size_t count = 0;
+    off_t at = 0;
+    for (ssize_t size = 0; (size = pread(captured_, buffer.data(), buffer.size(), at)) > 0;) {
+        count += static_cast<size_t>(std::count(buffer.begin(), buffer.begin() + size, '\n'));
+        at += size;
+    }
+    return count;
+}
+
+void Client::awaitLines(size_t count) const
+{
+    const auto limit = std::chrono::steady_clock::now() + kPatience;
+    while (lines() < count) {
+        if (std::chrono::steady_clock::now() > limit)
+            throw std::runtime_error("the program does not print the lines");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 int64_t Client::cpuTime() const

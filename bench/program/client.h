@@ -12,12 +12,13 @@
 namespace bench {
 
 enum class Probe { None, Preloaded }; // into programs with a window
+enum class Capture { None, Lines };   // of standard output
 
 class Client {
 public:
-    // Starts the program and drops its output. Throws std::system_error if it cannot be started.
-    // The destructor kills it.
-    Client(const std::vector<std::string>& command, Probe probe);
+    // Starts the program and drops the output that is not captured. Throws std::system_error if it
+    // cannot be started. The destructor kills it.
+    Client(const std::vector<std::string>& command, Probe probe, Capture capture = Capture::None);
     ~Client();
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
@@ -30,6 +31,15 @@ public:
     // std::runtime_error if it does not arrive within 20 s.
     int64_t await(Moment moment) const;
 
+    // Blocks until the program has ended, and returns the time then. Throws std::runtime_error if
+    // it ends with an exit status other than 0. To be called last.
+    int64_t awaitEnd();
+
+    // Of captured output: the number of lines so far. awaitLines() blocks until there are as many,
+    // and throws std::runtime_error if they do not come within 20 s.
+    size_t lines() const;
+    void awaitLines(size_t count) const;
+
     // Blocks until no event has arrived for a few milliseconds. Drops events.
     void settle() const;
 
@@ -41,6 +51,7 @@ private:
     size_t residentNow() const;
 
     int channel_ = -1;
+    int captured_ = -1; // a file in memory
     pid_t pid_ = -1;
     int64_t startTime_ = 0;
 };

@@ -4,6 +4,7 @@
 
 #include "hid/model/BuiltInDescriptor.h"
 #include "hid/model/Root.h"
+#include "report/layout.h"
 #include "tests/support/device_file.h"
 
 #include <span>
@@ -54,6 +55,17 @@ double timeParse(const std::vector<Bytes>& descriptors)
     return perByte(begin, descriptors);
 }
 
+// The same for the full reading.
+double timeLayout(const std::vector<Bytes>& descriptors)
+{
+    std::vector<report::Layout> layouts;
+    layouts.reserve(descriptors.size());
+    const int64_t begin = now();
+    for (const Bytes& descriptor : descriptors)
+        layouts.push_back(report::readLayout(descriptor));
+    return perByte(begin, descriptors);
+}
+
 double timePass(const std::vector<Bytes>& descriptors)
 {
     const int64_t begin = now();
@@ -83,16 +95,22 @@ void measureDescriptors(sim::UsbBus&)
     const std::vector<Bytes> small(64, repeated(builtIn, 1024));
 
     Samples all;
+    Samples layouts;
     Samples length;
     for (int round = 0; round < rounds; ++round) {
         all.subject.push_back(timeParse(files));
         all.peer.push_back(timePass(files));
+        layouts.subject.push_back(timeLayout(files));
         length.subject.push_back(timeParse(large));
         length.peer.push_back(timeParse(small));
     }
     printRow({"descriptor parse, all device files, a byte", "a plain pass over the items", "<= 8",
                  kNanoseconds},
         all);
+    layouts.peer = all.peer;
+    printRow({"full reading, all device files, a byte", "a plain pass over the items", "<= 12",
+                 kNanoseconds},
+        layouts);
     printRow(
         {"descriptor parse, one of 64 KiB, a byte", "64 of 1 KiB", "linear", kNanoseconds}, length);
 }

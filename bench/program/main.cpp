@@ -23,6 +23,9 @@ constexpr std::array kParts{
     Part{"click", bench::measureClick},
     Part{"log", bench::measureLogList},
     Part{"descriptor", bench::measureDescriptors},
+    Part{"commands", bench::measureCommands},
+    Part{"trace", bench::measureTrace},
+    Part{"monitor", bench::measureMonitor},
 };
 
 int run(const std::vector<std::string_view>& wanted)

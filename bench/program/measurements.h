@@ -12,5 +12,8 @@ void measurePress(sim::UsbBus& bus);
 void measureClick(sim::UsbBus& bus);
 void measureLogList(sim::UsbBus& bus);
 void measureDescriptors(sim::UsbBus& bus);
+void measureCommands(sim::UsbBus& bus);
+void measureTrace(sim::UsbBus& bus);
+void measureMonitor(sim::UsbBus& bus);
 
 } // namespace bench
