@@ -49,7 +49,8 @@ Value readValue(const Field& field, uint32_t index, std::span<const uint8_t> pay
     if (field.isVariable())
         value.usage = field.usageAt(index);
     else if (value.inRange)
-        value.usage = field.usageAt(static_cast<uint64_t>(value.value - field.logicalMinimum));
+        value.usage = field.usageAt(
+            static_cast<uint64_t>(value.value) - static_cast<uint64_t>(field.logicalMinimum));
     return value;
 }
 

@@ -167,7 +167,8 @@ private:
             text += " and " + std::to_string(shown.size() - kMaxDataValues) + " more";
         const size_t zeros = values.size() - shown.size();
         if (zeros != 0)
-            text += (text.empty() ? "" : " then ") + std::to_string(zeros) + " zeros";
+            text += (text.empty() ? "" : " then ") + std::to_string(zeros)
+                + (zeros == 1 ? " zero" : " zeros");
         return text;
     }
 
@@ -193,10 +194,13 @@ std::string bytes(size_t count)
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
-// A null value is outside of the range on purpose, and so is one of an array.
+// A null value is outside of the range on purpose, and so is one of an array. The range of data is
+// often wrong.
 bool isWrong(const Value& value)
 {
-    return !value.inRange && value.field->isVariable() && !(value.field->flags & Field::kNullState);
+    const Field& field = *value.field;
+    return !value.inRange && field.isVariable() && !(field.flags & Field::kNullState)
+        && !holdsData(field);
 }
 
 } // namespace

@@ -116,24 +116,21 @@ std::string UsageNames::page(uint16_t page) const
 
 std::string UsageNames::usage(Usage usage) const
 {
-    if (const std::string* const known = name(usage))
-        return *known;
-    if (usage.page == kButtonPage && usage.id != 0)
-        return "Button " + std::to_string(usage.id);
-    return hexadecimal(usage.id);
+    return name(usage).value_or(hexadecimal(usage.id));
 }
 
 std::string UsageNames::fullUsage(Usage usage) const
 {
-    if (name(usage) || usage.page == kButtonPage)
-        return this->usage(usage);
-    return page(usage.page) + ' ' + hexadecimal(usage.id);
+    return name(usage).value_or(page(usage.page) + ' ' + hexadecimal(usage.id));
 }
 
-const std::string* UsageNames::name(Usage usage) const
+std::optional<std::string> UsageNames::name(Usage usage) const
 {
-    const auto found = usages_.find(keyOf(usage));
-    return found == usages_.end() ? nullptr : &found->second;
+    if (const auto found = usages_.find(keyOf(usage)); found != usages_.end())
+        return found->second;
+    if (usage.page == kButtonPage && usage.id != 0)
+        return "Button " + std::to_string(usage.id);
+    return std::nullopt;
 }
 
 } // namespace report

@@ -34,8 +34,7 @@ public:
     [[nodiscard]] std::string fullUsage(Usage usage) const;
 
 private:
-    // Null if it has none.
-    [[nodiscard]] const std::string* name(Usage usage) const;
+    [[nodiscard]] std::optional<std::string> name(Usage usage) const;
 
     std::unordered_map<uint16_t, std::string> pages_;
     std::unordered_map<uint32_t, std::string> usages_; // page in the upper half
