@@ -7,51 +7,6 @@
 namespace report {
 namespace {
 
-struct TagName {
-    ItemTag tag;
-    std::string_view text;
-};
-
-constexpr std::array kTagNames = {
-    TagName{ItemTag::kInput, "Input"},
-    TagName{ItemTag::kOutput, "Output"},
-    TagName{ItemTag::kCollection, "Collection"},
-    TagName{ItemTag::kFeature, "Feature"},
-    TagName{ItemTag::kEndCollection, "End Collection"},
-    TagName{ItemTag::kUsagePage, "Usage Page"},
-    TagName{ItemTag::kLogicalMinimum, "Logical Minimum"},
-    TagName{ItemTag::kLogicalMaximum, "Logical Maximum"},
-    TagName{ItemTag::kPhysicalMinimum, "Physical Minimum"},
-    TagName{ItemTag::kPhysicalMaximum, "Physical Maximum"},
-    TagName{ItemTag::kUnitExponent, "Unit Exponent"},
-    TagName{ItemTag::kUnit, "Unit"},
-    TagName{ItemTag::kReportSize, "Report Size"},
-    TagName{ItemTag::kReportId, "Report ID"},
-    TagName{ItemTag::kReportCount, "Report Count"},
-    TagName{ItemTag::kPush, "Push"},
-    TagName{ItemTag::kPop, "Pop"},
-    TagName{ItemTag::kUsage, "Usage"},
-    TagName{ItemTag::kUsageMinimum, "Usage Minimum"},
-    TagName{ItemTag::kUsageMaximum, "Usage Maximum"},
-    TagName{ItemTag::kDesignatorIndex, "Designator Index"},
-    TagName{ItemTag::kDesignatorMinimum, "Designator Minimum"},
-    TagName{ItemTag::kDesignatorMaximum, "Designator Maximum"},
-    TagName{ItemTag::kStringIndex, "String Index"},
-    TagName{ItemTag::kStringMinimum, "String Minimum"},
-    TagName{ItemTag::kStringMaximum, "String Maximum"},
-    TagName{ItemTag::kDelimiter, "Delimiter"},
-};
-
-// Empty for reserved items.
-std::string_view tagName(const Item& item)
-{
-    for (const TagName& name : kTagNames) {
-        if (name.tag == item.tag)
-            return name.text;
-    }
-    return {};
-}
-
 std::string hexadecimal(uint32_t value)
 {
     std::array<char, 16> text{};
@@ -113,7 +68,7 @@ public:
         if (item.truncated || item.isLong())
             return;
         followState(item);
-        if (item.isMain())
+        if (item.type() == Item::Type::kMain)
             putIntoWords();
     }
 
@@ -172,7 +127,7 @@ private:
     {
         if (item.isLong() && !item.truncated)
             return longItem(item);
-        const std::string_view tag = item.isLong() ? "Long item" : tagName(item);
+        const std::string_view tag = item.isLong() ? "Long item" : tagName(item.tag);
         std::string text = tag.empty() ? "Reserved item" : std::string(tag);
         if (item.truncated)
             return text + ", cut off by the end of the descriptor";

@@ -9,6 +9,41 @@ namespace {
 constexpr uint8_t kLongPrefix = 0xFE;
 constexpr size_t kLongHeaderSize = 3; // prefix, length of the data, tag
 
+struct TagName {
+    ItemTag tag;
+    std::string_view text;
+};
+
+constexpr std::array kTagNames = {
+    TagName{ItemTag::kInput, "Input"},
+    TagName{ItemTag::kOutput, "Output"},
+    TagName{ItemTag::kCollection, "Collection"},
+    TagName{ItemTag::kFeature, "Feature"},
+    TagName{ItemTag::kEndCollection, "End Collection"},
+    TagName{ItemTag::kUsagePage, "Usage Page"},
+    TagName{ItemTag::kLogicalMinimum, "Logical Minimum"},
+    TagName{ItemTag::kLogicalMaximum, "Logical Maximum"},
+    TagName{ItemTag::kPhysicalMinimum, "Physical Minimum"},
+    TagName{ItemTag::kPhysicalMaximum, "Physical Maximum"},
+    TagName{ItemTag::kUnitExponent, "Unit Exponent"},
+    TagName{ItemTag::kUnit, "Unit"},
+    TagName{ItemTag::kReportSize, "Report Size"},
+    TagName{ItemTag::kReportId, "Report ID"},
+    TagName{ItemTag::kReportCount, "Report Count"},
+    TagName{ItemTag::kPush, "Push"},
+    TagName{ItemTag::kPop, "Pop"},
+    TagName{ItemTag::kUsage, "Usage"},
+    TagName{ItemTag::kUsageMinimum, "Usage Minimum"},
+    TagName{ItemTag::kUsageMaximum, "Usage Maximum"},
+    TagName{ItemTag::kDesignatorIndex, "Designator Index"},
+    TagName{ItemTag::kDesignatorMinimum, "Designator Minimum"},
+    TagName{ItemTag::kDesignatorMaximum, "Designator Maximum"},
+    TagName{ItemTag::kStringIndex, "String Index"},
+    TagName{ItemTag::kStringMinimum, "String Minimum"},
+    TagName{ItemTag::kStringMaximum, "String Maximum"},
+    TagName{ItemTag::kDelimiter, "Delimiter"},
+};
+
 // The length that the item gives for its data, and that of what comes before them. A long item
 // whose header is cut off has no data.
 struct Sizes {
@@ -46,6 +81,12 @@ int32_t signedValue(std::span<const uint8_t> data)
 }
 
 } // namespace
+
+std::string_view tagName(ItemTag tag)
+{
+    const auto found = std::ranges::find(kTagNames, tag, &TagName::tag);
+    return found == kTagNames.end() ? std::string_view() : found->text;
+}
 
 std::vector<Item> splitItems(std::span<const uint8_t> descriptor)
 {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace report {
@@ -54,9 +55,14 @@ struct Item {
     // item has no effect. Only the last item can be truncated.
     bool truncated;
 
-    [[nodiscard]] bool isMain() const { return (bytes[0] & 0x0C) == 0; } // also reserved ones
+    enum class Type : uint8_t { kMain = 0x00, kGlobal = 0x04, kLocal = 0x08, kReserved = 0x0C };
+    [[nodiscard]] Type type() const { return static_cast<Type>(bytes[0] & 0x0C); }
+
     [[nodiscard]] bool isLong() const { return bytes[0] == 0xFE; }
 };
+
+// "Usage Page"; empty for reserved items and long ones.
+[[nodiscard]] std::string_view tagName(ItemTag tag);
 
 // Splits a descriptor into its items. Takes any bytes; every byte is part of one item. `bytes` is
 // never empty.
