@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kMaxReports = 12;       // of a descriptor, that are read
 constexpr size_t kMaxReportSize = 80;    // bytes
-constexpr uint64_t kMaxUsageIndex = 300; // that is compared
+constexpr uint64_t kMaxUsageIndex = 40; // that is compared
 
 uint32_t Number(report::Usage usage)
 {

@@ -29,12 +29,9 @@ int64_t withSign(uint64_t value, uint32_t size)
 
 bool isInRange(const Field& field, int64_t value)
 {
-    if (!field.hasLogicalRange())
-        return true;
-    // An unsigned value of all 64 bits may be above the largest int64_t.
-    if (!field.isSigned() && value < 0)
-        return false;
-    return value >= field.logicalMinimum && value <= field.logicalMaximum;
+    // An unsigned value above the largest int64_t is negative here and so out of range, too.
+    return !field.hasLogicalRange()
+        || (value >= field.logicalMinimum && value <= field.logicalMaximum);
 }
 
 Value readValue(const Field& field, uint32_t index, std::span<const uint8_t> payload)
