@@ -1,0 +1,123 @@
+#include "tools/ctl/usb/interface_check.h"
+
+#include "tools/ctl/usb/signal_hold.h"
+
+#include <utility>
+
+namespace ctl {
+namespace {
+
+constexpr uint8_t kFromInterface = 0x81;          // device to host, standard, interface
+constexpr uint16_t kReportDescriptor = 0x22 << 8; // type Report, index 0
+constexpr int kAttempts = 4;                      // as the stack makes
+constexpr unsigned kTimeoutMs = 1000;
+
+// Has the interface without the kernel's driver. The destructor undoes both.
+class ClaimedInterface {
+public:
+    ClaimedInterface(libusb_device_handle* handle, int number)
+        : handle_(handle)
+        , number_(number)
+    {
+        if (libusb_kernel_driver_active(handle, number) == 1) {
+            error_ = libusb_detach_kernel_driver(handle, number);
+            detached_ = error_ == LIBUSB_SUCCESS;
+        }
+        if (!error_)
+            error_ = libusb_claim_interface(handle, number);
+        claimed_ = error_ == LIBUSB_SUCCESS;
+    }
+    ~ClaimedInterface() { (void)giveBack(); }
+    ClaimedInterface(const ClaimedInterface&) = delete;
+    ClaimedInterface& operator=(const ClaimedInterface&) = delete;
+
+    // libusb's error of the first operation that failed, or 0.
+    [[nodiscard]] int error() const { return error_; }
+
+    // What the destructor does. Returns libusb's error if the driver could not be attached.
+    [[nodiscard]] int giveBack()
+    {
+        if (std::exchange(claimed_, false))
+            libusb_release_interface(handle_, number_);
+        return std::exchange(detached_, false) ? libusb_attach_kernel_driver(handle_, number_)
+                                               : LIBUSB_SUCCESS;
+    }
+
+private:
+    libusb_device_handle* const handle_;
+    const int number_;
+    bool detached_ = false;
+    bool claimed_ = false;
+    int error_ = LIBUSB_SUCCESS;
+};
+
+InterfaceCheck failed(const HidInterface& interface, int error)
+{
+    switch (error) {
+    case LIBUSB_SUCCESS:
+        return {};
+    case LIBUSB_ERROR_ACCESS:
+        return {Access::kNoPermission,
+            "no permission to open " + interface.node().native()
+                + "; install the udev rule: kelprobectl doctor explains how",
+            {}, error};
+    case LIBUSB_ERROR_BUSY:
+        return {Access::kBusy, "another program has the interface; close that program", {}, error};
+    case LIBUSB_ERROR_NO_DEVICE:
+        return goneCheck();
+    default:
+        return {Access::kOtherError, std::string(libusb_strerror(error)) + "; plug it in again", {},
+            error};
+    }
+}
+
+report::Bytes readDescriptor(libusb_device_handle* handle, const HidInterface& interface)
+{
+    report::Bytes descriptor(interface.announcedLength);
+    int received = 0;
+    for (int attempt = 0; attempt < kAttempts && !descriptor.empty(); ++attempt) {
+        received = libusb_control_transfer(handle, kFromInterface, LIBUSB_REQUEST_GET_DESCRIPTOR,
+            kReportDescriptor, static_cast<uint16_t>(interface.number), descriptor.data(),
+            static_cast<uint16_t>(descriptor.size()), kTimeoutMs);
+        if (received == static_cast<int>(descriptor.size()) || received == LIBUSB_ERROR_TIMEOUT
+            || received == LIBUSB_ERROR_NO_DEVICE)
+            break;
+    }
+    descriptor.resize(received > 0 ? static_cast<size_t>(received) : 0);
+    return descriptor;
+}
+
+InterfaceCheck claim(libusb_device_handle* handle, const HidInterface& interface, bool read)
+{
+    ClaimedInterface claimed(handle, interface.number);
+    InterfaceCheck check = failed(interface, claimed.error());
+    if (!claimed.error() && read)
+        check.descriptor = readDescriptor(handle, interface);
+    const int error = claimed.giveBack();
+    if (error == LIBUSB_ERROR_NO_DEVICE)
+        return goneCheck();
+    if (error)
+        return {Access::kOtherError,
+            "the kernel's driver could not be attached again; plug the device in again",
+            std::move(check.descriptor), error};
+    return check;
+}
+
+} // namespace
+
+InterfaceCheck checkInterface(const HidInterface& interface, Depth depth, bool wantDescriptor)
+{
+    const SignalHold hold;
+    libusb_device_handle* opened = nullptr;
+    if (const int error = libusb_open(interface.device.get(), &opened))
+        return failed(interface, error);
+    const UsbDeviceHandle handle(opened);
+    return depth == Depth::kClaim ? claim(opened, interface, wantDescriptor) : InterfaceCheck{};
+}
+
+InterfaceCheck goneCheck()
+{
+    return {Access::kOtherError, "it was unplugged meanwhile", {}, LIBUSB_ERROR_NO_DEVICE};
+}
+
+} // namespace ctl

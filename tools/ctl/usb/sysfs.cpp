@@ -1,0 +1,30 @@
+#include "tools/ctl/usb/sysfs.h"
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace ctl {
+
+report::Bytes sysfsDescriptor(const fs::path& interface)
+{
+    std::error_code ignored; // without the directory there is nothing to iterate
+    for (const auto& entry : fs::directory_iterator(interface, ignored)) {
+        std::ifstream file(entry.path() / "report_descriptor", std::ios::binary);
+        if (file)
+            return {std::istreambuf_iterator<char>(file), {}};
+    }
+    return {};
+}
+
+std::string sysfsAttribute(const fs::path& device, const std::string& name)
+{
+    std::ifstream file(device / name);
+    std::string line;
+    std::getline(file, line);
+    return line;
+}
+
+} // namespace ctl
