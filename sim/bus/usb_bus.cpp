@@ -106,6 +106,7 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     const int address = ++lastAddress_;
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);
+    usbfs->showDriver({root_ + "/sys" + place.sysfsPath, info});
     makeNode(place.node, *usbfs);
     if (!umockdev_testbed_add_from_string(
             testbed_, sysfsRecord(place, address, info).c_str(), nullptr))

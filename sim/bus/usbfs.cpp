@@ -177,14 +177,26 @@ long Usbfs::driverIoctl(UMockdevIoctlData* target)
     case USBDEVFS_CONNECT: {
         const long result = owner_.connectDriver(number);
         if (result > 0)
-            urbs_.dropInput(); // the driver reads it
+            driverChanged();
         return result;
     }
-    case USBDEVFS_DISCONNECT:
-        return owner_.disconnectDriver(number);
+    case USBDEVFS_DISCONNECT: {
+        const long result = owner_.disconnectDriver(number);
+        if (result == 0)
+            driverChanged();
+        return result;
+    }
     default:
         return -ENOTTY;
     }
+}
+
+void Usbfs::driverChanged()
+{
+    if (owner_.driverBound())
+        urbs_.dropInput(); // the driver reads it
+    if (directory_)
+        directory_->setBound(owner_.driverBound());
 }
 
 long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)

@@ -2,6 +2,7 @@
 // device node open.
 #pragma once
 
+#include "sim/bus/hid_directory.h"
 #include "sim/bus/interface_owner.h"
 #include "sim/bus/pty_node.h"
 #include "sim/bus/urb_queue.h"
@@ -10,6 +11,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace sim {
 
@@ -18,6 +20,10 @@ public:
     explicit Usbfs(std::shared_ptr<DeviceModel> device);
 
     const std::string& nodePath() const { return node_.path(); }
+
+    // From now on the directory is there while the kernel's driver has the interface. To be called
+    // before a client can open the node.
+    void showDriver(HidDirectory directory) { directory_ = std::move(directory); }
 
     // Any thread may call these. For those that UsbDevice has too, see there.
     bool inject(const Bytes& report);
@@ -45,6 +51,7 @@ private:
     long submitInterrupt(Urb urb, uint8_t endpoint);
     long reap(UMockdevIoctlClient* client, UMockdevIoctlData* target);
 
+    void driverChanged();
     void stateChanged();
 
     const std::shared_ptr<DeviceModel> device_;
@@ -54,6 +61,7 @@ private:
     PtyNode node_;
     bool connected_ = true;
     InterfaceOwner owner_;
+    std::optional<HidDirectory> directory_;
     UrbQueue urbs_;
 };
 

@@ -14,6 +14,7 @@ enum DescriptorType : uint8_t {
     kHid = 0x21
 };
 
+constexpr uint8_t kBootSubclass = 1;
 constexpr uint8_t kMaxControlPacket = 64;
 constexpr uint8_t kInterruptTransfer = 3;
 constexpr uint8_t kIntervalMs = 1;
@@ -69,8 +70,9 @@ Bytes configurationDescriptor(const UsbDeviceInfo& info)
 {
     Bytes bytes = {9, kConfiguration, 0, 0, 1, 1, 0, 0x80, 50}; // value 1, bus powered, 100 mA
     const uint8_t endpoints = info.hasOutEndpoint ? 2 : 1;
-    append(
-        bytes, {9, kInterface, info.interfaceNumber, 0, endpoints, info.interfaceClass, 0, 0, 0});
+    const uint8_t subclass = info.boot ? kBootSubclass : 0;
+    append(bytes,
+        {9, kInterface, info.interfaceNumber, 0, endpoints, info.interfaceClass, subclass, 0, 0});
     append(bytes, hidDescriptor(info));
     append(bytes, endpointDescriptor(info, kEndpointIn));
     if (info.hasOutEndpoint)

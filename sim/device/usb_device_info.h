@@ -38,6 +38,7 @@ struct UsbDeviceInfo {
 
     uint8_t interfaceNumber = 0;
     uint8_t interfaceClass = kHidInterfaceClass;
+    bool boot = false; // of the boot subclass, as keyboards and mice are
     // Without an OUT endpoint the host sends output reports by SET_REPORT.
     bool hasOutEndpoint = true;
     uint16_t maxPacketSize = 64;
