@@ -1,13 +1,14 @@
 // kelprobectl: shows, explains and checks the call controls of USB HID devices.
 #include "app/standardstreams.h"
 #include "tools/ctl/cli/command.h"
+#include "tools/ctl/usb/list_command.h"
 
 #include <array>
 
 namespace {
 
 // In the order of --help.
-constexpr std::array<ctl::AddCommand, 0> kCommands{};
+constexpr std::array<ctl::AddCommand, 1> kCommands{ctl::addListCommand};
 
 } // namespace
 

@@ -1,13 +1,12 @@
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/usb/device_list.h"
 #include "tools/ctl/usb/device_scan.h"
+#include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <regex>
 
 namespace ctl {
@@ -36,14 +35,6 @@ bool isPath(const std::string& text)
     static const std::regex form("[0-9]+-[0-9.]+:[0-9]+\\.[0-9]+|"
                                  "[0-9a-fA-F]{4}:[0-9a-fA-F]{4}:[0-9a-fA-F]{2}");
     return std::regex_match(text, form);
-}
-
-std::string idsOf(const DeviceEntry& entry)
-{
-    std::array<char, 16> text{};
-    std::snprintf(
-        text.data(), text.size(), "%04x:%04x", unsigned{entry.vendorId}, unsigned{entry.productId});
-    return text.data();
 }
 
 std::string lowerCase(std::string text)
@@ -75,7 +66,7 @@ DeviceEntry& byNumber(Entries& entries, const std::string& choice)
 {
     std::vector<std::string> names;
     for (const DeviceEntry& entry : entries)
-        names.push_back(isIds(choice) ? idsOf(entry) : entry.path);
+        names.push_back(isIds(choice) ? idsText(entry) : entry.path);
     const std::vector<std::string_view> views(names.begin(), names.end());
     const std::string_view nearest = text::nearest(choice, views);
     throw Failure(kNoAccess,
@@ -93,7 +84,7 @@ DeviceEntry& chosen(Entries& entries, const std::string& choice)
             text::printable(choice) + " does not name a device; " + std::string(kHowToChoose));
     const std::string wanted = lowerCase(choice);
     DeviceEntry* const found = firstThat(entries, [&](const DeviceEntry& entry) {
-        return isIds(wanted) ? idsOf(entry) == wanted : entry.path == wanted;
+        return isIds(wanted) ? idsText(entry) == wanted : entry.path == wanted;
     });
     if (!found)
         failNotFound(entries, choice);
@@ -112,8 +103,8 @@ DeviceEntry& chosen(Entries& entries, const std::string& choice)
     std::string list;
     for (const DeviceEntry& entry : entries) {
         if (entry.telephony)
-            list += (list.empty() ? "" : ", ") + std::to_string(entry.number) + " = " + idsOf(entry)
-                + ' ' + text::printable(entry.product);
+            list += (list.empty() ? "" : ", ") + std::to_string(entry.number) + " = "
+                + idsText(entry) + ' ' + text::printable(entry.product);
     }
     throw Failure(kWrongUse,
         "several telephony devices are present (" + list + "); " + std::string(kHowToChoose));
@@ -124,7 +115,7 @@ DeviceEntry& onlyTelephony(DeviceScan& scan)
     DeviceEntry* found = nullptr;
     bool several = false;
     for (DeviceEntry& entry : scan.entries()) {
-        scan.readDescriptor(entry);
+        scan.complete(entry, Detail::kDescriptor);
         several = several || (found && entry.telephony);
         if (entry.telephony && !found)
             found = &entry;
@@ -140,9 +131,10 @@ DeviceEntry& onlyTelephony(DeviceScan& scan)
 
 DeviceEntry chooseDevice(const std::optional<std::string>& choice)
 {
-    DeviceScan scan;
+    const UsbContext context = startUsb();
+    DeviceScan scan(context.get());
     DeviceEntry& entry = choice ? chosen(scan.entries(), *choice) : onlyTelephony(scan);
-    scan.examine(entry);
+    scan.complete(entry, Detail::kDescriptorAndAccess);
     return entry;
 }
 

@@ -6,9 +6,10 @@ namespace ctl {
 
 std::vector<DeviceEntry> listDevices()
 {
-    DeviceScan scan;
+    const UsbContext context = startUsb();
+    DeviceScan scan(context.get());
     for (DeviceEntry& entry : scan.entries())
-        scan.examine(entry);
+        scan.complete(entry, Detail::kDescriptorAndAccess);
     return std::move(scan.entries());
 }
 

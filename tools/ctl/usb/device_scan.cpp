@@ -18,40 +18,9 @@ namespace {
             + "; kelprobectl doctor explains more");
 }
 
-UsbContext makeContext()
-{
-    libusb_context* context = nullptr;
-    if (const int error = libusb_init(&context))
-        failWithoutUsb(libusb_strerror(error));
-    return UsbContext(context);
-}
-
 bool sameIds(const DeviceEntry& one, const DeviceEntry& other)
 {
     return one.vendorId == other.vendorId && one.productId == other.productId;
-}
-
-std::vector<DeviceEntry> enumerate()
-{
-    if (hid_init() != 0)
-        failWithoutUsb("hidapi cannot start");
-    const HidList list(hid_enumerate(0, 0));
-    std::vector<DeviceEntry> entries;
-    for (const hid_device_info* info = list.get(); info; info = info->next) {
-        DeviceEntry entry;
-        entry.number = entries.size() + 1;
-        entry.vendorId = info->vendor_id;
-        entry.productId = info->product_id;
-        entry.path = info->path;
-        entry.manufacturer = utf8(info->manufacturer_string);
-        entry.product = utf8(info->product_string);
-        entry.serialNumber = utf8(info->serial_number);
-        entry.interface = info->interface_number;
-        entry.firstOfItsIds = std::none_of(entries.begin(), entries.end(),
-            [&](const DeviceEntry& earlier) { return sameIds(earlier, entry); });
-        entries.push_back(std::move(entry));
-    }
-    return entries;
 }
 
 void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
@@ -81,53 +50,82 @@ void completeNames(DeviceEntry& entry, const HidInterface& interface)
 
 } // namespace
 
-DeviceScan::DeviceScan()
+UsbContext startUsb()
 {
     // libusb's threads must not take the signals that are held during a check.
     const SignalHold hold;
-    context_ = makeContext();
-    entries_ = enumerate();
+    libusb_context* context = nullptr;
+    if (const int error = libusb_init(&context))
+        failWithoutUsb(libusb_strerror(error));
+    UsbContext owner(context);
+    if (hid_init() != 0)
+        failWithoutUsb("hidapi cannot start");
+    return owner;
+}
+
+std::vector<DeviceEntry> enumerateHid(uint16_t vendorId, uint16_t productId)
+{
+    const HidList list(hid_enumerate(vendorId, productId));
+    std::vector<DeviceEntry> entries;
+    for (const hid_device_info* info = list.get(); info; info = info->next) {
+        DeviceEntry entry;
+        entry.number = entries.size() + 1;
+        entry.vendorId = info->vendor_id;
+        entry.productId = info->product_id;
+        entry.path = info->path;
+        entry.manufacturer = utf8(info->manufacturer_string);
+        entry.product = utf8(info->product_string);
+        entry.serialNumber = utf8(info->serial_number);
+        entry.interface = info->interface_number;
+        entry.firstOfItsIds = std::none_of(entries.begin(), entries.end(),
+            [&](const DeviceEntry& earlier) { return sameIds(earlier, entry); });
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+void examine(DeviceEntry& entry, const HidInterface& interface, Detail detail)
+{
+    completeNames(entry, interface);
+    if (entry.descriptor.empty())
+        setDescriptor(entry, sysfsDescriptor(interface.directory()));
+    const bool unknown = entry.descriptor.empty();
+    if (!unknown && detail == Detail::kDescriptor)
+        return;
+    const bool mayClaim = !interface.boot && (unknown || entry.telephony);
+    InterfaceCheck check
+        = checkInterface(interface, mayClaim ? Depth::kClaim : Depth::kNode, unknown);
+    if (unknown)
+        setDescriptor(entry, std::move(check.descriptor));
+    if (interface.boot && check.access == Access::kOpen) {
+        check.access = Access::kNotTried;
+        check.text = "not tried, because a keyboard or mouse would stop working";
+    }
+    setAccess(entry, check);
+}
+
+DeviceScan::DeviceScan(libusb_context* context)
+    : entries_(enumerateHid())
+{
     libusb_device** list = nullptr;
-    const ssize_t count = libusb_get_device_list(context_.get(), &list);
+    const ssize_t count = libusb_get_device_list(context, &list);
     if (count < 0)
         failWithoutUsb(libusb_strerror(static_cast<int>(count)));
     list_.reset(list);
     devices_ = {list, static_cast<size_t>(count)};
 }
 
-void DeviceScan::readDescriptor(DeviceEntry& entry)
+std::optional<HidInterface> DeviceScan::interfaceOf(const DeviceEntry& entry) const
 {
-    complete(entry, false);
+    return findInterface(devices_, entry.path);
 }
 
-void DeviceScan::examine(DeviceEntry& entry)
+void DeviceScan::complete(DeviceEntry& entry, Detail detail) const
 {
-    complete(entry, true);
-}
-
-void DeviceScan::complete(DeviceEntry& entry, bool wantAccess)
-{
-    const auto interface = findInterface(devices_, entry.path);
-    if (!interface) {
+    if (const auto interface = interfaceOf(entry))
+        examine(entry, *interface, detail);
+    else
         setAccess(entry, goneCheck());
-        return;
-    }
-    completeNames(entry, *interface);
-    if (entry.descriptor.empty())
-        setDescriptor(entry, sysfsDescriptor(interface->directory()));
-    const bool unknown = entry.descriptor.empty();
-    if (!unknown && !wantAccess)
-        return;
-    const bool mayClaim = !interface->boot && (unknown || entry.telephony);
-    InterfaceCheck check
-        = checkInterface(*interface, mayClaim ? Depth::kClaim : Depth::kNode, unknown);
-    setAccess(entry, check);
-    if (unknown)
-        setDescriptor(entry, std::move(check.descriptor));
-    if (interface->boot && check.access == Access::kOpen)
-        setAccess(entry,
-            {Access::kNotTried, "not tried, because a keyboard or mouse would stop working", {},
-                0});
 }
 
 } // namespace ctl

@@ -30,21 +30,21 @@ HidInterface makeInterface(libusb_device* device, const libusb_interface_descrip
         KX::AnnouncedDescriptorLength(classDescriptor).value_or(0)};
 }
 
-std::optional<HidInterface> findInterface(libusb_device* device, const std::string& path)
+// Calls function(configuration, interface descriptor) for each HID interface of the device.
+template <typename Function>
+void forEachInterface(libusb_device* device, const Function& function)
 {
     const UsbConfiguration configuration = activeConfiguration(device);
     if (!configuration)
-        return std::nullopt;
+        return;
     for (const auto& interface :
         std::span(configuration->interface, configuration->bNumInterfaces)) {
         for (const auto& descriptor :
             std::span(interface.altsetting, static_cast<size_t>(interface.num_altsetting))) {
-            if (descriptor.bInterfaceClass == LIBUSB_CLASS_HID
-                && KX::IsHidPath(path, device, *configuration, descriptor.bInterfaceNumber))
-                return makeInterface(device, descriptor);
+            if (descriptor.bInterfaceClass == LIBUSB_CLASS_HID)
+                function(*configuration, descriptor);
         }
     }
-    return std::nullopt;
 }
 
 } // namespace
@@ -73,18 +73,36 @@ fs::path HidInterface::directory() const
     const UsbConfiguration configuration = activeConfiguration(device.get());
     if (!configuration)
         return {};
-    return deviceDirectory().native() + ':' + std::to_string(configuration->bConfigurationValue)
-        + '.' + std::to_string(number);
+    const fs::path parent = deviceDirectory();
+    return parent
+        / (parent.filename().native() + ':' + std::to_string(configuration->bConfigurationValue)
+            + '.' + std::to_string(number));
+}
+
+std::vector<HidInterface> hidInterfaces(libusb_device* device)
+{
+    std::vector<HidInterface> interfaces;
+    forEachInterface(device, [&](const auto&, const libusb_interface_descriptor& descriptor) {
+        interfaces.push_back(makeInterface(device, descriptor));
+    });
+    return interfaces;
 }
 
 std::optional<HidInterface> findInterface(
     std::span<libusb_device* const> devices, const std::string& path)
 {
+    std::optional<HidInterface> found;
     for (libusb_device* const device : devices) {
-        if (auto found = findInterface(device, path))
-            return found;
+        forEachInterface(
+            device, [&](const auto& configuration, const libusb_interface_descriptor& descriptor) {
+                if (!found
+                    && KX::IsHidPath(path, device, configuration, descriptor.bInterfaceNumber))
+                    found = makeInterface(device, descriptor);
+            });
+        if (found)
+            break;
     }
-    return std::nullopt;
+    return found;
 }
 
 } // namespace ctl

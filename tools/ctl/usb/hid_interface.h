@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace ctl {
 
@@ -21,9 +22,12 @@ struct HidInterface {
     [[nodiscard]] std::filesystem::path node() const;
     // "/sys/bus/usb/devices/1-2.3".
     [[nodiscard]] std::filesystem::path deviceDirectory() const;
-    // "/sys/bus/usb/devices/1-2.3:1.0". Empty if the device has gone.
+    // "/sys/bus/usb/devices/1-2.3/1-2.3:1.0". Empty if the device has gone.
     [[nodiscard]] std::filesystem::path directory() const;
 };
+
+// The HID interfaces of the device's active configuration, one for each alternate setting.
+[[nodiscard]] std::vector<HidInterface> hidInterfaces(libusb_device* device);
 
 // The interface among those of `devices` that hidapi names `path`. No value if the device was
 // unplugged.

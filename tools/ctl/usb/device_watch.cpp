@@ -1,0 +1,114 @@
+#include "tools/ctl/usb/device_watch.h"
+
+#include "tools/ctl/usb/device_scan.h"
+#include "tools/ctl/usb/sysfs.h"
+
+#include <algorithm>
+#include <array>
+#include <unistd.h>
+
+namespace ctl {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kTimeToSettle = 1500ms;
+constexpr int kRetryMs = 50;
+
+// Whether the kernel's driver has the interface and this user may open it. Without the driver, a
+// claim could keep the driver away for good.
+bool isSettled(const HidInterface& interface)
+{
+    return !sysfsDescriptor(interface.directory()).empty()
+        && checkInterface(interface, Depth::kNode, false).access != Access::kNoPermission;
+}
+
+} // namespace
+
+DeviceWatch::DeviceWatch(const StopSignals& stop, Callback callback)
+    : stop_(stop)
+    , callback_(std::move(callback))
+{
+}
+
+void DeviceWatch::run()
+{
+    const UsbContext context = startUsb();
+    Hotplug hotplug(context.get()); // before the first list, so that nothing is missed
+    reportPresent(context.get());
+    std::array<pollfd, 2> others{{{stop_.fd(), POLLIN, 0}, {STDOUT_FILENO, 0, 0}}};
+    while (!stop_.stopped() && others[1].revents == 0) {
+        hotplug.wait(others, new_.empty() ? -1 : kRetryMs);
+        for (Hotplug::Event& event : hotplug.take())
+            handle(std::move(event));
+        reportReady();
+    }
+}
+
+DeviceWatch::Key DeviceWatch::keyOf(libusb_device* device)
+{
+    return {libusb_get_bus_number(device), libusb_get_device_address(device)};
+}
+
+void DeviceWatch::reportPresent(libusb_context* context)
+{
+    DeviceScan scan(context);
+    for (DeviceEntry& entry : scan.entries()) {
+        const auto interface = scan.interfaceOf(entry);
+        if (!interface)
+            continue; // unplugged meanwhile
+        examine(entry, *interface, Detail::kDescriptorAndAccess);
+        callback_(Change::kPresent, entry);
+        reported_[keyOf(interface->device.get())].push_back(entry);
+    }
+}
+
+void DeviceWatch::handle(Hotplug::Event event)
+{
+    libusb_device* const device = event.device.get();
+    if (!event.arrived)
+        remove(device);
+    else if (!reported_.contains(keyOf(device)) && !hidInterfaces(device).empty())
+        new_.push_back({std::move(event.device), Clock::now() + kTimeToSettle});
+}
+
+void DeviceWatch::remove(libusb_device* device)
+{
+    std::erase_if(
+        new_, [&](const NewDevice& added) { return keyOf(added.device.get()) == keyOf(device); });
+    const auto found = reported_.find(keyOf(device));
+    if (found == reported_.end())
+        return;
+    for (const DeviceEntry& entry : found->second)
+        callback_(Change::kRemoved, entry);
+    reported_.erase(found);
+}
+
+void DeviceWatch::reportReady()
+{
+    const auto ready = std::stable_partition(new_.begin(), new_.end(), [](const NewDevice& added) {
+        const auto interfaces = hidInterfaces(added.device.get());
+        return Clock::now() < added.deadline
+            && !std::all_of(interfaces.begin(), interfaces.end(), isSettled);
+    });
+    for (auto added = ready; added != new_.end(); ++added)
+        reportAdded(added->device.get());
+    new_.erase(ready, new_.end());
+}
+
+void DeviceWatch::reportAdded(libusb_device* device)
+{
+    libusb_device_descriptor descriptor{};
+    (void)libusb_get_device_descriptor(device, &descriptor); // cannot fail
+    for (DeviceEntry& entry : enumerateHid(descriptor.idVendor, descriptor.idProduct)) {
+        const auto interface = findInterface(std::array{device}, entry.path);
+        if (!interface)
+            continue; // another device with these ids
+        entry.number = 0;
+        examine(entry, *interface, Detail::kDescriptorAndAccess);
+        callback_(Change::kAdded, entry);
+        reported_[keyOf(device)].push_back(entry);
+    }
+}
+
+} // namespace ctl

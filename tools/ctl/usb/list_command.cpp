@@ -1,0 +1,147 @@
+#include "tools/ctl/usb/list_command.h"
+
+#include "tools/ctl/cli/output.h"
+#include "tools/ctl/cli/stop_signals.h"
+#include "tools/ctl/usb/device_list.h"
+#include "tools/ctl/usb/device_watch.h"
+#include "tools/ctl/usb/device_words.h"
+#include "tools/text/printable.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace ctl {
+namespace {
+
+struct Options {
+    bool watch = false;
+    bool telephony = false;
+    bool json = false;
+};
+
+using Entries = std::vector<DeviceEntry>;
+
+// A device whose descriptor is unknown may be a telephony device.
+bool isWanted(const DeviceEntry& entry, const Options& options)
+{
+    return !options.telephony || entry.telephony || entry.descriptor.empty();
+}
+
+Json::Value toJson(const Entries& entries, const report::UsageNames& names)
+{
+    Json::Value list(Json::arrayValue);
+    for (const DeviceEntry& entry : entries)
+        list.append(deviceJson(entry, names));
+    return list;
+}
+
+// What the columns do not say.
+void printRemarks(const Entries& entries)
+{
+    Output& out = Output::out();
+    for (const DeviceEntry& entry : entries) {
+        const std::string number = std::to_string(entry.number) + ": ";
+        if (!entry.accessText.empty())
+            out.line(number + entry.accessText);
+        if (!entry.firstOfItsIds)
+            out.line(number + "an earlier line has the same ids; the window opens that one");
+    }
+}
+
+void printTable(const Entries& entries, const report::UsageNames& names)
+{
+    Output& out = Output::out();
+    const std::vector<std::string> lines = deviceTable(entries, names);
+    out.line(out.styled(Style::kStrong, lines.front()));
+    std::for_each(lines.begin() + 1, lines.end(), [&](const std::string& line) { out.line(line); });
+    out.line("");
+    printRemarks(entries);
+    out.line("A command takes a device by number, ids or path: kelprobectl describe "
+        + std::to_string(entries.front().number));
+}
+
+int listOnce(const Options& options)
+{
+    Entries entries = listDevices();
+    std::erase_if(entries, [&](const DeviceEntry& entry) { return !isWanted(entry, options); });
+    const auto names = entries.empty() ? report::UsageNames() : report::UsageNames::load();
+    if (options.json)
+        Output::out().json(toJson(entries, names));
+    if (entries.empty())
+        throw Failure(kNoAccess,
+            options.telephony ? "no telephony device is present; kelprobectl list shows the others"
+                              : "no HID device is present; plug one in");
+    if (!options.json)
+        printTable(entries, names);
+    return kFine;
+}
+
+const char* nameOf(DeviceWatch::Change change)
+{
+    switch (change) {
+    case DeviceWatch::Change::kPresent:
+        return "present";
+    case DeviceWatch::Change::kAdded:
+        return "added";
+    case DeviceWatch::Change::kRemoved:
+        return "removed";
+    }
+    return "";
+}
+
+std::string lineOf(
+    DeviceWatch::Change change, const DeviceEntry& entry, const report::UsageNames& names)
+{
+    constexpr size_t wordWidth = 9;
+    std::string line = nameOf(change);
+    line.resize(wordWidth, ' ');
+    line += idsText(entry) + "  " + text::printable(entry.path) + "  " + nameText(entry);
+    if (change == DeviceWatch::Change::kRemoved)
+        return line;
+    line += "  [" + pagesText(entry, names) + "]  " + accessWord(entry.access);
+    return entry.accessText.empty() ? line : line + ": " + entry.accessText;
+}
+
+int watch(const Options& options)
+{
+    const StopSignals stop;
+    const report::UsageNames names = report::UsageNames::load();
+    if (!options.json)
+        Output::err().line("Waiting for devices to come and go. Ctrl-C ends.");
+    const auto print = [&](DeviceWatch::Change change, const DeviceEntry& entry) {
+        if (!isWanted(entry, options))
+            return;
+        if (options.json) {
+            Json::Value event;
+            event["event"] = nameOf(change);
+            event["device"] = deviceJson(entry, names);
+            Output::out().jsonLine(event);
+        } else {
+            Output::out().line(lineOf(change, entry, names));
+        }
+    };
+    DeviceWatch(stop, print).run();
+    return kFine;
+}
+
+} // namespace
+
+void addListCommand(CLI::App& app, Run& run)
+{
+    CLI::App& command = *app.add_subcommand("list", "List the HID devices and who can open them");
+    const auto options = std::make_shared<Options>();
+    command.add_flag("--watch", options->watch, "Follow plug and unplug until Ctrl-C");
+    command.add_flag("--telephony", options->telephony, "Leave out devices without telephony");
+    command.add_flag("--json", options->json, "Print JSON; with --watch one line for each event");
+    command.footer("Telephony devices are opened and given back, which interrupts their volume\n"
+                   "keys for a moment.\n"
+                   "Exit status: 0 there are devices, 3 there are none or USB cannot be used.\n"
+                   "Example: kelprobectl list --telephony");
+    command.callback([options, &run] {
+        run = [options] { return options->watch ? watch(*options) : listOnce(*options); };
+    });
+}
+
+} // namespace ctl
