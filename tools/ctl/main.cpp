@@ -1,6 +1,7 @@
 // kelprobectl: shows, explains and checks the call controls of USB HID devices.
 #include "app/standardstreams.h"
 #include "tools/ctl/cli/command.h"
+#include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
 
 #include <array>
@@ -8,7 +9,7 @@
 namespace {
 
 // In the order of --help.
-constexpr std::array<ctl::AddCommand, 1> kCommands{ctl::addListCommand};
+constexpr std::array<ctl::AddCommand, 2> kCommands{ctl::addListCommand, ctl::addDoctorCommand};
 
 } // namespace
 

@@ -1,6 +1,6 @@
+#include "tools/ctl/usb/device_choice.h"
+
 #include "tools/ctl/cli/command.h"
-#include "tools/ctl/usb/device_list.h"
-#include "tools/ctl/usb/device_scan.h"
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
@@ -129,11 +129,16 @@ DeviceEntry& onlyTelephony(DeviceScan& scan)
 
 } // namespace
 
+DeviceEntry& chooseEntry(DeviceScan& scan, const std::optional<std::string>& choice)
+{
+    return choice ? chosen(scan.entries(), *choice) : onlyTelephony(scan);
+}
+
 DeviceEntry chooseDevice(const std::optional<std::string>& choice)
 {
     const UsbContext context = startUsb();
     DeviceScan scan(context.get());
-    DeviceEntry& entry = choice ? chosen(scan.entries(), *choice) : onlyTelephony(scan);
+    DeviceEntry& entry = chooseEntry(scan, choice);
     scan.complete(entry, Detail::kDescriptorAndAccess);
     return entry;
 }

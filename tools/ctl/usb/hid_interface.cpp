@@ -30,20 +30,18 @@ HidInterface makeInterface(libusb_device* device, const libusb_interface_descrip
         KX::AnnouncedDescriptorLength(classDescriptor).value_or(0)};
 }
 
-// Calls function(configuration, interface descriptor) for each HID interface of the device.
+// Calls function(configuration, interface descriptor) for each alternate setting of each interface.
 template <typename Function>
-void forEachInterface(libusb_device* device, const Function& function)
+void forEachSetting(libusb_device* device, const Function& function)
 {
     const UsbConfiguration configuration = activeConfiguration(device);
     if (!configuration)
         return;
     for (const auto& interface :
         std::span(configuration->interface, configuration->bNumInterfaces)) {
-        for (const auto& descriptor :
-            std::span(interface.altsetting, static_cast<size_t>(interface.num_altsetting))) {
-            if (descriptor.bInterfaceClass == LIBUSB_CLASS_HID)
-                function(*configuration, descriptor);
-        }
+        for (const auto& setting :
+            std::span(interface.altsetting, static_cast<size_t>(interface.num_altsetting)))
+            function(*configuration, setting);
     }
 }
 
@@ -82,10 +80,20 @@ fs::path HidInterface::directory() const
 std::vector<HidInterface> hidInterfaces(libusb_device* device)
 {
     std::vector<HidInterface> interfaces;
-    forEachInterface(device, [&](const auto&, const libusb_interface_descriptor& descriptor) {
-        interfaces.push_back(makeInterface(device, descriptor));
+    forEachSetting(device, [&](const auto&, const libusb_interface_descriptor& setting) {
+        if (setting.bInterfaceClass == LIBUSB_CLASS_HID)
+            interfaces.push_back(makeInterface(device, setting));
     });
     return interfaces;
+}
+
+bool hasInterface(libusb_device* device, libusb_class_code interfaceClass)
+{
+    bool found = false;
+    forEachSetting(device, [&](const auto&, const libusb_interface_descriptor& setting) {
+        found = found || setting.bInterfaceClass == interfaceClass;
+    });
+    return found;
 }
 
 std::optional<HidInterface> findInterface(
@@ -93,11 +101,11 @@ std::optional<HidInterface> findInterface(
 {
     std::optional<HidInterface> found;
     for (libusb_device* const device : devices) {
-        forEachInterface(
-            device, [&](const auto& configuration, const libusb_interface_descriptor& descriptor) {
-                if (!found
-                    && KX::IsHidPath(path, device, configuration, descriptor.bInterfaceNumber))
-                    found = makeInterface(device, descriptor);
+        forEachSetting(
+            device, [&](const auto& configuration, const libusb_interface_descriptor& setting) {
+                if (!found && setting.bInterfaceClass == LIBUSB_CLASS_HID
+                    && KX::IsHidPath(path, device, configuration, setting.bInterfaceNumber))
+                    found = makeInterface(device, setting);
             });
         if (found)
             break;

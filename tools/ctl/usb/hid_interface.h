@@ -29,6 +29,9 @@ struct HidInterface {
 // The HID interfaces of the device's active configuration, one for each alternate setting.
 [[nodiscard]] std::vector<HidInterface> hidInterfaces(libusb_device* device);
 
+// Whether the device's active configuration has an interface of that class.
+[[nodiscard]] bool hasInterface(libusb_device* device, libusb_class_code interfaceClass);
+
 // The interface among those of `devices` that hidapi names `path`. No value if the device was
 // unplugged.
 [[nodiscard]] std::optional<HidInterface> findInterface(

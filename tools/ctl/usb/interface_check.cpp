@@ -2,6 +2,7 @@
 
 #include "tools/ctl/usb/signal_hold.h"
 
+#include <system_error>
 #include <utility>
 
 namespace ctl {
@@ -51,6 +52,22 @@ private:
     int error_ = LIBUSB_SUCCESS;
 };
 
+// As in a container that has /sys but not the devices.
+bool isPresentWithoutNode(const HidInterface& interface)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(interface.deviceDirectory(), ignored)
+        && !std::filesystem::exists(interface.node(), ignored);
+}
+
+InterfaceCheck missingNodeCheck(const HidInterface& interface)
+{
+    return {Access::kOtherError,
+        interface.node().native()
+            + " is not there; give this container or sandbox access to /dev/bus/usb",
+        {}, LIBUSB_ERROR_NO_DEVICE};
+}
+
 InterfaceCheck failed(const HidInterface& interface, int error)
 {
     switch (error) {
@@ -64,7 +81,7 @@ InterfaceCheck failed(const HidInterface& interface, int error)
     case LIBUSB_ERROR_BUSY:
         return {Access::kBusy, "another program has the interface; close that program", {}, error};
     case LIBUSB_ERROR_NO_DEVICE:
-        return goneCheck();
+        return isPresentWithoutNode(interface) ? missingNodeCheck(interface) : goneCheck();
     default:
         return {Access::kOtherError, std::string(libusb_strerror(error)) + "; plug it in again", {},
             error};

@@ -100,8 +100,8 @@ std::string lineOf(
     line += idsText(entry) + "  " + text::printable(entry.path) + "  " + nameText(entry);
     if (change == DeviceWatch::Change::kRemoved)
         return line;
-    line += "  [" + pagesText(entry, names) + "]  " + accessWord(entry.access);
-    return entry.accessText.empty() ? line : line + ": " + entry.accessText;
+    line += "  [" + pagesText(entry, names) + "]  ";
+    return line + (entry.accessText.empty() ? accessWord(entry.access) : entry.accessText);
 }
 
 int watch(const Options& options)

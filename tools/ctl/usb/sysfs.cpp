@@ -19,6 +19,17 @@ report::Bytes sysfsDescriptor(const fs::path& interface)
     return {};
 }
 
+std::vector<std::string> hidrawNames(const fs::path& interface)
+{
+    std::vector<std::string> names;
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(interface, ignored)) {
+        for (const auto& node : fs::directory_iterator(entry.path() / "hidraw", ignored))
+            names.push_back(node.path().filename());
+    }
+    return names;
+}
+
 std::string sysfsAttribute(const fs::path& device, const std::string& name)
 {
     std::ifstream file(device / name);

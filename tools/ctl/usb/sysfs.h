@@ -13,6 +13,9 @@ namespace ctl {
 // The driver may have corrected it.
 [[nodiscard]] report::Bytes sysfsDescriptor(const std::filesystem::path& interface);
 
+// The names of the interface's hidraw nodes: "hidraw0".
+[[nodiscard]] std::vector<std::string> hidrawNames(const std::filesystem::path& interface);
+
 // The first line of an attribute of a device: "manufacturer", "product", "serial". Empty if there
 // is none.
 [[nodiscard]] std::string sysfsAttribute(

@@ -1,0 +1,12 @@
+// What the machine and the session have to do with USB and the window.
+#pragma once
+
+#include "tools/ctl/usb/finding.h"
+
+namespace ctl {
+
+// About the environment, the files and the libraries; not about devices. hidapi must have been
+// started by startUsb(), or have failed to.
+[[nodiscard]] Findings systemFindings();
+
+} // namespace ctl
