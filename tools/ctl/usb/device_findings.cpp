@@ -44,7 +44,7 @@ Finding access(const DeviceEntry& entry, const HidInterface& interface)
     case Access::kNoPermission:
         return {Level::kProblem, "no-permission",
             "no permission to open " + interface.node().native(),
-            permissionRemedy(entry, udevRuleCovers(interface.device.get()),
+            permissionRemedy(entry, hasInterface(interface.device.get(), LIBUSB_CLASS_AUDIO),
                 udevRuleState(udevRuleDirectories()))};
     case Access::kBusy:
         return busy(interface);

@@ -105,7 +105,6 @@ void examine(DeviceEntry& entry, const HidInterface& interface, Detail detail)
 }
 
 DeviceScan::DeviceScan(libusb_context* context)
-    : entries_(enumerateHid())
 {
     libusb_device** list = nullptr;
     const ssize_t count = libusb_get_device_list(context, &list);
@@ -113,6 +112,8 @@ DeviceScan::DeviceScan(libusb_context* context)
         failWithoutUsb(libusb_strerror(static_cast<int>(count)));
     list_.reset(list);
     devices_ = {list, static_cast<size_t>(count)};
+    // After the list: a device whose node is missing leaves libusb's list when hidapi opens it.
+    entries_ = enumerateHid();
 }
 
 std::optional<HidInterface> DeviceScan::interfaceOf(const DeviceEntry& entry) const

@@ -39,9 +39,9 @@ public:
     void complete(DeviceEntry& entry, Detail detail) const;
 
 private:
-    std::vector<DeviceEntry> entries_;
     UsbDeviceList list_;
     std::span<libusb_device*> devices_;
+    std::vector<DeviceEntry> entries_;
 };
 
 } // namespace ctl

@@ -20,20 +20,21 @@ public:
         : handle_(handle)
         , number_(number)
     {
-        if (libusb_kernel_driver_active(handle, number) == 1) {
-            error_ = libusb_detach_kernel_driver(handle, number);
-            detached_ = error_ == LIBUSB_SUCCESS;
-        }
-        if (!error_)
-            error_ = libusb_claim_interface(handle, number);
-        claimed_ = error_ == LIBUSB_SUCCESS;
+        const bool hasDriver = libusb_kernel_driver_active(handle, number) == 1;
+        if (hasDriver)
+            detachError_ = libusb_detach_kernel_driver(handle, number);
+        detached_ = hasDriver && !detachError_;
+        if (!detachError_)
+            claimError_ = libusb_claim_interface(handle, number);
+        claimed_ = !detachError_ && !claimError_;
     }
     ~ClaimedInterface() { (void)giveBack(); }
     ClaimedInterface(const ClaimedInterface&) = delete;
     ClaimedInterface& operator=(const ClaimedInterface&) = delete;
 
-    // libusb's error of the first operation that failed, or 0.
-    [[nodiscard]] int error() const { return error_; }
+    // libusb's errors, 0 also if there was nothing to do.
+    [[nodiscard]] int detachError() const { return detachError_; }
+    [[nodiscard]] int claimError() const { return claimError_; }
 
     // What the destructor does. Returns libusb's error if the driver could not be attached.
     [[nodiscard]] int giveBack()
@@ -49,7 +50,8 @@ private:
     const int number_;
     bool detached_ = false;
     bool claimed_ = false;
-    int error_ = LIBUSB_SUCCESS;
+    int detachError_ = LIBUSB_SUCCESS;
+    int claimError_ = LIBUSB_SUCCESS;
 };
 
 // As in a container that has /sys but not the devices.
@@ -88,6 +90,13 @@ InterfaceCheck failed(const HidInterface& interface, int error)
     }
 }
 
+InterfaceCheck driverFailed(const HidInterface& interface, int error, const std::string& what)
+{
+    if (error == LIBUSB_ERROR_NO_DEVICE)
+        return failed(interface, error);
+    return {Access::kOtherError, what + "; plug the device in again", {}, error};
+}
+
 report::Bytes readDescriptor(libusb_device_handle* handle, const HidInterface& interface)
 {
     report::Bytes descriptor(interface.announcedLength);
@@ -107,16 +116,13 @@ report::Bytes readDescriptor(libusb_device_handle* handle, const HidInterface& i
 InterfaceCheck claim(libusb_device_handle* handle, const HidInterface& interface, bool read)
 {
     ClaimedInterface claimed(handle, interface.number);
-    InterfaceCheck check = failed(interface, claimed.error());
-    if (!claimed.error() && read)
+    if (claimed.detachError())
+        return driverFailed(interface, claimed.detachError(), "the kernel's driver stays attached");
+    InterfaceCheck check = failed(interface, claimed.claimError());
+    if (check.access == Access::kOpen && read)
         check.descriptor = readDescriptor(handle, interface);
-    const int error = claimed.giveBack();
-    if (error == LIBUSB_ERROR_NO_DEVICE)
-        return goneCheck();
-    if (error)
-        return {Access::kOtherError,
-            "the kernel's driver could not be attached again; plug the device in again",
-            std::move(check.descriptor), error};
+    if (const int error = claimed.giveBack())
+        return driverFailed(interface, error, "the kernel's driver could not be attached again");
     return check;
 }
 

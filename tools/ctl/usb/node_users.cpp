@@ -15,13 +15,20 @@ namespace fs = std::filesystem;
 namespace ctl {
 namespace {
 
-// The device number of a character device. Device nodes may have several paths.
-std::optional<dev_t> deviceNumber(const fs::path& path)
+std::optional<struct stat> statusOf(const fs::path& path)
 {
     struct stat status { };
-    if (stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode))
+    if (stat(path.c_str(), &status) != 0)
         return std::nullopt;
-    return status.st_rdev;
+    return status;
+}
+
+// Nodes of one device in different places, as in a container, have the same device number.
+bool isSameDevice(const struct stat& one, const struct stat& other)
+{
+    const bool sameFile = one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+    return sameFile
+        || (S_ISCHR(one.st_mode) && S_ISCHR(other.st_mode) && one.st_rdev == other.st_rdev);
 }
 
 bool isNumber(const std::string& name)
@@ -30,12 +37,13 @@ bool isNumber(const std::string& name)
 }
 
 // Processes may end at any time, so failures mean that there is nothing to see.
-bool hasOpen(const fs::path& process, dev_t device)
+bool hasOpen(const fs::path& process, const struct stat& node)
 {
     std::error_code error;
     for (fs::directory_iterator entry(process / "fd", error), end; !error && entry != end;
          entry.increment(error)) {
-        if (deviceNumber(entry->path()) == device)
+        const auto status = statusOf(entry->path());
+        if (status && isSameDevice(*status, node))
             return true;
     }
     return false;
@@ -54,13 +62,13 @@ std::string nameOf(const fs::path& process)
 std::vector<std::string> usersOfNode(const fs::path& node)
 {
     std::vector<std::string> users;
-    const auto device = deviceNumber(node);
+    const auto status = statusOf(node);
     const std::string self = std::to_string(getpid());
     std::error_code error;
-    for (fs::directory_iterator entry("/proc", error), end; device && !error && entry != end;
+    for (fs::directory_iterator entry("/proc", error), end; status && !error && entry != end;
          entry.increment(error)) {
         const std::string name = entry->path().filename();
-        if (isNumber(name) && name != self && hasOpen(entry->path(), *device))
+        if (isNumber(name) && name != self && hasOpen(entry->path(), *status))
             users.push_back(nameOf(entry->path()));
     }
     return users;

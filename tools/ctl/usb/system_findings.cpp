@@ -2,6 +2,7 @@
 
 #include "report/usage_names.h"
 #include "tools/ctl/usb/udev_rule.h"
+#include "tools/ctl/usb/usb_handles.h"
 #include "tools/ctl/usb/wide_text.h"
 
 #include <cstdlib>

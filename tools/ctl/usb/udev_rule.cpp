@@ -61,11 +61,6 @@ RuleState udevRuleState(std::span<const fs::path> directories)
     return RuleState::kMissing;
 }
 
-bool udevRuleCovers(libusb_device* device)
-{
-    return hasInterface(device, LIBUSB_CLASS_AUDIO) && hasInterface(device, LIBUSB_CLASS_HID);
-}
-
 std::string permissionRemedy(const DeviceEntry& entry, bool covered, RuleState state)
 {
     if (!covered)

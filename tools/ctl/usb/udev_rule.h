@@ -2,8 +2,9 @@
 #pragma once
 
 #include "tools/ctl/usb/device_list.h"
-#include "tools/ctl/usb/hid_interface.h"
 
+#include <filesystem>
+#include <span>
 #include <string_view>
 
 namespace ctl {
@@ -20,10 +21,8 @@ enum class RuleState { kMissing, kDiffers, kInstalled };
 // Whether the rule is in one of the directories. Comments do not count as a difference.
 [[nodiscard]] RuleState udevRuleState(std::span<const std::filesystem::path> directories);
 
-// Whether the rule covers the device: it has audio and HID interfaces.
-[[nodiscard]] bool udevRuleCovers(libusb_device* device);
-
-// What to do in order to get permission for a device, as lines. `covered`: by the rule.
+// What to do in order to get permission for a device, as lines. The rule covers
+// devices that have audio and HID interfaces.
 [[nodiscard]] std::string permissionRemedy(const DeviceEntry& entry, bool covered, RuleState state);
 
 } // namespace ctl

@@ -1,0 +1,158 @@
+// kelprobectl doctor.
+#include "tests/ctl/ctl_bus_test.h"
+#include "tools/ctl/usb/udev_rule.h"
+
+#include <hidapi/hidapi.h>
+#include <json/json.h>
+
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Doctor : public CtlBusTest {
+protected:
+    void SetUp() override
+    {
+        CtlBusTest::SetUp();
+        unsetenv("DISPLAY");
+        unsetenv("WAYLAND_DISPLAY");
+    }
+
+    // Runs doctor, which has to print these texts.
+    int run(const std::string& arguments, std::initializer_list<std::string> texts)
+    {
+        const int status = CtlBusTest::run("doctor " + arguments);
+        for (const std::string& text : texts)
+            EXPECT_NE(out_.find(text), std::string::npos) << text << " not in:\n" << out_ << err_;
+        return status;
+    }
+
+    // "id:level" of each finding about a device.
+    std::string findings(const sim::UsbDevice& device)
+    {
+        (void)run(device.hidPath() + " --json", {});
+        Json::Value report;
+        std::istringstream(out_) >> report;
+        std::string text;
+        for (const Json::Value& finding : report["devices"][0]["findings"])
+            text += finding["id"].asString() + ':' + finding["level"].asString() + ' ';
+        return text;
+    }
+};
+
+TEST_F(Doctor, SaysWhatToDoAboutEachDevice)
+{
+    EXPECT_EQ(run("", {"problem  no HID device is present\n", "Kelprobe can use no device.\n"}), 3);
+    auto& open = plug();
+    EXPECT_EQ(run("",
+                  {"\n\n1209:0001 Kelprobe Simulated speakerphone (1-1:1.0)\n"
+                   "  ok       this user can open it\n"
+                   "  note     while Kelprobe has it open, the kernel's driver is detached",
+                      "\n\nKelprobe can use Kelprobe Simulated speakerphone.\n",
+                      "note     there is no display", "ok       /dev/bus/usb is there\n"}),
+        0);
+    EXPECT_EQ(open.counters().claims, 1) << "it really claims";
+    EXPECT_TRUE(open.driverBound() && !open.claimed()) << "and gives the driver back";
+
+    plug("led-per-report").setOpenable(false);
+    plug("no-telephony");
+    // Advice although another one opens.
+    EXPECT_EQ(run("",
+                  {"problem  no permission to open /dev/bus/usb/001/003\n",
+                      "1 HID device without telephony controls"}),
+        0);
+    EXPECT_EQ(run("047f:c056", {"Kelprobe can use no device."}), 3);
+    EXPECT_EQ(run("1209:0004", {"it has no telephony collection"}), 3);
+    EXPECT_EQ(run("1209:0001", {}), 0);
+    open.faults().refuseClaim.arm();
+    EXPECT_EQ(run("", {"problem  another program has the interface\n"}), 3);
+    EXPECT_TRUE(open.driverBound()) << "also after a refused claim";
+    EXPECT_EQ(run("9", {}), 3);
+    EXPECT_EQ(err_, "kelprobectl: there is no device 9; kelprobectl list shows 3\n");
+    EXPECT_EQ(run("x", {}), 2);
+}
+
+TEST_F(Doctor, NamesEachKindOfFinding)
+{
+    auto& device = plug();
+    EXPECT_EQ(findings(device), "open:ok driver:note ");
+    device.faults().refuseDetach.arm();
+    EXPECT_EQ(findings(device), "open-fails:problem ");
+    device.faults().clear();
+
+    const std::string hid = sysDirectory(device) + device.hidPath() + "/0003:1209:0001.0001";
+    fs::create_directories(hid + "/hidraw/hidraw7");
+    std::ofstream(std::string(getenv("UMOCKDEV_DIR")) + "/dev/hidraw7");
+    device.setOpenable(false);
+    EXPECT_EQ(findings(device), "no-permission:problem hidraw:note ");
+    device.setOpenable(true);
+
+    hideDescriptor(device);
+    EXPECT_EQ(findings(device), "open:ok no-driver:note ");
+    device.faults().stallReportDescriptor.arm();
+    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem ");
+
+    sim::UsbDeviceInfo info = sim::findProfile("speakerphone")->info;
+    info.product = u"\xdc00";
+    auto& nameless = plug(info);
+    EXPECT_EQ(findings(nameless), "open:ok driver:note no-name:note ");
+    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem same-ids:note ");
+    info.boot = true;
+    EXPECT_EQ(findings(plug(info)), "not-tried:note no-name:note ");
+}
+
+TEST_F(Doctor, NamesTheProgramThatHasTheInterface)
+{
+    auto& device = plug();
+    hid_device* const opened = hid_open_path(device.hidPath().c_str());
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(run("",
+                  {"close it; these have the device open: test-ctl-usb (" + std::to_string(getpid())
+                      + ")"}),
+        3);
+    EXPECT_TRUE(device.claimed()) << "the other program keeps it";
+    hid_close(opened);
+    EXPECT_EQ(run("", {}), 0);
+}
+
+TEST_F(Doctor, PrintsTheUdevRule)
+{
+    EXPECT_EQ(run("--udev-rule", {}), 0);
+    EXPECT_EQ(out_, test::content(KELPROBE_UDEV_RULE_FILE));
+}
+
+TEST(UdevRule, IsFoundInTheFirstDirectoryThatHasIt)
+{
+    const test::TempDirectory first;
+    const test::TempDirectory second;
+    const std::vector<fs::path> directories = {first.path(), second.path()};
+    const auto state = [&] { return ctl::udevRuleState(directories); };
+    const std::string rule = test::content(KELPROBE_UDEV_RULE_FILE);
+    EXPECT_EQ(state(), ctl::RuleState::kMissing);
+    (void)second.file("70-kelprobe.rules", "# changed comment\n\n" + rule);
+    EXPECT_EQ(state(), ctl::RuleState::kInstalled);
+    (void)first.file("70-kelprobe.rules", ""); // switches the rule off
+    EXPECT_EQ(state(), ctl::RuleState::kDiffers);
+}
+
+TEST(UdevRule, RemedyDependsOnTheDeviceAndTheRule)
+{
+    ctl::DeviceEntry entry;
+    entry.vendorId = 0x47f;
+    entry.productId = 0xc056;
+    const auto remedy = [&](bool covered, ctl::RuleState state) {
+        return ctl::permissionRemedy(entry, covered, state);
+    };
+    EXPECT_NE(remedy(true, ctl::RuleState::kMissing)
+                  .find("doctor --udev-rule | sudo tee /etc/udev/rules.d/70-kelprobe.rules\n"),
+        std::string::npos);
+    EXPECT_TRUE(remedy(true, ctl::RuleState::kInstalled).starts_with("the udev rule is installed"));
+    EXPECT_NE(remedy(false, ctl::RuleState::kInstalled)
+                  .find(R"(echo 'SUBSYSTEM=="usb", ATTR{idVendor}=="047f", )"
+                        R"(ATTR{idProduct}=="c056", TAG+="uaccess"')"),
+        std::string::npos);
+}
+
+} // namespace

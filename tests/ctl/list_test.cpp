@@ -1,0 +1,330 @@
+// kelprobectl list, and the choice of a device.
+#include "tests/ctl/ctl_bus_test.h"
+#include "tools/ctl/cli/command.h"
+#include "tools/ctl/usb/device_list.h"
+#include "tools/ctl/usb/wide_text.h"
+
+#include <hidapi/hidapi.h>
+#include <json/json.h>
+
+#include <map>
+#include <sstream>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+Json::Value parse(const std::string& text)
+{
+    Json::Value value;
+    std::istringstream(text) >> value;
+    return value;
+}
+
+class List : public CtlBusTest {
+protected:
+    // The devices of list --json by their paths.
+    std::map<std::string, Json::Value> devices()
+    {
+        EXPECT_EQ(run("list --json"), 0) << err_;
+        std::map<std::string, Json::Value> found;
+        for (const Json::Value& device : parse(out_))
+            found[device["path"].asString()] = device;
+        return found;
+    }
+
+    sim::UsbDevice& plugKeyboard()
+    {
+        sim::UsbDeviceInfo info = sim::findProfile("no-telephony")->info;
+        info.boot = true;
+        return plug(info);
+    }
+};
+
+TEST_F(List, SaysThatThereIsNoDevice)
+{
+    EXPECT_EQ(run("list"), 3);
+    EXPECT_EQ(out_ + err_, "kelprobectl: no HID device is present; plug one in\n");
+    EXPECT_EQ(run("list --json"), 3);
+    EXPECT_EQ(out_, "[]\n");
+    plug("no-telephony");
+    EXPECT_EQ(run("list --telephony"), 3);
+    EXPECT_EQ(out_ + err_,
+        "kelprobectl: no telephony device is present; kelprobectl list shows the others\n");
+}
+
+TEST_F(List, AlignsDevicesAndGivesAdviceBelow)
+{
+    sim::UsbDeviceInfo hostile = sim::findProfile("no-telephony")->info;
+    hostile.manufacturer = u"\x1b[31mRed\nnext";
+    hostile.product = u"\u202ever\u00e9 long";
+    hostile.serialNumber = u"\xd800";
+    plug(hostile);
+    plug().setOpenable(false);
+    plug("webcam").faults().refuseClaim.arm();
+    plug();
+    EXPECT_EQ(run("list"), 0);
+    EXPECT_EQ(err_, "");
+    EXPECT_EQ(out_,
+        R"(No  Ids        Path     Name                                      Telephony  Access         Usage pages
+1   1209:0001  1-4:1.0  Kelprobe Simulated speakerphone           yes        can be opened  Consumer, Page 0xff00, Telephony
+2   1209:0003  1-3:1.0  Kelprobe Simulated webcam                 yes        in use         Page 0xff00, Page 0xff01, Telephony
+3   1209:0001  1-2:1.0  (no name)                                 yes        no permission  Consumer, Page 0xff00, Telephony
+4   1209:0004  1-1:1.0  \x1b[31mRed\x0anext \xe2\x80\xaeveré ...  no         can be opened  Consumer, Page 0xff00
+
+2: another program has the interface; close that program
+3: no permission to open /dev/bus/usb/001/003; install the udev rule: kelprobectl doctor explains how
+3: an earlier line has the same ids; the window opens that one
+A command takes a device by number, ids or path: kelprobectl describe 1
+)");
+}
+
+TEST_F(List, ClaimsTelephonyDevicesOnlyAndGivesThemBack)
+{
+    struct Case {
+        sim::UsbDevice& device;
+        std::string access;
+        int claims;
+    };
+    std::vector<Case> cases = {
+        {plug(), "open", 1},
+        {plug("no-telephony"), "open", 0},
+        {plugKeyboard(), "not-tried", 0},
+        {plug("webcam"), "busy", 0},
+        {plug("led-per-report"), "error", 0},
+        {plug("no-report-ids"), "no-permission", 0},
+    };
+    cases[3].device.faults().refuseClaim.arm();
+    cases[4].device.faults().refuseDetach.arm();
+    cases[5].device.setOpenable(false);
+    const auto list = devices();
+    for (const auto& [device, access, claims] : cases) {
+        const Json::Value& entry = list.at(device.hidPath());
+        EXPECT_EQ(entry["access"].asString(), access) << device.hidPath();
+        EXPECT_EQ(entry["accessText"].asString().empty(), access == "open");
+        EXPECT_EQ(device.counters().claims, claims) << device.hidPath();
+        EXPECT_EQ(device.counters().reportDescriptorReads, 0) << "it is in sysfs";
+        EXPECT_TRUE(device.driverBound() && !device.claimed()) << device.hidPath();
+    }
+}
+
+TEST_F(List, ReadsDescriptorsFromTheDeviceIfSysfsHasNone)
+{
+    auto& telephony = plug();
+    auto& other = plug("no-telephony");
+    auto& keyboard = plugKeyboard();
+    auto& stalling = plug("webcam");
+    auto& cut = plug("led-per-report");
+    for (sim::UsbDevice* const device : {&telephony, &other, &keyboard, &stalling, &cut})
+        hideDescriptor(*device);
+    stalling.faults().stallReportDescriptor.arm();
+    cut.faults().shortLength = 6;
+    cut.faults().shortenReportDescriptor.arm();
+    auto list = devices();
+    for (const auto& [device, descriptor, reads, isTelephony] :
+        {std::tuple{&telephony, Json::Value("050c0901"), 1, Json::Value(true)},
+            {&other, Json::Value("050c0901"), 1, Json::Value(false)},
+            {&keyboard, Json::Value(), 0, Json::Value()},
+            {&stalling, Json::Value(), 4, Json::Value()},
+            {&cut, Json::Value("050b0905"), 4, Json::Value(true)}}) {
+        const Json::Value& entry = list[device->hidPath()];
+        const Json::Value& found = entry["descriptor"];
+        EXPECT_EQ(found.isNull() ? found : Json::Value(found.asString().substr(0, 8)), descriptor);
+        EXPECT_EQ(entry["telephony"], isTelephony) << device->hidPath();
+        EXPECT_EQ(device->counters().reportDescriptorReads, reads) << device->hidPath();
+        EXPECT_TRUE(device->driverBound() && !device->claimed()) << device->hidPath();
+    }
+}
+
+TEST_F(List, NumbersFollowHidapiAndNamesSysfsWithoutPermission)
+{
+    auto& forbidden = plug();
+    plug("webcam");
+    plug();
+    std::string paths;
+    hid_device_info* const list = hid_enumerate(0, 0);
+    for (const hid_device_info* info = list; info; info = info->next)
+        paths += info->path + std::string(" ");
+    hid_free_enumeration(list);
+    forbidden.setOpenable(false);
+    std::ofstream(sysDirectory(forbidden) + "product") << "Kernel's name\n";
+
+    EXPECT_EQ(run("list --json"), 0);
+    std::string listed;
+    for (const Json::Value& entry : parse(out_))
+        listed += entry["path"].asString() + ' ';
+    EXPECT_EQ(listed, paths);
+    EXPECT_EQ(devices()[forbidden.hidPath()]["product"].asString(), "Kernel's name");
+}
+
+TEST_F(List, SaysWhenASandboxHidesTheNode)
+{
+    const std::string path = plug().hidPath();
+    fs::remove(std::string(getenv("UMOCKDEV_DIR")) + "/dev/bus/usb/001/002");
+    EXPECT_EQ(devices()[path]["accessText"].asString(),
+        "/dev/bus/usb/001/002 is not there; give this container or sandbox access to /dev/bus/usb");
+}
+
+// Signals and unplugs come at any moment of the program.
+TEST_F(List, LeavesTheDriverAttachedWhenASignalEndsIt)
+{
+    auto& device = plug();
+    hideDescriptor(device);
+    for (int i = 0; i < 40; ++i) {
+        CtlProcess process("list", errorFile());
+        const int claims = device.counters().claims;
+        if (i % 2)
+            (void)eventually([&] { return device.counters().claims != claims; });
+        std::this_thread::sleep_for(std::chrono::milliseconds(i / 4));
+        const int status = process.end(i % 4 < 2 ? SIGINT : SIGTERM);
+        EXPECT_TRUE(status == 0 || status > 128) << status;
+        EXPECT_TRUE(eventually([&] { return !device.claimed(); }));
+        EXPECT_TRUE(device.driverBound()) << i;
+    }
+}
+
+TEST_F(List, SurvivesUnplugsAtAnyMoment)
+{
+    auto& device = plug();
+    auto& stays = plug("webcam");
+    std::atomic<bool> done = false;
+    std::thread storm([&] {
+        while (!done) {
+            device.unplug();
+            device.plug();
+        }
+    });
+    for (int i = 0; i < 15; ++i) {
+        const auto list = devices();
+        ASSERT_TRUE(list.contains(stays.hidPath()));
+        EXPECT_EQ(list.at(stays.hidPath())["access"].asString(), "open");
+    }
+    done = true;
+    storm.join();
+    EXPECT_TRUE(stays.driverBound() && !stays.claimed());
+}
+
+TEST_F(List, FollowsPlugAndUnplug)
+{
+    auto& first = plug();
+    CtlProcess watch("list --watch", errorFile());
+    const std::string speakerphone = "1209:0001  1-1:1.0  Kelprobe Simulated speakerphone";
+    const std::string pages = "  [Consumer, Page 0xff00, Telephony]  ";
+    EXPECT_EQ(watch.line(), "present  " + speakerphone + pages + "can be opened");
+    first.unplug();
+    EXPECT_EQ(watch.line(), "removed  " + speakerphone);
+
+    // udev sets permissions some time after the device is there.
+    first.setOpenable(false);
+    first.plug();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    first.setOpenable(true);
+    EXPECT_EQ(watch.line(), "added    " + speakerphone + pages + "can be opened");
+    EXPECT_TRUE(first.driverBound());
+    first.unplug();
+    EXPECT_EQ(watch.line(), "removed  " + speakerphone);
+    first.setOpenable(false);
+    first.plug();
+    EXPECT_TRUE(watch.line().starts_with(
+        "added    1209:0001  1-1:1.0  (no name)" + pages + "no permission to open /dev/bus/usb"));
+    EXPECT_EQ(watch.end(SIGINT), 0);
+}
+
+TEST_F(List, ReportsAStormOfPlugsCompletely)
+{
+    auto& device = plug();
+    auto& stays = plug("webcam");
+    CtlProcess watch("list --watch --json --telephony", errorFile());
+    std::map<std::string, std::string> last; // event by path
+    const auto readEvent = [&] {
+        const Json::Value event = parse(watch.line());
+        const std::string path = event["device"]["path"].asString();
+        const std::string name = event["event"].asString();
+        EXPECT_NE(name, last[path]) << "plug and unplug alternate";
+        EXPECT_EQ(event["device"]["number"].isNull(), name == "added");
+        last[path] = name;
+    };
+    readEvent();
+    readEvent();
+    for (int i = 0; i < 100; ++i) {
+        device.unplug();
+        device.plug();
+    }
+    device.unplug();
+    stays.unplug();
+    while (last[device.hidPath()] != "removed" || last[stays.hidPath()] != "removed")
+        readEvent();
+    device.plug();
+    while (last[device.hidPath()] != "added")
+        readEvent();
+    EXPECT_EQ(watch.end(SIGTERM), 0);
+}
+
+TEST_F(List, WatchEndsWhenItsReaderHasGone)
+{
+    plug();
+    const test::TempDirectory directory;
+    const std::string script = "(" KELPROBECTL " list --watch 2>/dev/null; echo $? >"
+        + directory.path() + "status) | head -1 >/dev/null";
+    EXPECT_EQ(std::system(script.c_str()), 0);
+    EXPECT_TRUE(eventually([&] { return test::content(directory.path() + "status") == "0\n"; }));
+}
+
+TEST_F(List, ChoosesTheDeviceThatIsMeant)
+{
+    const auto choose = [](const std::optional<std::string>& choice) -> std::string {
+        try {
+            return ctl::chooseDevice(choice).path;
+        } catch (const ctl::Failure& failure) {
+            return std::to_string(failure.status) + ' ' + failure.what();
+        }
+    };
+    const std::string how = "; choose by ids (vvvv:pppp), path or number, see kelprobectl list";
+    EXPECT_EQ(choose({}), "3 no HID device is present; plug one in, or try a simulated one");
+    plug("no-telephony");
+    EXPECT_EQ(choose({}), "3 no device has telephony controls" + how);
+    plug();
+    EXPECT_EQ(choose({}), "1-2:1.0");
+    auto& second = plug();
+    for (const auto& [choice, expected] : std::map<std::string, std::string>{
+             {"1209:0004", "1-1:1.0"},
+             {"1209:0001", "1-3:1.0"}, // the first in hidapi's order, as the window does
+             {"1-2:1.0", "1-2:1.0"},
+             {"2", "1-2:1.0"},
+             {"0", "3 there is no device 0; kelprobectl list shows 3"},
+             {"4", "3 there is no device 4; kelprobectl list shows 3"},
+             {"1290:0001", "3 device 1290:0001 is not present; did you mean 1209:0001?"},
+             {"abcd:ef99",
+                 "3 device abcd:ef99 is not present; kelprobectl list shows those that are"},
+             {"1-4:1.0", "3 device 1-4:1.0 is not present; did you mean 1-3:1.0?"},
+             {"", "2  does not name a device" + how},
+             {"1209:1", "2 1209:1 does not name a device" + how},
+             {"\n", "2 \\x0a does not name a device" + how},
+         })
+        EXPECT_EQ(choose(choice), expected);
+    EXPECT_EQ(choose({}),
+        "2 several telephony devices are present (1 = 1209:0001 Simulated speakerphone, 2 = "
+        "1209:0001 Simulated speakerphone)"
+            + how);
+    EXPECT_EQ(second.counters().claims, 1) << "only the chosen device is claimed";
+}
+
+TEST(DeviceChoice, HasThreeForms)
+{
+    for (const auto& [text, expected] : std::map<std::string, bool>{{"1209:0001", true},
+             {"0B0E:0410", true}, {"12", true}, {"1-2.3.4:1.0", true}, {"0001:0002:00", true},
+             {"", false}, {"1209:000", false}, {"/1209:0001", false}, {"12345", false},
+             {"1-2", false}, {"0x12", false}, {"device.hex", false}, {"-1", false}})
+        EXPECT_EQ(ctl::isDeviceChoice(text), expected) << text;
+}
+
+TEST(WideText, BecomesValidUtf8)
+{
+    EXPECT_EQ(ctl::utf8(nullptr), "");
+    EXPECT_EQ(ctl::utf8(L"a\u00e9\u20ac\U0001f3a7"), "a\u00e9\u20ac\U0001f3a7");
+    const wchar_t wrong[] = {0xd800, 'a', 0xdfff, 0x110000, -1, 0};
+    EXPECT_EQ(ctl::utf8(wrong), "\ufffda\ufffd\ufffd\ufffd");
+}
+
+} // namespace
