@@ -27,6 +27,7 @@ struct DescriptorError {
     // One line. "FILE:LINE:COLUMN: expected ..., found ..." for a text with an error (line and
     // column count from 1, the column in bytes), "FILE: ..." for a file that cannot be read.
     std::string text;
+    bool unreadable = false; // the file cannot be read; otherwise its content is wrong
 };
 
 using DescriptorResult = std::variant<DescriptorBytes, DescriptorError>;
