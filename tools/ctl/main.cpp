@@ -1,6 +1,7 @@
 // kelprobectl: shows, explains and checks the call controls of USB HID devices.
 #include "app/standardstreams.h"
 #include "tools/ctl/cli/command.h"
+#include "tools/ctl/convert/convert.h"
 #include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
 
@@ -9,7 +10,11 @@
 namespace {
 
 // In the order of --help.
-constexpr std::array<ctl::AddCommand, 2> kCommands{ctl::addListCommand, ctl::addDoctorCommand};
+constexpr std::array kCommands{
+    ctl::addListCommand,
+    ctl::addDoctorCommand,
+    ctl::addConvertCommand,
+};
 
 } // namespace
 

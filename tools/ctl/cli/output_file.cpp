@@ -66,6 +66,20 @@ void OutputFile::write(std::string_view bytes)
     }
 }
 
+std::FILE* OutputFile::openStream() const
+{
+    const int fd = fcntl(fd_, F_DUPFD_CLOEXEC, 0);
+    if (fd < 0)
+        fail(errno);
+    std::FILE* const stream = fdopen(fd, "wb");
+    if (!stream) {
+        const int error = errno;
+        close(fd);
+        fail(error);
+    }
+    return stream;
+}
+
 void OutputFile::finish()
 {
     if (close(std::exchange(fd_, -1)) != 0)

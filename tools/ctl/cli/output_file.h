@@ -1,6 +1,7 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -22,13 +23,18 @@ public:
     // name of the file, for example if the disk is full.
     void write(std::string_view bytes);
 
+    // For libraries that write to a stream: a new one that appends to the file. The caller closes
+    // it before finish(), and checks it for errors, which it passes to fail(). Throws Failure.
+    [[nodiscard]] std::FILE* openStream() const;
+
+    // Throws Failure with the name of the file and the text of this error number.
+    [[noreturn]] void fail(int error) const;
+
     // To be called once, after the last write(). Throws Failure; an existing file of the name is
     // unchanged then.
     void finish();
 
 private:
-    [[noreturn]] void fail(int error) const;
-
     const std::filesystem::path path_;
     std::string temporary_; // empty if the file is written directly or finished
     int fd_ = -1;

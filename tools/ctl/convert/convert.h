@@ -1,0 +1,10 @@
+// kelprobectl convert: recordings in other formats.
+#pragma once
+
+#include "tools/ctl/cli/command.h"
+
+namespace ctl {
+
+void addConvertCommand(CLI::App& app, Run& run);
+
+} // namespace ctl
