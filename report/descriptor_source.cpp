@@ -63,6 +63,12 @@ bool isDefined(const Item& item)
     return false;
 }
 
+// Some devices give a length that is too long, and zeros for the rest.
+bool isPadding(const Item& item)
+{
+    return item.bytes.front() == 0 && item.offset > 0;
+}
+
 std::vector<FoundDescriptor> readBinary(std::string_view content, const std::string& name)
 {
     if (content.size() > kMaxDescriptorSize)
@@ -70,15 +76,15 @@ std::vector<FoundDescriptor> readBinary(std::string_view content, const std::str
             name + ": a binary file of more than 65535 bytes, which no report descriptor has"};
     DescriptorBytes bytes(content.begin(), content.end());
     for (const Item& item : splitItems(bytes)) {
-        if (item.truncated)
-            throw DescriptorError{name + ": a binary file that ends within the item at byte "
-                + std::to_string(item.offset)};
-        if (!isDefined(item)) {
+        if (!isDefined(item) && !isPadding(item)) {
             std::array<char, 8> prefix{};
             std::snprintf(prefix.data(), prefix.size(), "0x%02x", unsigned{item.bytes.front()});
             throw DescriptorError{name + ": a binary file that is no report descriptor: item "
                 + prefix.data() + " at byte " + std::to_string(item.offset) + " is reserved"};
         }
+        if (item.truncated)
+            throw DescriptorError{name + ": a binary file that ends within the item at byte "
+                + std::to_string(item.offset)};
     }
     return {{std::move(bytes)}};
 }

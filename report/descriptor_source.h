@@ -2,8 +2,9 @@
 //
 // - Binary, as in sysfs' report_descriptor: one of the first 16 bytes is a control character that
 //   text does not contain. This holds for every descriptor with a Usage Page item near its start.
-//   The bytes must be whole items without reserved tags, so that other binary files are refused. A
-//   descriptor of printable bytes only is taken for text; write it in hexadecimal.
+//   The bytes must be whole items, none of them reserved except zeros after the first item, with
+//   which devices pad. So other binary files are refused. A descriptor of printable bytes only is
+//   taken for text; write it in hexadecimal.
 // - Text of usbhid-dump: the first line is BUS:DEVICE:INTERFACE:DESCRIPTOR or :STREAM. Gives one
 //   descriptor for each DESCRIPTOR block. STREAM blocks have none.
 // - A recording (report/recording.h): the first line has a key such as "R:". Gives one descriptor

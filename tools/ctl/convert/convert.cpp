@@ -45,9 +45,9 @@ void writeDescriptors(CaptureFile& capture, const report::Recording& recording)
     }
 }
 
-void writeReports(CaptureFile& capture, const report::Recording& recording)
+void writeReports(
+    CaptureFile& capture, const report::Recording& recording, const StopSignals& signals)
 {
-    const StopSignals signals;
     const size_t count = recording.reports.size();
     for (size_t i = 0; i < count; ++i) {
         if (signals.stopped())
@@ -63,10 +63,11 @@ int convert(const Options& options)
 {
     const report::Recording recording = readRecording(options.recording);
     refuseSameFile(options);
+    const StopSignals signals; // no part of the file may stay
     OutputFile file(options.capture);
     CaptureFile capture(file);
     writeDescriptors(capture, recording);
-    writeReports(capture, recording);
+    writeReports(capture, recording, signals);
     capture.finish();
     file.finish();
     return kFine;
