@@ -1,0 +1,26 @@
+// Errors of text readers.
+#pragma once
+
+#include "fuzz/require.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+// Requires "f:LINE:COLUMN: ..." with a place in `text` or at its end.
+inline void RequirePlace(const std::string& error, std::string_view text)
+{
+    Require(error.starts_with("f:"));
+    char* end = nullptr;
+    const unsigned long line = std::strtoul(&error[2], &end, 10);
+    Require(line >= 1 && *end == ':');
+    const unsigned long column = std::strtoul(end + 1, &end, 10);
+    Require(column >= 1 && std::string_view(end).starts_with(": "));
+    for (unsigned long i = 1; i < line; ++i) {
+        const size_t lineEnd = text.find('\n');
+        Require(lineEnd != text.npos);
+        text.remove_prefix(lineEnd + 1);
+    }
+    Require(column - 1 <= std::min(text.find('\n'), text.size()));
+}
