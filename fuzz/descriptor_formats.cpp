@@ -18,9 +18,11 @@ std::string Text(const report::DescriptorsResult& result, unsigned long linesBef
         return std::to_string(line - linesBefore) + end;
     }
     std::string text;
-    for (const auto& [bytes, label, ids, name] : std::get<Found>(result))
-        text += label + '|' + name + '|' + (ids ? std::to_string(ids->vendor) : "") + '|'
-            + report::toHex(bytes) + '\n';
+    for (const auto& [bytes, label, ids, name] : std::get<Found>(result)) {
+        for (const std::string& part : {label, name, ids ? std::to_string(ids->vendor) : ""})
+            text.append(part).append("|");
+        text.append(report::toHex(bytes)).append("\n");
+    }
     return text;
 }
 

@@ -20,7 +20,9 @@ std::string textOf(const report::DescriptorsResult& result)
         if (ids)
             std::snprintf(idText.data(), idText.size(), "%04x:%04x", unsigned{ids->vendor},
                 unsigned{ids->product});
-        text += label + '|' + name + '|' + idText.data() + '|' + report::toHex(bytes) + '\n';
+        for (const std::string& part : {label, name, std::string(idText.data())})
+            text.append(part).append("|");
+        text.append(report::toHex(bytes)).append("\n");
     }
     return text;
 }
