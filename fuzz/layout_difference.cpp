@@ -10,8 +10,7 @@
 namespace naive {
 namespace {
 
-constexpr size_t kMaxReports = 12;       // of a descriptor, that are read
-constexpr size_t kMaxReportSize = 80;    // bytes
+constexpr size_t kMaxReportSize = 40;   // bytes
 constexpr uint64_t kMaxUsageIndex = 40; // that is compared
 
 uint32_t Number(report::Usage usage)
@@ -131,10 +130,12 @@ private:
 
     void CompareValues()
     {
-        size_t reports = 0;
+        // One or two reports. Which they are depends on the descriptor's length.
+        const size_t step = 1 + layout_.reportBits.size() / 2;
+        size_t number = descriptor_.size();
         for (const auto& [key, bits] : layout_.reportBits) {
-            if (++reports > kMaxReports)
-                break;
+            if (++number % step != 0)
+                continue;
             const size_t size = (bits + 7) / 8;
             report::ReportWords words(layout_, names_);
             for (const size_t received : {size, size, size - size / 2, size + 1})
