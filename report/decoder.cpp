@@ -1,6 +1,7 @@
 #include "report/decoder.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace report {
 namespace {
@@ -23,6 +24,7 @@ uint64_t readBits(std::span<const uint8_t> bytes, size_t offset, uint32_t size)
 
 int64_t withSign(uint64_t value, uint32_t size)
 {
+    assert(size != 0);
     const uint32_t unusedBits = kValueBits - std::min(size, kValueBits);
     return static_cast<int64_t>(value << unusedBits) >> unusedBits;
 }

@@ -8,7 +8,7 @@
 namespace report {
 namespace {
 
-constexpr size_t kMaxFileSize = 16 * 1024 * 1024;
+constexpr size_t kMaxFileSize = size_t{16} * 1024 * 1024;
 constexpr size_t kMaxNameSize = 255; // longer ones are ignored
 constexpr uint16_t kButtonPage = 0x09;
 constexpr std::string_view kPagePrefix = "HUT ";

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <random>
+#include <regex>
 
 namespace {
 
@@ -152,56 +153,56 @@ TEST(Layout, HasTheSizeOfEachReportOnTheWire)
 
 TEST(Layout, NamesWhatDoesNotFollowTheDefinition)
 {
-    const auto problems = [](const std::string& items) {
+    // "[" begins a collection with fields of one bit, "." is a field.
+    const auto problems = [](std::string items) {
+        items = std::regex_replace(items, std::regex("\\["), "050b0905a101 1500 2501 7501 9501 ");
+        items = std::regex_replace(items, std::regex("\\."), "0920 8102");
         std::string lines;
         for (const auto& [offset, problem] : report::readLayout(test::bytesFromHex(items)).problems)
             lines += (lines.empty() ? "" : "; ") + std::to_string(offset) + " " + problem;
         return lines;
     };
-    const std::string begin = "050b 0905 a101 1500 2501 7501 9501 ";
-    const std::string field = " 0920 8102 ";
     for (const auto& [items, expected] : {
-             std::pair{begin + field + "c0", ""},
-             {begin + "a500 a4 b4 b4 fe0110ff 3500 450165007900" + field + "c0", ""},
-             {begin + "85ff" + field + "850a" + field + "c0", ""},
-             {begin + "91018101" + "070b000000 a9010920 0921 a900 8102 c0", ""},
-             {begin + "c0c0", "15 End Collection without a Collection"},
-             {begin + "a100", "4 Collection without its end; 14 Collection without its end"},
-             {begin + "b4 c0", "14 Pop without a Push"},
-             {begin + "a4 a4 c0", "14 Push without a Pop; 15 Push without a Pop"},
-             {begin + "8500 86000185ff" + field + "c0",
+             std::pair{"[ . c0", ""},
+             {"[ a500 a4 b4 b4 fe0110ff 3500 450165007900 . c0", ""},
+             {"[ 85ff . 850a . c0", ""},
+             {"[ 91018101 070b000000 a9010920 0921 a900 8102 c0", ""},
+             {"[ c0c0", "15 End Collection without a Collection"},
+             {"[ a100", "4 Collection without its end; 14 Collection without its end"},
+             {"[ b4 c0", "14 Pop without a Push"},
+             {"[ a4 a4 c0", "14 Push without a Pop; 15 Push without a Pop"},
+             {"[ 8500 86000185ff . c0",
                  "14 Report ID that is not from 1 to 255; 16 Report ID that is not from 1 to 255"},
-             {begin + field + "8103 8503" + field + "c0",
-                 "16 Input without a Report ID; others have one"},
-             {"050b 2501 75019501" + field, "10 Input outside of all collections"},
-             {begin + "7500" + field + "7501 9500 9101 c0",
+             {"[ . 8103 8503 . c0", "16 Input without a Report ID; others have one"},
+             {"050b 2501 75019501 .", "10 Input outside of all collections"},
+             {"[ 7500 . 7501 9500 9101 c0",
                  "18 Input without bits: Report Size or Report Count is 0; "
                  "24 Output without bits: Report Size or Report Count is 0"},
-             {begin + "9600ff 75ff b101 c0", "19 Report longer than 65535 bytes"},
-             {begin + "0921" + field + "09200921 8100 c0", "18 Input with more usages than values"},
-             {"050b 0905 a101 75019501" + field + "c0", "12 Input without a Logical Maximum"},
-             {begin + "1502" + field + "c0", "18 Logical Minimum above Logical Maximum"},
-             {begin + "1920" + field + "2920" + field + "c0",
+             {"[ 9600ff 75ff b101 c0", "19 Report longer than 65535 bytes"},
+             {"[ 0921 . 09200921 8100 c0", "18 Input with more usages than values"},
+             {"050b 0905 a101 75019501 . c0", "12 Input without a Logical Maximum"},
+             {"[ 1502 . c0", "18 Logical Minimum above Logical Maximum"},
+             {"[ 1920 . 2920 . c0",
                  "14 Usage Minimum without a Usage Maximum; "
                  "20 Usage Maximum without a Usage Minimum"},
-             {begin + "1920 1920 2920 8102 1920",
+             {"[ 1920 1920 2920 8102 1920",
                  "4 Collection without its end; 14 Usage Minimum without a Usage Maximum; "
                  "22 Usage Minimum without a Usage Maximum"},
-             {begin + "1921 2920" + field + "c0", "16 Usage Minimum above Usage Maximum"},
-             {begin + "1b20000b00 2b21000800" + field + "c0",
+             {"[ 1921 2920 . c0", "16 Usage Minimum above Usage Maximum"},
+             {"[ 1b20000b00 2b21000800 . c0",
                  "19 Usage Minimum and Usage Maximum on different pages"},
-             {begin + "1b20000b00 2920 8102 c0",
+             {"[ 1b20000b00 2920 8102 c0",
                  "19 Only one of Usage Minimum and Usage Maximum has a page"},
-             {begin + "a900 a901 a901 0920 a902 8102 c0",
+             {"[ a900 a901 a901 0920 a902 8102 c0",
                  "14 Delimiter that closes no set; 16 Delimiter that is not closed before the Main "
                  "item; 18 Delimiter in a set of another Delimiter; "
                  "22 Delimiter that neither opens nor closes a set"},
-             {begin + "0500 0920 0921 9502 8102 07000001000b20000b00 0920 8102 c0",
+             {"[ 0500 0920 0921 9502 8102 07000001000b20000b00 0920 8102 c0",
                  "16 Usage without a Usage Page; 24 Usage Page above 0xffff; "
                  "34 Usage without a Usage Page"},
-             {begin + "f0 0c 54 fc c0", "14 Reserved item; 15 Reserved item; 17 Reserved item"},
-             {begin + "c0 82 01", "15 The descriptor ends within this item"},
-             {begin + "c0 fe", "15 The descriptor ends within this item"},
+             {"[ f0 0c 54 fc c0", "14 Reserved item; 15 Reserved item; 17 Reserved item"},
+             {"[ c0 82 01", "15 The descriptor ends within this item"},
+             {"[ c0 fe", "15 The descriptor ends within this item"},
          })
         EXPECT_EQ(problems(items), expected) << items;
 }

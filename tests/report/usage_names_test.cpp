@@ -75,7 +75,7 @@ TEST(UsageNames, AreHexadecimalWithoutAUsableFile)
 
 TEST(UsageNames, AreReadFromTheFirstPartOfAHugeFile)
 {
-    constexpr size_t limit = 16 * 1024 * 1024;
+    constexpr size_t limit = size_t{16} * 1024 * 1024;
     const test::TempDirectory directory;
     directory.file("usb.ids", "HUT 0b  Telephony\n" + std::string(limit, ' ') + "\nHUT 08  LEDs\n");
     const UsageNames names = UsageNames::load(directory.path() + "usb.ids");
