@@ -84,25 +84,25 @@ UsageNames UsageNames::load(const std::filesystem::path& file)
 UsageNames UsageNames::parse(std::string_view text)
 {
     UsageNames names;
-    std::optional<uint16_t> page; // that the lines with a tab belong to
+    bool inPage = false; // the lines that begin with a tab belong to `page`
+    uint16_t page = 0;
     while (!text.empty()) {
         std::string_view line = takeLine(text);
         if (line.empty() || line.starts_with('#'))
             continue;
         if (line.starts_with('\t')) {
-            line.remove_prefix(1);
-            const auto entry = page ? readEntry(line) : std::nullopt;
-            if (entry)
-                names.usages_.try_emplace(keyOf({*page, entry->number}), entry->name);
+            const auto entry = readEntry(line.substr(1));
+            if (inPage && entry)
+                names.usages_.try_emplace(keyOf({page, entry->number}), entry->name);
             continue;
         }
-        page.reset();
+        inPage = false;
         if (!line.starts_with(kPagePrefix))
             continue;
-        line.remove_prefix(kPagePrefix.size());
-        if (const auto entry = readEntry(line)) {
+        if (const auto entry = readEntry(line.substr(kPagePrefix.size()))) {
+            inPage = true;
             page = entry->number;
-            names.pages_.try_emplace(entry->number, entry->name);
+            names.pages_.try_emplace(page, entry->name);
         }
     }
     return names;
