@@ -78,12 +78,18 @@ protected:
     // The file that standard error of a CtlProcess goes to.
     std::string errorFile() const { return directory_.path() + "err"; }
 
+    // Where /sys and /dev of the simulated bus are.
+    static std::string busDirectory()
+    {
+        const char* const directory = getenv("UMOCKDEV_DIR");
+        return directory ? directory : "";
+    }
+
     // The device's directory below /sys of the simulated bus.
     static std::string sysDirectory(const sim::UsbDevice& device)
     {
         const std::string path = device.hidPath();
-        return std::string(getenv("UMOCKDEV_DIR")) + "/sys/devices/usb1/"
-            + path.substr(0, path.find(':')) + '/';
+        return busDirectory() + "/sys/devices/usb1/" + path.substr(0, path.find(':')) + '/';
     }
 
     // As if another driver had the interface: its report descriptor is not in sysfs.

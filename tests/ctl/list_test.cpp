@@ -161,7 +161,7 @@ TEST_F(List, NumbersFollowHidapiAndNamesSysfsWithoutPermission)
 TEST_F(List, SaysWhenASandboxHidesTheNode)
 {
     const std::string path = plug().hidPath();
-    fs::remove(std::string(getenv("UMOCKDEV_DIR")) + "/dev/bus/usb/001/002");
+    fs::remove(busDirectory() + "/dev/bus/usb/001/002");
     EXPECT_EQ(devices()[path]["accessText"].asString(),
         "/dev/bus/usb/001/002 is not there; give this container or sandbox access to /dev/bus/usb");
 }

@@ -7,34 +7,77 @@
 
 #include <algorithm>
 #include <charconv>
-#include <regex>
+#include <string_view>
 
 namespace ctl {
 namespace {
 
 using Entries = std::vector<DeviceEntry>;
 
+constexpr std::string_view kDecimalDigits = "0123456789";
+constexpr std::string_view kHexDigits = "0123456789abcdefABCDEF";
+constexpr size_t kIdSize = 4;
+constexpr size_t kIdsSize = 2 * kIdSize + 1;
+constexpr size_t kMaxNumberSize = 4;
+
 constexpr const char* kHowToChoose
     = "choose by ids (vvvv:pppp), path or number, see kelprobectl list";
 
-bool isIds(const std::string& text)
+bool isHex(std::string_view text, size_t digits)
 {
-    static const std::regex form("[0-9a-fA-F]{4}:[0-9a-fA-F]{4}");
-    return std::regex_match(text, form);
+    return text.size() == digits && text.find_first_not_of(kHexDigits) == text.npos;
 }
 
-bool isNumber(const std::string& text)
+bool isIds(std::string_view text)
 {
-    static const std::regex form("[0-9]{1,4}");
-    return std::regex_match(text, form);
+    return text.size() == kIdsSize && text[kIdSize] == ':'
+        && isHex(text.substr(0, kIdSize), kIdSize) && isHex(text.substr(kIdSize + 1), kIdSize);
 }
 
-// In hidapi's current and earlier form.
-bool isPath(const std::string& text)
+bool isNumber(std::string_view text)
 {
-    static const std::regex form("[0-9]+-[0-9.]+:[0-9]+\\.[0-9]+|"
-                                 "[0-9a-fA-F]{4}:[0-9a-fA-F]{4}:[0-9a-fA-F]{2}");
-    return std::regex_match(text, form);
+    return !text.empty() && text.size() <= kMaxNumberSize
+        && text.find_first_not_of(kDecimalDigits) == text.npos;
+}
+
+// Removes a decimal number from the beginning of `text`. False if there is none.
+bool takeNumber(std::string_view& text)
+{
+    const size_t size = std::min(text.find_first_not_of(kDecimalDigits), text.size());
+    text.remove_prefix(size);
+    return size > 0;
+}
+
+bool take(std::string_view& text, char c)
+{
+    const bool found = text.starts_with(c);
+    text.remove_prefix(found ? 1 : 0);
+    return found;
+}
+
+// hidapi's current form, "1-2.3:1.0".
+bool isPortPath(std::string_view text)
+{
+    if (!takeNumber(text) || !take(text, '-') || !takeNumber(text))
+        return false;
+    while (take(text, '.')) {
+        if (!takeNumber(text))
+            return false;
+    }
+    return take(text, ':') && takeNumber(text) && take(text, '.') && takeNumber(text)
+        && text.empty();
+}
+
+// That of older versions, "0001:0002:00".
+bool isAddressPath(std::string_view text)
+{
+    return text.size() == kIdsSize + 3 && isIds(text.substr(0, kIdsSize)) && text[kIdsSize] == ':'
+        && isHex(text.substr(kIdsSize + 1), 2);
+}
+
+bool isPath(std::string_view text)
+{
+    return isPortPath(text) || isAddressPath(text);
 }
 
 std::string lowerCase(std::string text)

@@ -142,6 +142,7 @@ std::vector<std::string> deviceTable(
             widths[i] = std::max(widths[i], width(row[i]));
     }
     std::vector<std::string> lines;
+    lines.reserve(rows.size());
     for (const Row& row : rows)
         lines.push_back(lineOf(row, widths));
     return lines;

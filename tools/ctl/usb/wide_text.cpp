@@ -41,7 +41,7 @@ std::string utf8(const wchar_t* text)
 {
     std::string result;
     for (; text && *text; ++text) {
-        const auto code = static_cast<uint32_t>(*text);
+        const uint32_t code = std::char_traits<wchar_t>::to_int_type(*text);
         append(result, isCharacter(code) ? code : kReplacement);
     }
     return result;
