@@ -1,0 +1,48 @@
+// The eight controls that Kelprobe uses.
+#pragma once
+
+#include "report/layout.h"
+
+#include <array>
+
+namespace ctl {
+
+inline constexpr uint16_t kTelephonyPage = 0x0B;
+inline constexpr uint16_t kLedPage = 0x08;
+inline constexpr uint16_t kHeadset = 0x05; // on the Telephony page
+
+enum class ControlId : uint8_t {
+    kHookSwitch,
+    kPhoneMute,
+    kLineBusy,
+    kFlash,
+    kOffHook,
+    kMute,
+    kRing,
+    kHold,
+};
+
+struct Control {
+    ControlId id;
+    const char* key;  // in JSON
+    const char* name; // for people
+    report::Usage usage;
+    report::ReportKind kind; // of the report that it should be in
+};
+
+// In the order of ControlId.
+inline constexpr std::array<Control, 8> kControls{{
+    {ControlId::kHookSwitch, "hookSwitch", "Hook Switch", {kTelephonyPage, 0x20},
+        report::ReportKind::kInput},
+    {ControlId::kPhoneMute, "phoneMute", "Phone Mute", {kTelephonyPage, 0x2F},
+        report::ReportKind::kInput},
+    {ControlId::kLineBusy, "lineBusy", "Line Busy Tone", {kTelephonyPage, 0x97},
+        report::ReportKind::kInput},
+    {ControlId::kFlash, "flash", "Flash", {kTelephonyPage, 0x21}, report::ReportKind::kInput},
+    {ControlId::kOffHook, "offHook", "Off-Hook LED", {kLedPage, 0x17}, report::ReportKind::kOutput},
+    {ControlId::kMute, "mute", "Mute LED", {kLedPage, 0x09}, report::ReportKind::kOutput},
+    {ControlId::kRing, "ring", "Ring LED", {kLedPage, 0x18}, report::ReportKind::kOutput},
+    {ControlId::kHold, "hold", "Hold LED", {kLedPage, 0x20}, report::ReportKind::kOutput},
+}};
+
+} // namespace ctl
