@@ -10,12 +10,6 @@ namespace {
 
 constexpr report::Usage kHeadsetUsage{kTelephonyPage, kHeadset};
 
-bool contains(const report::UsageRange& range, report::Usage usage)
-{
-    return range.minimum.page == usage.page && range.minimum.id <= usage.id
-        && usage.id <= range.maximum;
-}
-
 std::optional<size_t> findLongItem(std::span<const uint8_t> descriptor)
 {
     const auto items = report::splitItems(descriptor);

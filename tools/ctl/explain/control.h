@@ -45,4 +45,11 @@ inline constexpr std::array<Control, 8> kControls{{
     {ControlId::kHold, "hold", "Hold LED", {kLedPage, 0x20}, report::ReportKind::kOutput},
 }};
 
+// Whether the range has the usage.
+[[nodiscard]] constexpr bool contains(const report::UsageRange& range, report::Usage usage)
+{
+    return range.minimum.page == usage.page && range.minimum.id <= usage.id
+        && usage.id <= range.maximum;
+}
+
 } // namespace ctl

@@ -70,8 +70,10 @@ ControlMap::ControlMap(std::span<const uint8_t> descriptor, const report::Layout
             entry.reason = muteWithoutOffHook();
         else
             absence.explain(control, entry);
-        if (!found.empty())
+        if (!found.empty()) {
+            entry.reportId = found.front();
             entry.notes = differences.between(control, found);
+        }
     }
     addFurtherReason(controls_, entries_[static_cast<size_t>(ControlId::kMute)]);
 }

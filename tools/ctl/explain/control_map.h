@@ -21,6 +21,7 @@ struct ControlEntry {
     // The stack's own mask or report, byte for byte. An input mask begins with the report id only
     // if the device uses ids, an output report always (0 if it uses none).
     std::optional<KX::Bytes> report;
+    uint8_t reportId = 0;         // of `report`, 0 if it has none
     std::optional<Remark> reason; // why there is no report; set exactly if there is none
     // What else has to change in the descriptor before the stack finds the control.
     std::vector<Remark> furtherReasons;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tools/ctl/explain/control_map.h"
+#include "tools/ctl/explain/report_bit.h"
 
 namespace ctl {
 
@@ -15,33 +16,14 @@ public:
     [[nodiscard]] std::vector<Remark> between(const Control& control, const KX::Bytes& found) const;
 
 private:
-    // A bit of a report, counted from the first one after the report id.
-    struct Bit {
-        report::Layout::ReportKey report;
-        uint64_t number;
-
-        auto operator<=>(const Bit&) const = default;
-    };
-
-    // One value of a field.
-    struct Place {
-        const report::Field* field;
-        uint64_t index;
-
-        [[nodiscard]] Bit firstBit() const;
-    };
-
     using Notes = std::vector<Remark>;
-    void addBitNotes(const Control& control, const Bit& bit, Notes& notes) const;
-    void addPlaceNotes(const Place& place, Notes& notes) const;
+    void addBitNotes(const Control& control, const ReportBit& bit, Notes& notes) const;
+    void addFieldNotes(const report::Field& field, Notes& notes) const;
     void addLengthNotes(
         report::Layout::ReportKey report, const KX::Bytes& found, Notes& notes) const;
 
     // The values of variable fields that are the control.
-    [[nodiscard]] std::vector<Place> placesOf(const Control& control) const;
-    [[nodiscard]] std::optional<Place> placeAt(const Bit& bit) const;
-    [[nodiscard]] std::string contentOf(const std::optional<Place>& place) const;
-    [[nodiscard]] static std::string bitText(const Bit& bit);
+    [[nodiscard]] std::vector<FieldValue> valuesOf(const Control& control) const;
 
     const report::Layout& layout_;
     const report::UsageNames& names_;
