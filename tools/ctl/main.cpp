@@ -2,6 +2,7 @@
 #include "app/standardstreams.h"
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
+#include "tools/ctl/explain/describe_command.h"
 #include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
 
@@ -12,6 +13,7 @@ namespace {
 // In the order of --help.
 constexpr std::array kCommands{
     ctl::addListCommand,
+    ctl::addDescribeCommand,
     ctl::addDoctorCommand,
     ctl::addConvertCommand,
 };

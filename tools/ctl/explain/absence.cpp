@@ -49,7 +49,7 @@ void AbsenceFinder::explain(const Control& control, ControlEntry& entry) const
         }
     }
     if (fewest.empty())
-        fewest.push_back({"absent", "It is not in the descriptor."});
+        fewest.push_back({"absent", "Not in the descriptor."});
     entry.reason = std::move(fewest.front());
     fewest.erase(fewest.begin());
     entry.furtherReasons = std::move(fewest);
@@ -58,7 +58,7 @@ void AbsenceFinder::explain(const Control& control, ControlEntry& entry) const
 AbsenceFinder::Reasons AbsenceFinder::reasonsFor(const Control& control, const Place& place) const
 {
     Reasons reasons;
-    if (place.field.isConstant())
+    if (place.field.isPadding())
         reasons.push_back({"constantField",
             "Its field at " + offsetText(place.field.offset)
                 + " is constant: padding, which carries no data."});
@@ -73,7 +73,7 @@ AbsenceFinder::Reasons AbsenceFinder::reasonsFor(const Control& control, const P
 
 Remark AbsenceFinder::tooLong(report::Layout::ReportKey report) const
 {
-    std::string text = "For the stack, " + reportName(report)
+    std::string text = "For Kelprobe, " + reportName(report)
         + " is longer than the 65,535 bytes that USB can describe.";
     if (layout_.reportBits.at(report) < report::Layout::kMaxReportBits)
         text += " That is wrong: it ignores Push and Pop, and gives an item without data the value "
@@ -89,7 +89,7 @@ void AbsenceFinder::addKindReason(
         return;
     const bool isFeature = field.kind == report::ReportKind::kFeature;
     reasons.push_back({isFeature ? "featureReport" : "wrongDirection",
-        "It is in " + reportName({field.kind, field.reportId}) + ". The stack looks for "
+        "It is in " + reportName({field.kind, field.reportId}) + ". Kelprobe looks for "
             + (control.kind == report::ReportKind::kInput ? "buttons in Input" : "LEDs in Output")
             + " reports only."});
 }
@@ -107,11 +107,11 @@ void AbsenceFinder::addCollectionReason(const Place& place, Reasons& reasons) co
     else if (around.inHeadset)
         reasons.push_back({"nestedHeadset",
             "Its Headset collection is inside the collection " + nameOf(top)
-                + ". The stack searches only a Headset collection at the top level."});
+                + ". Kelprobe searches only a Headset collection at the top level."});
     else
         reasons.push_back({"otherCollection",
             "It is in the collection " + nameOf(top)
-                + ". The stack searches only a Headset collection of the Telephony page."});
+                + ". Kelprobe searches only a Headset collection of the Telephony page."});
 }
 
 // For a top-level Headset collection.
@@ -122,16 +122,16 @@ void AbsenceFinder::addHeadsetReason(const report::Collection& headset, Reasons&
     if (!seen && longItem_ && *longItem_ < headset.offset)
         reasons.push_back({"longItem",
             where + " comes after a long item at " + offsetText(*longItem_)
-                + ". The stack reads its bytes as short items."});
+                + ". Kelprobe reads its bytes as short items."});
     else if (headset.extendedUsage)
         reasons.push_back({"extendedHeadset",
             where
-                + " has an extended usage, which includes its page. The stack compares it with "
+                + " has an extended usage, which includes its page. Kelprobe compares it with "
                   "0x05 only."});
     else if (!seen || seen->page != kTelephonyPage)
         reasons.push_back({"pageElsewhere",
             where
-                + " has no Usage Page (Telephony) for the stack. One must come before it outside "
+                + " has no Usage Page (Telephony) for Kelprobe. One must come before it outside "
                   "of all collections, with no surplus End Collection in between."});
     else if (seen->usage != kHeadset)
         reasons.push_back(
@@ -139,13 +139,13 @@ void AbsenceFinder::addHeadsetReason(const report::Collection& headset, Reasons&
     else if (seen->pageIndex != stack_.telephonyPage)
         reasons.push_back({"laterTelephonyPage",
             where
-                + " comes after a later Usage Page (Telephony). The stack searches only what comes "
+                + " comes after a later Usage Page (Telephony). Kelprobe searches only what comes "
                   "after the first one, up to the next Usage Page outside of collections."});
     else if (!stack_.headset || &stack_.collections[*stack_.headset] != seen)
         reasons.push_back({"laterHeadset",
             where
-                + " is not that of the first Usage (Headset), which is the only one that the "
-                  "stack searches."});
+                + " is not that of the first Usage (Headset), which is the only one that "
+                  "Kelprobe searches."});
 }
 
 void AbsenceFinder::addUsageReason(const Place& place, Reasons& reasons) const
@@ -154,14 +154,14 @@ void AbsenceFinder::addUsageReason(const Place& place, Reasons& reasons) const
     if (!place.field.isVariable() && !place.field.isConstant())
         reasons.push_back({"arrayField",
             "It is an element of the array at " + offsetText(place.field.offset)
-                + ", whose report has numbers of elements. The stack uses fields of one bit."});
+                + ", whose report has numbers of elements. Kelprobe uses fields of one bit."});
     if (place.usage.isRange)
         reasons.push_back({"usageRange",
-            where + " is given by Usage Minimum and Usage Maximum, which the stack ignores."});
+            where + " is given by Usage Minimum and Usage Maximum, which Kelprobe ignores."});
     else if (place.usage.extended)
         reasons.push_back({"extendedUsage",
             where
-                + " is an extended usage, which includes its page. The stack compares usages "
+                + " is an extended usage, which includes its page. Kelprobe compares usages "
                   "without pages."});
 }
 
@@ -174,7 +174,7 @@ void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
         assert(longItem_); // nothing else moves a field to another collection
         reasons.push_back({"longItem",
             "The " + item + " comes after a long item at " + offsetText(*longItem_)
-                + ". The stack reads its bytes as short items."});
+                + ". Kelprobe reads its bytes as short items."});
     }
     const bool isArray = !field.isVariable() && !field.isConstant();
     if (!seen || seen->takes(place.usage.offset) || isArray)
@@ -183,7 +183,7 @@ void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
         = field.bitOffset + uint64_t{field.size} * seen->count > report::Layout::kMaxReportBits;
     if (field.size != 0 && !isCut && seen->count != field.count)
         reasons.push_back({"countElsewhere",
-            "For the " + item + " the stack has the Report Count " + std::to_string(seen->count)
+            "For the " + item + " Kelprobe has the Report Count " + std::to_string(seen->count)
                 + " instead of " + std::to_string(field.count)
                 + ". It ignores Push, Pop, and Report Count outside of collections."});
     else if (place.usage.isRange || place.usage.extended)
@@ -192,12 +192,12 @@ void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
         reasons.push_back({"moreUsages",
             "The " + item + " has " + counted(seen->usages.size(), "usage") + " for "
                 + counted(seen->count, "value")
-                + ". The stack takes the last ones, and this is not one of them."});
+                + ". Kelprobe takes the last ones, and this is not one of them."});
     else
         reasons.push_back({"fewerUsages",
             "The " + item + " has " + counted(seen->usages.size(), "Usage item") + " for "
                 + counted(seen->count, "value")
-                + ". The stack takes usages only if there is one for each value."});
+                + ". Kelprobe takes usages only if there is one for each value."});
 }
 
 // Null if the stack does not see it in the same collection.

@@ -10,6 +10,8 @@ namespace {
 using report::Layout;
 using report::ReportKind;
 
+constexpr size_t kMaxListedIds = 8;
+
 // The rules are those of hid/model/TelephonyStateMachine and hid/model/LedReports.
 class Consequences {
 public:
@@ -85,6 +87,8 @@ private:
                 others.push_back(std::to_string(key.id));
         if (others.empty())
             return "";
+        if (others.size() > kMaxListedIds)
+            return ", also those of " + std::to_string(others.size()) + " other ids";
         return std::string(", also Input report") + (others.size() > 1 ? "s " : " ")
             + listed(others);
     }
@@ -193,37 +197,37 @@ private:
         return KX::ShareReport(controls_.muteLedReport, report);
     }
 
-    // The others have an effect only while a call rings.
+    // Reports of other ids that match masks. The masks of all buttons but Phone Mute have an effect
+    // only while a call rings.
     void addMistakenReports()
     {
-        addMistakenReports(ControlId::kPhoneMute);
-        if (!controls_.hasRingLed)
-            return;
-        addMistakenReports(ControlId::kHookSwitch);
-        addMistakenReports(ControlId::kFlash);
-        addMistakenReports(ControlId::kLineBusy);
+        for (const auto& [key, bits] : layout_.reportBits) {
+            if (key.kind != ReportKind::kInput)
+                continue;
+            std::vector<std::string> mistakes;
+            addMistake(key, ControlId::kPhoneMute, mistakes);
+            for (const ControlId button :
+                {ControlId::kHookSwitch, ControlId::kFlash, ControlId::kLineBusy})
+                if (controls_.hasRingLed)
+                    addMistake(key, button, mistakes);
+            if (!mistakes.empty())
+                add(listed(mistakes) + ", because " + reportName(key)
+                    + " has the length of the button's report, and its id has all bits of that "
+                      "report's id.");
+        }
     }
 
-    // Reports of other ids that match the mask of a button.
-    void addMistakenReports(ControlId button)
+    void addMistake(
+        Layout::ReportKey report, ControlId button, std::vector<std::string>& mistakes) const
     {
         const ControlEntry& entry = map_[button];
         const unsigned id = entry.reportId;
-        if (!entry.report || id == 0)
-            return;
-        const std::optional<uint64_t> bit = setBit(*entry.report, 1);
-        for (const auto& [key, bits] : layout_.reportBits) {
-            const bool matches = bit && key.kind == ReportKind::kInput && (key.id & id) == id
-                && layout_.wireSize(key) == entry.report->size();
-            if (!matches || key.id == id)
-                continue;
-            const std::optional<FieldValue> value = valueAt(layout_, {key, *bit});
-            if (value && !value->field->isConstant())
-                add(contentText(value, names_) + " in " + reportName(key) + " is taken for "
-                    + nameOf(button) + ": the reports have the same length, and the id "
-                    + std::to_string(key.id) + " has all bits of the id " + std::to_string(id)
-                    + '.');
-        }
+        const bool matches = entry.report && id != 0 && report.id != id && (report.id & id) == id
+            && layout_.wireSize(report) == entry.report->size();
+        const std::optional<uint64_t> bit = matches ? setBit(*entry.report, 1) : std::nullopt;
+        const auto value = bit ? valueAt(layout_, {report, *bit}) : std::nullopt;
+        if (value && !value->field->isPadding())
+            mistakes.push_back(contentText(value, names_) + " is taken for " + nameOf(button));
     }
 
     const ControlMap& map_;

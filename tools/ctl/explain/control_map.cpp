@@ -37,7 +37,7 @@ KX::Bytes findTemplate(const KX::Root& root, const Control& control)
 Remark muteWithoutOffHook()
 {
     return {kNoOffHook,
-        "The stack uses a Mute LED only together with an Off-Hook LED, because both are lit in a "
+        "Kelprobe uses a Mute LED only together with an Off-Hook LED, because both are lit in a "
         "call. It has none for this device."};
 }
 

@@ -17,9 +17,9 @@ constexpr size_t kStackReadSize = 64;
 Remark noBit(ReportKind kind)
 {
     return {"noBit",
-        std::string("The field has no bits for the stack, because its Report Size is 0. ")
+        std::string("The field has no bits for Kelprobe, because its Report Size is 0. ")
             + (kind == ReportKind::kInput ? "Every report of the mask's length and id matches."
-                                          : "The report that the stack sends sets nothing.")};
+                                          : "The report that Kelprobe sends sets nothing.")};
 }
 
 Remark constantField(ReportKind kind)
@@ -27,13 +27,13 @@ Remark constantField(ReportKind kind)
     return {"constantField",
         std::string("Its field is constant: the device need not ")
             + (kind == ReportKind::kInput ? "report a press in it." : "light an LED for it.")
-            + " The stack uses it all the same."};
+            + " Kelprobe uses it all the same."};
 }
 
 Remark otherLength(Layout::ReportKey report, size_t stackSize, size_t deviceSize)
 {
     return {"otherLength",
-        "For the stack, " + reportName(report) + " has " + counted(stackSize, "byte")
+        "For Kelprobe, " + reportName(report) + " has " + counted(stackSize, "byte")
             + " after the id instead of " + std::to_string(deviceSize) + ". "
             + (report.kind == ReportKind::kInput
                     ? "A report of another length never matches."
@@ -43,7 +43,7 @@ Remark otherLength(Layout::ReportKey report, size_t stackSize, size_t deviceSize
 Remark longReport(size_t size)
 {
     return {"longReport",
-        "The mask has " + counted(size, "byte") + ". The stack reads no more than "
+        "The mask has " + counted(size, "byte") + ". Kelprobe reads no more than "
             + std::to_string(kStackReadSize) + " bytes of a report, so none matches."};
 }
 
@@ -78,7 +78,7 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
     const std::optional<FieldValue> content = valueAt(layout_, bit);
     if (content && !content->field->isVariable() && !content->field->isConstant()) {
         notes.push_back({"arrayField",
-            "The stack uses " + bitText(bit) + ", which belongs to the array at "
+            "Kelprobe uses " + bitText(bit) + ", which belongs to the array at "
                 + offsetText(content->field->offset)
                 + ". Its values are numbers of elements, not single bits."});
         return;
@@ -91,7 +91,7 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
     if (right != values.end())
         addFieldNotes(*right->field, notes);
     const std::string stack
-        = "The stack uses " + bitText(bit) + ", which is " + contentText(content, names_);
+        = "Kelprobe uses " + bitText(bit) + ", which is " + contentText(content, names_);
     if (right == values.end() && other == values.end())
         notes.push_back({"otherUsage", stack + '.'});
     else if (right == values.end())
@@ -99,7 +99,7 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
             stack + ". The control is " + bitText(other->firstBit()) + '.'});
     else if (other != values.end())
         notes.push_back({"alsoElsewhere",
-            "The control is also " + bitText(other->firstBit()) + ", which the stack ignores."});
+            "The control is also " + bitText(other->firstBit()) + ", which Kelprobe ignores."});
 }
 
 // For a field where the stack and the descriptor agree.
@@ -110,12 +110,12 @@ void DifferenceFinder::addFieldNotes(const report::Field& field, Notes& notes) c
     if (field.size > 1)
         notes.push_back({"severalBits",
             "The control has " + counted(field.size, "bit")
-                + ". The stack uses only the lowest one."});
+                + ". Kelprobe uses only the lowest one."});
     const auto path = layout_.collectionPath(field);
     if (!path.empty() && std::ranges::none_of(path, isHeadset))
         notes.push_back({"otherCollection",
             "It is in the collection " + collectionName(*path.front(), names_)
-                + ", which the stack takes for a Headset collection."});
+                + ", which Kelprobe takes for a Headset collection."});
 }
 
 void DifferenceFinder::addLengthNotes(

@@ -36,12 +36,16 @@ std::string contentText(const std::optional<FieldValue>& value, const report::Us
     if (!value)
         return "no field of the device";
     const report::Field& field = *value->field;
+    if (field.isPadding())
+        return "padding";
     if (!field.isVariable())
-        return field.isConstant() ? "padding" : "an array";
+        return "an array";
     const report::Usage usage = field.usageAt(value->index);
     if (usage == report::Usage{})
-        return field.isConstant() ? "padding" : "a field without a usage";
-    return usageName(usage, names) + " (page " + text::printable(names.page(usage.page)) + ')';
+        return "a field without a usage";
+    const std::string page = text::printable(names.page(usage.page));
+    const std::string text = usageName(usage, names);
+    return text.starts_with(page) ? text : text + " (page " + page + ')';
 }
 
 std::optional<uint64_t> setBit(std::span<const uint8_t> report, size_t skipped)

@@ -1,0 +1,10 @@
+// kelprobectl describe: what Kelprobe makes of a report descriptor.
+#pragma once
+
+#include "tools/ctl/cli/command.h"
+
+namespace ctl {
+
+void addDescribeCommand(CLI::App& app, Run& run);
+
+} // namespace ctl
