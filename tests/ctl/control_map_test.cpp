@@ -17,7 +17,7 @@ ctl::ControlMap mapOf(const std::vector<uint8_t>& descriptor)
     return {descriptor, report::readLayout(descriptor), names};
 }
 
-// The report in hexadecimal, or the reason and further reasons: "otherCollection+usageRange". Notes
+// The report in hexadecimal, or the reason and further reasons: "other-collection+usage-range". Notes
 // follow in brackets.
 std::string summary(const ctl::ControlEntry& entry)
 {
@@ -35,13 +35,13 @@ std::string summary(const ctl::ControlEntry& entry)
 // Line Busy Tone, Flash; Off-Hook, Mute, Ring and Hold LED.
 //
 // The two speakerphones whose inputs are constant fields flag them 0x23 and 0x07.
-#define C " [constantField]"
+#define C " [constant-field]"
 constexpr std::pair<const char*, std::array<const char*, 8>> kDevices[] = {
-    {"046d-0944", {"0802", "0801", "absent", "absent", "absent", "noOffHookLed", "absent", "absent"}},
+    {"046d-0944", {"0802", "0801", "absent", "absent", "absent", "no-off-hook-led", "absent", "absent"}},
     {"046d-0ac4", {"absent", "absent", "absent", "absent", "absent", "absent", "absent", "absent"}},
     {"047f-02e6", {"2001", "2002", "absent", "2004", "2401", "2301", "2101", "2501"}},
     {"047f-c056", {"0802", "0801", "absent", "0804", "1701", "0901", "1801", "2001"}},
-    {"095d-9201", {"otherCollection", "otherCollection", "absent", "otherCollection", "otherCollection", "absent", "absent", "absent"}},
+    {"095d-9201", {"other-collection", "other-collection", "absent", "other-collection", "other-collection", "absent", "absent", "absent"}},
     {"0b0e-0307", {"020100", "020400", "020200", "020800", "020100", "020200", "020400", "020800"}},
     {"0b0e-2456", {"020100", "020400", "020200", "020800", "020100", "020200", "020400", "020800"}},
     {"1395-0082", {"0802", "0801", "absent", "0808", "0902", "0901", "0904", "0920"}},
@@ -52,7 +52,7 @@ constexpr std::pair<const char*, std::array<const char*, 8>> kDevices[] = {
     {"6993-b02b", {"020100", "020400", "020200", "020800", "020100", "020200", "020400", "020800"}},
     {"speakerphone", {"030100" C, "030800" C, "030200" C, "031000" C, "030100", "030400", "030800", "031000"}},
     {"no-report-ids", {"0100", "0400", "0200", "0800", "000100", "000200", "000400", "000800"}},
-    {"webcam", {"0802", "0801", "absent", "absent", "absent", "noOffHookLed", "absent", "absent"}},
+    {"webcam", {"0802", "0801", "absent", "absent", "absent", "no-off-hook-led", "absent", "absent"}},
     {"no-telephony", {"absent", "absent", "absent", "absent", "absent", "absent", "absent", "absent"}},
 };
 #undef C
@@ -90,36 +90,36 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
 {
     for (const auto& [reasons, control, descriptor, repaired, then] : {
              ReasonCase{"absent", kHookSwitch, HEADSET "0921 8102", HEADSET "0921 8102 0920 8102", "02"},
-             {"featureReport", kHookSwitch, HEADSET "0920 b102", HEADSET "0920 8102", "01"},
-             {"wrongDirection", kHookSwitch, HEADSET "0920 9102", HEADSET "0920 8102", "01"},
-             {"wrongDirection", kRing, HEADSET "0508 0918 8102", HEADSET "0508 0918 9102", "0001"},
-             {"otherCollection", kHookSwitch, "050b 0901 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"otherCollection", kHookSwitch, "050b 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"otherCollection+usageRange", kHookSwitch, "050b 0901 a101 7501 9501 1920 2920 8102", HEADSET "1920 2920 8102", "usageRange"},
-             {"nestedHeadset", kHookSwitch, "050b 0901 a101 0905 a102 7501 9501 0920 8102 c0 c0", HEADSET "0920 8102", "01"},
-             {"extendedHeadset", kHookSwitch, "050b 0b05000b00 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"laterTelephonyPage", kHookSwitch, "050b 0901 a101 c0 050c 0901 a101 c0" HEADSET "0920 8102", "050b 0901 a101 c0 0905 a101 7501 9501 0920 8102 c0 050c 0901 a101 c0", "01"},
-             {"laterHeadset", kHookSwitch, HEADSET "0921 8102 c0 0905 a101 0920 8102", HEADSET "0921 8102 0920 8102", "02"},
-             {"usageApart", kHookSwitch, "0905 050b a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"usageApart", kHookSwitch, "050b 0905 0901 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"usageApart", kHookSwitch, "050b 1905 2905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"pageElsewhere", kHookSwitch, "050c 0901 a101 050b c0 0905 a101 7501 9501 0920 8102", "050c 0901 a101 c0" HEADSET "0920 8102", "01"},
-             {"pageElsewhere", kHookSwitch, "050b c0 0905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"constantField+fewerUsages", kHookSwitch, HEADSET "9508 0920 8101", HEADSET "9508 0920 8102", "fewerUsages"},
-             {"arrayField", kHookSwitch, HEADSET "7502 0920 0921 8100", HEADSET "9502 0920 0921 8102", "01"},
-             {"arrayField+usageRange", kHookSwitch, HEADSET "7504 1920 292f 8100", HEADSET "9510 1920 292f 8102", "usageRange"},
-             {"extendedUsage", kHookSwitch, HEADSET "0b20000b00 8102", HEADSET "0920 8102", "01"},
-             {"usageRange", kFlash, HEADSET "9502 1920 2921 8102", HEADSET "9502 0920 0921 8102", "02"},
-             {"moreUsages", kHookSwitch, HEADSET "0920 0921 8102", HEADSET "9502 0920 0921 8102", "01"},
-             {"moreUsages", kHookSwitch, HEADSET "a901 0920 0921 a900 8102", HEADSET "0920 8102", "01"},
-             {"fewerUsages", kHookSwitch, HEADSET "9502 0920 8102", HEADSET "0920 8102 8101", "01"},
-             {"countElsewhere", kHookSwitch, "050b 7501 9501 0905 a101 0920 8102", HEADSET "0920 8102", "01"},
-             {"countElsewhere", kHookSwitch, HEADSET "a4 9508 b4 0920 8102", HEADSET "0920 8102", "01"},
-             {"reportTooLong", kHookSwitch, HEADSET "0920 8102 97feff0000 7508 8101", HEADSET "0920 8102 9507 8101", "01"},
-             {"reportTooLong", kHookSwitch, HEADSET "0920 8102 0b20000b00 94 8102", HEADSET "0920 8102", "01"},
-             {"longItem", kHookSwitch, HEADSET "fe0100c0 0920 8102", HEADSET "0920 8102", "01"},
-             {"noOffHookLed", kMute, HEADSET "0508 0909 9102", HEADSET "9502 0508 0909 0917 9102", "0001"},
-             {"usageRange+noOffHookLed", kMute, HEADSET "0508 1909 2909 9102", HEADSET "0508 0909 9102", "noOffHookLed"},
+             {"feature-report", kHookSwitch, HEADSET "0920 b102", HEADSET "0920 8102", "01"},
+             {"wrong-direction", kHookSwitch, HEADSET "0920 9102", HEADSET "0920 8102", "01"},
+             {"wrong-direction", kRing, HEADSET "0508 0918 8102", HEADSET "0508 0918 9102", "0001"},
+             {"other-collection", kHookSwitch, "050b 0901 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"other-collection", kHookSwitch, "050b 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"other-collection+usage-range", kHookSwitch, "050b 0901 a101 7501 9501 1920 2920 8102", HEADSET "1920 2920 8102", "usage-range"},
+             {"nested-headset", kHookSwitch, "050b 0901 a101 0905 a102 7501 9501 0920 8102 c0 c0", HEADSET "0920 8102", "01"},
+             {"extended-headset", kHookSwitch, "050b 0b05000b00 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"later-telephony-page", kHookSwitch, "050b 0901 a101 c0 050c 0901 a101 c0" HEADSET "0920 8102", "050b 0901 a101 c0 0905 a101 7501 9501 0920 8102 c0 050c 0901 a101 c0", "01"},
+             {"later-headset", kHookSwitch, HEADSET "0921 8102 c0 0905 a101 0920 8102", HEADSET "0921 8102 0920 8102", "02"},
+             {"usage-apart", kHookSwitch, "0905 050b a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"usage-apart", kHookSwitch, "050b 0905 0901 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"usage-apart", kHookSwitch, "050b 1905 2905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"page-elsewhere", kHookSwitch, "050c 0901 a101 050b c0 0905 a101 7501 9501 0920 8102", "050c 0901 a101 c0" HEADSET "0920 8102", "01"},
+             {"page-elsewhere", kHookSwitch, "050b c0 0905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
+             {"constant-field+fewer-usages", kHookSwitch, HEADSET "9508 0920 8101", HEADSET "9508 0920 8102", "fewer-usages"},
+             {"array-field", kHookSwitch, HEADSET "7502 0920 0921 8100", HEADSET "9502 0920 0921 8102", "01"},
+             {"array-field+usage-range", kHookSwitch, HEADSET "7504 1920 292f 8100", HEADSET "9510 1920 292f 8102", "usage-range"},
+             {"extended-usage", kHookSwitch, HEADSET "0b20000b00 8102", HEADSET "0920 8102", "01"},
+             {"usage-range", kFlash, HEADSET "9502 1920 2921 8102", HEADSET "9502 0920 0921 8102", "02"},
+             {"more-usages", kHookSwitch, HEADSET "0920 0921 8102", HEADSET "9502 0920 0921 8102", "01"},
+             {"more-usages", kHookSwitch, HEADSET "a901 0920 0921 a900 8102", HEADSET "0920 8102", "01"},
+             {"fewer-usages", kHookSwitch, HEADSET "9502 0920 8102", HEADSET "0920 8102 8101", "01"},
+             {"count-elsewhere", kHookSwitch, "050b 7501 9501 0905 a101 0920 8102", HEADSET "0920 8102", "01"},
+             {"count-elsewhere", kHookSwitch, HEADSET "a4 9508 b4 0920 8102", HEADSET "0920 8102", "01"},
+             {"report-too-long", kHookSwitch, HEADSET "0920 8102 97feff0000 7508 8101", HEADSET "0920 8102 9507 8101", "01"},
+             {"report-too-long", kHookSwitch, HEADSET "0920 8102 0b20000b00 94 8102", HEADSET "0920 8102", "01"},
+             {"long-item", kHookSwitch, HEADSET "fe0100c0 0920 8102", HEADSET "0920 8102", "01"},
+             {"no-off-hook-led", kMute, HEADSET "0508 0909 9102", HEADSET "9502 0508 0909 0917 9102", "0001"},
+             {"usage-range+no-off-hook-led", kMute, HEADSET "0508 1909 2909 9102", HEADSET "0508 0909 9102", "no-off-hook-led"},
          }) {
         EXPECT_EQ(summary(mapOf(bytesFromHex(descriptor))[control]), reasons) << descriptor;
         EXPECT_EQ(summary(mapOf(bytesFromHex(repaired))[control]), then) << repaired;
@@ -129,22 +129,22 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
 TEST(ControlMap, NotesWhereTheStackUsesAnotherBit)
 {
     for (const auto& [expected, control, descriptor] : {
-             std::tuple{"01 [severalBits]", kHookSwitch, HEADSET "7504 9502 0920 0921 8102"},
-             {"02 [otherBit]", kFlash, HEADSET "7504 9502 0920 0921 8102"},
-             {"0101 [otherBit] [otherLength]", kHookSwitch, "050c 0901 a101 8501 7501 9508 8101 c0 050b 0905 a101 8501 9501 0920 8102"},
-             {"0101 [otherLength]", kHookSwitch, HEADSET "8501 0920 8102 9507 8101 8501 9508 8101"},
-             {"01 [otherReport]", kHookSwitch, "050c 0901 a101 8503 7501 9508 8101 c0 050b 0905 a101 9501 0920 8102"},
-             {"01 [otherUsage]", kHookSwitch, HEADSET "050c 0920 8102"},
-             {"01 [otherUsage]", kFlash, HEADSET "0920 0921 8102"},
-             {"01 [arrayField]", kFlash, HEADSET "7502 0920 0921 8100"},
-             {"0101 [alsoElsewhere]", kHookSwitch, HEADSET "8501 0920 8102 c0 0901 a101 8502 0920 8102"},
-             {"01 [otherCollection]", kHookSwitch, "050b 0901 a101 0508 c0 0905 a101 7501 9501 050b 0920 8102"},
-             {"00 [noBit]", kHookSwitch, "050b 0905 a101 9501 0920 8102"},
+             std::tuple{"01 [several-bits]", kHookSwitch, HEADSET "7504 9502 0920 0921 8102"},
+             {"02 [other-bit]", kFlash, HEADSET "7504 9502 0920 0921 8102"},
+             {"0101 [other-bit] [other-length]", kHookSwitch, "050c 0901 a101 8501 7501 9508 8101 c0 050b 0905 a101 8501 9501 0920 8102"},
+             {"0101 [other-length]", kHookSwitch, HEADSET "8501 0920 8102 9507 8101 8501 9508 8101"},
+             {"01 [other-report]", kHookSwitch, "050c 0901 a101 8503 7501 9508 8101 c0 050b 0905 a101 9501 0920 8102"},
+             {"01 [other-usage]", kHookSwitch, HEADSET "050c 0920 8102"},
+             {"01 [other-usage]", kFlash, HEADSET "0920 0921 8102"},
+             {"01 [array-field]", kFlash, HEADSET "7502 0920 0921 8100"},
+             {"0101 [also-elsewhere]", kHookSwitch, HEADSET "8501 0920 8102 c0 0901 a101 8502 0920 8102"},
+             {"01 [other-collection]", kHookSwitch, "050b 0901 a101 0508 c0 0905 a101 7501 9501 050b 0920 8102"},
+             {"00 [no-bit]", kHookSwitch, "050b 0905 a101 9501 0920 8102"},
          })
         EXPECT_EQ(summary(mapOf(bytesFromHex(descriptor))[control]), expected) << descriptor;
     EXPECT_EQ(summary(mapOf(bytesFromHex(HEADSET "0920 8102 9507 8101 7508 953f 8101"))[kFlash]), "absent");
     const auto tooLong = mapOf(bytesFromHex(HEADSET "0920 8102 9507 8101 7508 9540 8101"));
-    EXPECT_EQ(tooLong[kHookSwitch].notes.at(0).word, std::string("longReport"));
+    EXPECT_EQ(tooLong[kHookSwitch].notes.at(0).word, std::string("long-report"));
 }
 
 // clang-format on
@@ -166,7 +166,7 @@ TEST(ControlMap, KnowsWhereTheStackLooks)
         const ctl::ControlMap map = mapOf(descriptor);
         for (const ctl::Control& control : ctl::kControls) {
             const std::string result = summary(map[control.id]);
-            EXPECT_EQ(result.find("reportTooLong"), std::string::npos) << text;
+            EXPECT_EQ(result.find("report-too-long"), std::string::npos) << text;
             found += map[control.id].report.has_value();
         }
     }

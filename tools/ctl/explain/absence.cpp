@@ -59,7 +59,7 @@ AbsenceFinder::Reasons AbsenceFinder::reasonsFor(const Control& control, const P
 {
     Reasons reasons;
     if (place.field.isPadding())
-        reasons.push_back({"constantField",
+        reasons.push_back({"constant-field",
             "Its field at " + offsetText(place.field.offset)
                 + " is constant: padding, which carries no data."});
     addKindReason(control, place, reasons);
@@ -78,7 +78,7 @@ Remark AbsenceFinder::tooLong(report::Layout::ReportKey report) const
     if (layout_.reportBits.at(report) < report::Layout::kMaxReportBits)
         text += " That is wrong: it ignores Push and Pop, and gives an item without data the value "
                 "of the item before it.";
-    return {"reportTooLong", text};
+    return {"report-too-long", text};
 }
 
 void AbsenceFinder::addKindReason(
@@ -88,7 +88,7 @@ void AbsenceFinder::addKindReason(
     if (field.kind == control.kind)
         return;
     const bool isFeature = field.kind == report::ReportKind::kFeature;
-    reasons.push_back({isFeature ? "featureReport" : "wrongDirection",
+    reasons.push_back({isFeature ? "feature-report" : "wrong-direction",
         "It is in " + reportName({field.kind, field.reportId}) + ". Kelprobe looks for "
             + (control.kind == report::ReportKind::kInput ? "buttons in Input" : "LEDs in Output")
             + " reports only."});
@@ -97,7 +97,7 @@ void AbsenceFinder::addKindReason(
 void AbsenceFinder::addCollectionReason(const Place& place, Reasons& reasons) const
 {
     if (place.field.collection == report::Collection::kNone) {
-        reasons.push_back({"otherCollection", "It is outside of all collections."});
+        reasons.push_back({"other-collection", "It is outside of all collections."});
         return;
     }
     const Surroundings& around = surroundings_[place.field.collection];
@@ -105,11 +105,11 @@ void AbsenceFinder::addCollectionReason(const Place& place, Reasons& reasons) co
     if (top.usage == kHeadsetUsage)
         addHeadsetReason(top, reasons);
     else if (around.inHeadset)
-        reasons.push_back({"nestedHeadset",
+        reasons.push_back({"nested-headset",
             "Its Headset collection is inside the collection " + nameOf(top)
                 + ". Kelprobe searches only a Headset collection at the top level."});
     else
-        reasons.push_back({"otherCollection",
+        reasons.push_back({"other-collection",
             "It is in the collection " + nameOf(top)
                 + ". Kelprobe searches only a Headset collection of the Telephony page."});
 }
@@ -120,29 +120,29 @@ void AbsenceFinder::addHeadsetReason(const report::Collection& headset, Reasons&
     const StackCollection* const seen = stack_.collectionAt(headset.offset);
     const std::string where = "The Headset collection at " + offsetText(headset.offset);
     if (!seen && longItem_ && *longItem_ < headset.offset)
-        reasons.push_back({"longItem",
+        reasons.push_back({"long-item",
             where + " comes after a long item at " + offsetText(*longItem_)
                 + ". Kelprobe reads its bytes as short items."});
     else if (headset.extendedUsage)
-        reasons.push_back({"extendedHeadset",
+        reasons.push_back({"extended-headset",
             where
                 + " has an extended usage, which includes its page. Kelprobe compares it with "
                   "0x05 only."});
     else if (!seen || seen->page != kTelephonyPage)
-        reasons.push_back({"pageElsewhere",
+        reasons.push_back({"page-elsewhere",
             where
                 + " has no Usage Page (Telephony) for Kelprobe. One must come before it outside "
                   "of all collections, with no surplus End Collection in between."});
     else if (seen->usage != kHeadset)
         reasons.push_back(
-            {"usageApart", where + " does not come directly after its item Usage (Headset)."});
+            {"usage-apart", where + " does not come directly after its item Usage (Headset)."});
     else if (seen->pageIndex != stack_.telephonyPage)
-        reasons.push_back({"laterTelephonyPage",
+        reasons.push_back({"later-telephony-page",
             where
                 + " comes after a later Usage Page (Telephony). Kelprobe searches only what comes "
                   "after the first one, up to the next Usage Page outside of collections."});
     else if (!stack_.headset || &stack_.collections[*stack_.headset] != seen)
-        reasons.push_back({"laterHeadset",
+        reasons.push_back({"later-headset",
             where
                 + " is not that of the first Usage (Headset), which is the only one that "
                   "Kelprobe searches."});
@@ -152,14 +152,14 @@ void AbsenceFinder::addUsageReason(const Place& place, Reasons& reasons) const
 {
     const std::string where = "Its usage at " + offsetText(place.usage.offset);
     if (!place.field.isVariable() && !place.field.isConstant())
-        reasons.push_back({"arrayField",
+        reasons.push_back({"array-field",
             "It is an element of the array at " + offsetText(place.field.offset)
                 + ", whose report has numbers of elements. Kelprobe uses fields of one bit."});
     if (place.usage.isRange)
-        reasons.push_back({"usageRange",
+        reasons.push_back({"usage-range",
             where + " is given by Usage Minimum and Usage Maximum, which Kelprobe ignores."});
     else if (place.usage.extended)
-        reasons.push_back({"extendedUsage",
+        reasons.push_back({"extended-usage",
             where
                 + " is an extended usage, which includes its page. Kelprobe compares usages "
                   "without pages."});
@@ -172,7 +172,7 @@ void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
     const StackField* const seen = findField(field);
     if (!seen && reasons.empty()) {
         assert(longItem_); // nothing else moves a field to another collection
-        reasons.push_back({"longItem",
+        reasons.push_back({"long-item",
             "The " + item + " comes after a long item at " + offsetText(*longItem_)
                 + ". Kelprobe reads its bytes as short items."});
     }
@@ -182,19 +182,19 @@ void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
     const bool isCut
         = field.bitOffset + uint64_t{field.size} * seen->count > report::Layout::kMaxReportBits;
     if (field.size != 0 && !isCut && seen->count != field.count)
-        reasons.push_back({"countElsewhere",
+        reasons.push_back({"count-elsewhere",
             "For the " + item + " Kelprobe has the Report Count " + std::to_string(seen->count)
                 + " instead of " + std::to_string(field.count)
                 + ". It ignores Push, Pop, and Report Count outside of collections."});
     else if (place.usage.isRange || place.usage.extended)
         return; // the number of Usage items changes when this is repaired
     else if (seen->usages.size() > seen->count)
-        reasons.push_back({"moreUsages",
+        reasons.push_back({"more-usages",
             "The " + item + " has " + counted(seen->usages.size(), "usage") + " for "
                 + counted(seen->count, "value")
                 + ". Kelprobe takes the last ones, and this is not one of them."});
     else
-        reasons.push_back({"fewerUsages",
+        reasons.push_back({"fewer-usages",
             "The " + item + " has " + counted(seen->usages.size(), "Usage item") + " for "
                 + counted(seen->count, "value")
                 + ". Kelprobe takes usages only if there is one for each value."});

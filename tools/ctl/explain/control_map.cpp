@@ -9,7 +9,7 @@ namespace {
 
 using Stack = KX::TelephonyControls;
 
-constexpr const char* kNoOffHook = "noOffHookLed";
+constexpr const char* kNoOffHook = "no-off-hook-led";
 
 // What the stack uses of a control, in the order of ControlId.
 constexpr std::array<std::pair<bool Stack::*, KX::Bytes Stack::*>, kControls.size()> kMembers{{

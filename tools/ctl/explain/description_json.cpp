@@ -7,18 +7,8 @@
 
 #include <json/json.h>
 
-#include <array>
-#include <cstdio>
-
 namespace ctl {
 namespace {
-
-std::string hexId(unsigned value)
-{
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "%04x", value);
-    return text.data();
-}
 
 Json::Value unsignedNumber(uint64_t value)
 {
@@ -64,8 +54,8 @@ Json::Value usageJson(report::Usage usage, const report::UsageNames& names)
     if (usage == report::Usage{})
         return {};
     Json::Value json;
-    json["page"] = hexId(usage.page);
-    json["id"] = hexId(usage.id);
+    json["page"] = unsignedNumber(usage.page);
+    json["id"] = unsignedNumber(usage.id);
     json["name"] = usageName(usage, names);
     return json;
 }
@@ -91,7 +81,7 @@ Json::Value usagesJson(const report::Field& field, const report::UsageNames& nam
     for (const report::UsageRange& range : field.usages) {
         Json::Value json = usageJson(range.minimum, names);
         if (range.isRange)
-            json["maximum"] = hexId(range.maximum);
+            json["maximum"] = unsignedNumber(range.maximum);
         list.append(json);
     }
     return list;

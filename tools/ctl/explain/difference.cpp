@@ -16,7 +16,7 @@ constexpr size_t kStackReadSize = 64;
 
 Remark noBit(ReportKind kind)
 {
-    return {"noBit",
+    return {"no-bit",
         std::string("The field has no bits for Kelprobe, because its Report Size is 0. ")
             + (kind == ReportKind::kInput ? "Every report of the mask's length and id matches."
                                           : "The report that Kelprobe sends sets nothing.")};
@@ -24,7 +24,7 @@ Remark noBit(ReportKind kind)
 
 Remark constantField(ReportKind kind)
 {
-    return {"constantField",
+    return {"constant-field",
         std::string("Its field is constant: the device need not ")
             + (kind == ReportKind::kInput ? "report a press in it." : "light an LED for it.")
             + " Kelprobe uses it all the same."};
@@ -32,7 +32,7 @@ Remark constantField(ReportKind kind)
 
 Remark otherLength(Layout::ReportKey report, size_t stackSize, size_t deviceSize)
 {
-    return {"otherLength",
+    return {"other-length",
         "For Kelprobe, " + reportName(report) + " has " + counted(stackSize, "byte")
             + " after the id instead of " + std::to_string(deviceSize) + ". "
             + (report.kind == ReportKind::kInput
@@ -42,7 +42,7 @@ Remark otherLength(Layout::ReportKey report, size_t stackSize, size_t deviceSize
 
 Remark longReport(size_t size)
 {
-    return {"longReport",
+    return {"long-report",
         "The mask has " + counted(size, "byte") + ". Kelprobe reads no more than "
             + std::to_string(kStackReadSize) + " bytes of a report, so none matches."};
 }
@@ -77,7 +77,7 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
 {
     const std::optional<FieldValue> content = valueAt(layout_, bit);
     if (content && !content->field->isVariable() && !content->field->isConstant()) {
-        notes.push_back({"arrayField",
+        notes.push_back({"array-field",
             "Kelprobe uses " + bitText(bit) + ", which belongs to the array at "
                 + offsetText(content->field->offset)
                 + ". Its values are numbers of elements, not single bits."});
@@ -93,12 +93,12 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
     const std::string stack
         = "Kelprobe uses " + bitText(bit) + ", which is " + contentText(content, names_);
     if (right == values.end() && other == values.end())
-        notes.push_back({"otherUsage", stack + '.'});
+        notes.push_back({"other-usage", stack + '.'});
     else if (right == values.end())
-        notes.push_back({other->firstBit().report == bit.report ? "otherBit" : "otherReport",
+        notes.push_back({other->firstBit().report == bit.report ? "other-bit" : "other-report",
             stack + ". The control is " + bitText(other->firstBit()) + '.'});
     else if (other != values.end())
-        notes.push_back({"alsoElsewhere",
+        notes.push_back({"also-elsewhere",
             "The control is also " + bitText(other->firstBit()) + ", which Kelprobe ignores."});
 }
 
@@ -108,12 +108,12 @@ void DifferenceFinder::addFieldNotes(const report::Field& field, Notes& notes) c
     if (field.isConstant())
         notes.push_back(constantField(field.kind));
     if (field.size > 1)
-        notes.push_back({"severalBits",
+        notes.push_back({"several-bits",
             "The control has " + counted(field.size, "bit")
                 + ". Kelprobe uses only the lowest one."});
     const auto path = layout_.collectionPath(field);
     if (!path.empty() && std::ranges::none_of(path, isHeadset))
-        notes.push_back({"otherCollection",
+        notes.push_back({"other-collection",
             "It is in the collection " + collectionName(*path.front(), names_)
                 + ", which Kelprobe takes for a Headset collection."});
 }
