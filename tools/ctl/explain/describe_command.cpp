@@ -9,6 +9,7 @@
 
 #include <json/json.h>
 
+#include <cstdio>
 #include <memory>
 
 namespace ctl {
@@ -54,13 +55,23 @@ void print(const Description& description, const Options& options)
     }
 }
 
+void printTree(const DescriptorOrigin& origin)
+{
+    KX::Root root;
+    root.Parse(origin.bytes);
+    KX::DumpDescriptor(root, origin.bytes);
+    if (std::ferror(stdout))
+        throw Failure(kNoAccess, "standard output cannot be written");
+}
+
 int describe(const Options& options)
 {
+    if (options.tree + options.json + !options.all() > 1)
+        throw Failure(kWrongUse,
+            "--tree, --json and the options for sections exclude each other; choose one");
     DescriptorOrigin origin = findDescriptor(options.choice, options.descriptor);
     if (options.tree) {
-        KX::Root root;
-        root.Parse(origin.bytes);
-        KX::DumpDescriptor(root, origin.bytes);
+        printTree(origin);
         return kFine;
     }
     const Description description(std::move(origin));
@@ -83,18 +94,11 @@ void addDescribeCommand(CLI::App& app, Run& run)
         "telephony device");
     command.add_option(
         "--descriptor", options->descriptor, "Which descriptor of a file with several, from 1");
-    auto* const items = command.add_flag("--items", options->items, "Print the items only");
-    auto* const layout
-        = command.add_flag("--layout", options->layout, "Print the layout of the reports only");
-    auto* const controls
-        = command.add_flag("--controls", options->controls, "Print the controls only");
-    auto* const tree
-        = command.add_flag("--tree", options->tree, "Print the tree of Kelprobe's stack instead");
-    auto* const json = command.add_flag("--json", options->json, "Print JSON instead");
-    for (auto* const whole : {tree, json})
-        for (auto* const section : {items, layout, controls})
-            whole->excludes(section);
-    tree->excludes(json);
+    command.add_flag("--items", options->items, "Print the items only");
+    command.add_flag("--layout", options->layout, "Print the layout of the reports only");
+    command.add_flag("--controls", options->controls, "Print the controls only");
+    command.add_flag("--tree", options->tree, "Print the tree of Kelprobe's stack instead");
+    command.add_flag("--json", options->json, "Print JSON instead");
     command.footer("A file is binary as /sys/bus/hid/devices/*/report_descriptor, hexadecimal\n"
                    "text, a C array, output of usbhid-dump, or a recording. Write ./NAME for a\n"
                    "file whose name looks like a device.\n"
