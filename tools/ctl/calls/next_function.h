@@ -1,0 +1,27 @@
+/* The functions that the wrappers of the same names replace. */
+#pragma once
+
+#include <stdatomic.h>
+
+typedef void (*any_function)(void);
+
+struct next_function {
+    const char* name;
+    _Atomic(any_function) found;
+};
+
+/* The definition that the program would use without ours: the next one in the order in which
+ * libraries are searched. If there is none, that of the library that contains `caller` or of those
+ * that it needs: plug-ins can load libraries that only they can use. Null if there is none either.
+ * Any thread. Keeps errno. */
+any_function find_next_function(struct next_function* next, const void* caller);
+
+#define DECLARE_NEXT(name) static struct next_function next_##name = {#name, NULL}
+
+/* The function `name`, with its type. NEXT is for wrappers only. */
+#define NEXT_FOR(caller, name) ((__typeof__(&name))find_next_function(&next_##name, caller))
+#define NEXT(name) NEXT_FOR(CALLER, name)
+#define CALLER __builtin_return_address(0)
+
+/* Marks a wrapper. Everything else is compiled with hidden visibility. */
+#define EXPORT __attribute__((visibility("default")))
