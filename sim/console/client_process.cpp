@@ -1,6 +1,7 @@
 #include "sim/console/client_process.h"
 
 #include "sim/console/event_source.h"
+#include "tools/preload/preload_library.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,11 +22,8 @@ using Environment = std::unique_ptr<gchar*, StringsFree>;
 
 Environment environmentWith(const std::string& libraries)
 {
-    gchar** const variables = g_get_environ();
-    const gchar* const inherited = g_environ_getenv(variables, "LD_PRELOAD");
-    const std::string all
-        = inherited && *inherited ? std::string(inherited) + ':' + libraries : libraries;
-    return Environment(g_environ_setenv(variables, "LD_PRELOAD", all.c_str(), TRUE));
+    const std::string all = preload::appended(libraries);
+    return Environment(g_environ_setenv(g_get_environ(), "LD_PRELOAD", all.c_str(), TRUE));
 }
 
 // Runs in the child between fork() and exec(), so it may call only async-signal-safe functions.
