@@ -3,6 +3,7 @@
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
 #include "tools/ctl/explain/describe_command.h"
+#include "tools/ctl/traffic/trace_command.h"
 #include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
 
@@ -14,6 +15,7 @@ namespace {
 constexpr std::array kCommands{
     ctl::addListCommand,
     ctl::addDescribeCommand,
+    ctl::addTraceCommand,
     ctl::addDoctorCommand,
     ctl::addConvertCommand,
 };

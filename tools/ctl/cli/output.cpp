@@ -51,6 +51,11 @@ std::string serialized(const Json::Value& value, const char* indentation)
 
 } // namespace
 
+std::string jsonLineText(const Json::Value& value)
+{
+    return serialized(value, "");
+}
+
 Output::Output(int fd)
     : fd_(fd)
     , terminal_(isatty(fd) == 1)
@@ -87,7 +92,7 @@ void Output::json(const Json::Value& value)
 
 void Output::jsonLine(const Json::Value& value)
 {
-    line(serialized(value, ""));
+    line(jsonLineText(value));
 }
 
 std::string Output::styled(Style style, std::string_view text) const

@@ -10,6 +10,9 @@ class Value;
 
 namespace ctl {
 
+// A JSON document in one line, without a line end.
+[[nodiscard]] std::string jsonLineText(const Json::Value& value);
+
 enum class Style { kPlain, kStrong, kGood, kBad, kFaint };
 
 // Prints whole lines. Each goes to the operating system at once, so that a reader at the other end

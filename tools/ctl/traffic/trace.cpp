@@ -1,0 +1,109 @@
+#include "tools/ctl/traffic/trace.h"
+
+#include "tools/ctl/cli/command.h"
+
+#include <fstream>
+
+namespace ctl {
+namespace {
+
+std::chrono::microseconds now()
+{
+    return std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::system_clock::now().time_since_epoch());
+}
+
+} // namespace
+
+Trace::Trace(const Options& options)
+    : options_(options)
+    , start_(now())
+    , names_(report::UsageNames::load())
+    , devices_(names_)
+{
+    if (!options.output.empty())
+        output_.emplace(options.output);
+    if (!options.record.empty())
+        recorder_.emplace(options.record);
+}
+
+void Trace::add(const Call& call)
+{
+    TracedCall traced{call};
+    traced.processName = processName(call);
+    traced.otherProcess = call.process != program_;
+    // The clock may have been set back.
+    traced.time = std::max(call.time() - start_, std::chrono::microseconds());
+    if (TrafficDevice* const device = devices_.take(call)) {
+        traced.device = device;
+        if (!call.data.empty() && call.kind != HID_CALL_DESCRIPTOR)
+            traced.words = device->words(call);
+    }
+    guard([&] { write(traced); });
+}
+
+bool Trace::finish()
+{
+    guard([this] {
+        if (output_)
+            output_->finish();
+        if (recorder_)
+            finishRecording();
+    });
+    return !failed_;
+}
+
+void Trace::write(const TracedCall& traced)
+{
+    if (recorder_)
+        recorder_->add(traced);
+    if (options_.json) {
+        print(jsonLineText(traceJson(traced)));
+        return;
+    }
+    const std::string line = traceLine(traced, output_ ? nullptr : &Output::err());
+    if (!line.empty())
+        print(line);
+}
+
+void Trace::print(const std::string& line)
+{
+    if (output_)
+        output_->write(line + '\n');
+    else if (options_.output.empty())
+        Output::err().line(line);
+}
+
+void Trace::finishRecording()
+{
+    if (!recorder_->finish())
+        Output::err().line(
+            "kelprobectl: " + options_.record + " is not written, because no device was opened");
+}
+
+void Trace::guard(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const Failure& failure) {
+        Output::err().line(std::string("kelprobectl: ") + failure.what() + "; the trace ends here");
+        failed_ = true;
+        output_.reset();
+        recorder_.reset();
+    }
+}
+
+// The name changes when a process runs another program, which then opens its devices anew.
+const std::string& Trace::processName(const Call& call)
+{
+    const auto [entry, isNew] = processes_.try_emplace(call.process);
+    if (isNew || call.kind == HID_CALL_OPEN) {
+        std::ifstream file("/proc/" + std::to_string(call.process) + "/comm");
+        std::string name;
+        if (std::getline(file, name))
+            entry->second = name;
+    }
+    return entry->second;
+}
+
+} // namespace ctl

@@ -1,0 +1,37 @@
+// Owner of an open file.
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace ctl {
+
+class UniqueFd {
+public:
+    explicit UniqueFd(int fd = -1)
+        : fd_(fd)
+    {
+    }
+    UniqueFd(UniqueFd&& other) noexcept
+        : fd_(std::exchange(other.fd_, -1))
+    {
+    }
+    UniqueFd& operator=(UniqueFd&& other) noexcept
+    {
+        std::swap(fd_, other.fd_);
+        return *this;
+    }
+    ~UniqueFd()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+    }
+
+    [[nodiscard]] int get() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+} // namespace ctl
