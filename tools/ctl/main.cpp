@@ -3,6 +3,9 @@
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
 #include "tools/ctl/explain/describe_command.h"
+#include "tools/ctl/traffic/lamp_command.h"
+#include "tools/ctl/traffic/monitor_command.h"
+#include "tools/ctl/traffic/send_command.h"
 #include "tools/ctl/traffic/trace_command.h"
 #include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
@@ -15,7 +18,10 @@ namespace {
 constexpr std::array kCommands{
     ctl::addListCommand,
     ctl::addDescribeCommand,
+    ctl::addMonitorCommand,
     ctl::addTraceCommand,
+    ctl::addLampCommand,
+    ctl::addSendCommand,
     ctl::addDoctorCommand,
     ctl::addConvertCommand,
 };

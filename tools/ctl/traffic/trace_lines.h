@@ -1,10 +1,8 @@
 // Calls to hidapi as text for people and as JSON. Pure.
 #pragma once
 
-#include "tools/ctl/cli/output.h"
+#include "tools/ctl/traffic/report_text.h"
 #include "tools/ctl/traffic/traffic_devices.h"
-
-#include <json/value.h>
 
 namespace ctl {
 
@@ -12,19 +10,11 @@ namespace ctl {
 struct TracedCall {
     const Call& call;
     const TrafficDevice* device = nullptr; // null if it is unknown
-    std::vector<report::ReportWords::Word> words = {};
+    Words words = {};
     std::chrono::microseconds time{}; // since the start
     std::string processName = {};
     bool otherProcess = false; // than the program's first one
 };
-
-// "1209:0001".
-[[nodiscard]] std::string idsText(uint16_t vendorId, uint16_t productId);
-
-// The words of a report, separated by ", ". Those that changed are strong if `output` has colours,
-// otherwise a * follows them. "nothing on" if there are none.
-[[nodiscard]] std::string wordsText(
-    const std::vector<report::ReportWords::Word>& words, const Output* output);
 
 // One line; `output`, which may be null, as for wordsText(). Empty for a call that has no line: a
 // descriptor that was read.

@@ -2,7 +2,7 @@
 
 #include "tools/ctl/traffic/failure_words.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace ctl {
 
@@ -36,28 +36,15 @@ void TraceRecorder::add(const TracedCall& traced)
     }
 }
 
-bool TraceRecorder::finish()
-{
-    if (indices_.empty())
-        return false;
-    file_.finish();
-    return true;
-}
-
-// A device that is opened again is still the same one.
 void TraceRecorder::addDevice(const TrafficDevice& device)
 {
-    const auto [place, isNew] = indices_.try_emplace(&device, indices_.size());
-    if (!isNew)
-        return;
-    select(place->second);
     report::RecordedDevice recorded;
     recorded.name = idsText(device.vendorId, device.productId);
     recorded.physicalPath = device.path;
     recorded.vendorId = device.vendorId;
     recorded.productId = device.productId;
     recorded.descriptor = device.descriptor();
-    file_.write(report::recordingHeader(recorded));
+    indices_[&device] = file_.addDevice(recorded);
 }
 
 void TraceRecorder::addReport(const TracedCall& traced, Direction direction)
@@ -65,23 +52,14 @@ void TraceRecorder::addReport(const TracedCall& traced, Direction direction)
     const auto device = indices_.find(traced.device);
     if (device == indices_.end() || traced.call.data.empty())
         return;
-    select(device->second);
-    // A read call of one thread may end before an earlier write call of another.
-    last_ = std::max(last_, traced.time);
     report::RecordedReport recorded;
-    recorded.time = last_;
+    recorded.device = device->second;
+    recorded.time = traced.time;
     recorded.direction = direction;
     recorded.bytes = traced.call.data;
     if (traced.call.result < 0)
         recorded.failure = failureOf(traced.call).text;
-    file_.write(report::recordingLine(recorded));
-}
-
-void TraceRecorder::select(size_t index)
-{
-    if (index != selected_)
-        file_.write(report::recordingDevice(index));
-    selected_ = index;
+    file_.add(std::move(recorded));
 }
 
 } // namespace ctl

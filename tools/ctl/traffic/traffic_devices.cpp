@@ -6,8 +6,6 @@
 
 namespace ctl {
 
-using Words = std::vector<report::ReportWords::Word>;
-
 TrafficDevice::TrafficDevice(size_t deviceNumber, const Call& open)
     : number(deviceNumber)
     , vendorId(open.vendorId)

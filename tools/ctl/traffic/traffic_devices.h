@@ -1,8 +1,8 @@
 // The devices that programs use.
 #pragma once
 
-#include "report/meaning.h"
 #include "tools/ctl/traffic/call.h"
+#include "tools/ctl/traffic/report_text.h"
 
 #include <list>
 #include <map>
@@ -24,7 +24,7 @@ public:
 
     // The words of a report that was transferred by the call; none if the descriptor is unknown.
     // Remembers the report, unless the call failed.
-    [[nodiscard]] std::vector<report::ReportWords::Word> words(const Call& call);
+    [[nodiscard]] Words words(const Call& call);
 
     const size_t number; // from 1, in the order in which devices are first opened
     const uint16_t vendorId;

@@ -1,0 +1,10 @@
+// kelprobectl lamp: switches a lamp of a device.
+#pragma once
+
+#include "tools/ctl/cli/command.h"
+
+namespace ctl {
+
+void addLampCommand(CLI::App& app, Run& run);
+
+} // namespace ctl

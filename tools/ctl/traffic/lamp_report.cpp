@@ -1,0 +1,119 @@
+#include "tools/ctl/traffic/lamp_report.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace ctl {
+namespace {
+
+constexpr uint16_t kLedPage = 0x08;
+constexpr uint16_t kLastLed = 0xff; // the usage tables end well before
+
+constexpr std::array<std::pair<uint16_t, const char*>, 4> kCallLamps{
+    {{0x17, "off-hook"}, {0x09, "mute"}, {0x18, "ring"}, {0x20, "hold"}}};
+
+void setBits(report::Bytes& payload, size_t offset, uint32_t size, uint64_t value)
+{
+    for (uint32_t bit = 0; bit < std::min<uint32_t>(size, 64); ++bit, ++offset)
+        if (value >> bit & 1)
+            payload[offset / 8] |= static_cast<uint8_t>(1u << offset % 8);
+}
+
+// With the id first.
+report::Bytes emptyReport(const report::Layout& layout, const report::Field& field)
+{
+    const uint32_t bits = layout.reportBits.at({field.kind, field.reportId});
+    report::Bytes report(1 + (bits + 7) / 8);
+    report[0] = field.reportId;
+    return report;
+}
+
+// Fully on: a lamp can have more than two values.
+uint64_t brightest(const report::Field& field)
+{
+    return field.hasLogicalRange() && field.logicalMaximum > 0
+        ? static_cast<uint64_t>(field.logicalMaximum)
+        : 1;
+}
+
+report::Bytes litReport(const report::Layout& layout, const report::Field& field, uint64_t index)
+{
+    constexpr size_t kIdBits = 8;
+    report::Bytes report = emptyReport(layout, field);
+    if (field.isVariable())
+        setBits(
+            report, kIdBits + field.bitOffset + index * field.size, field.size, brightest(field));
+    else // the first element of the array stands for the lamp
+        setBits(report, kIdBits + field.bitOffset, field.size,
+            static_cast<uint64_t>(field.logicalMinimum) + index);
+    return report;
+}
+
+// How many of the field's usages its values can have.
+uint64_t usableUsages(const report::Field& field)
+{
+    if (field.isVariable())
+        return std::min<uint64_t>(field.count, field.usageCount());
+    const int64_t values = field.logicalMaximum - field.logicalMinimum + 1;
+    return std::min(static_cast<uint64_t>(std::max<int64_t>(values, 0)), field.usageCount());
+}
+
+bool holdsLamps(const report::Field& field)
+{
+    return field.kind == report::ReportKind::kOutput && !field.isConstant() && field.count > 0
+        && !field.usages.empty();
+}
+
+void addLamps(std::vector<Lamp>& lamps, const report::Layout& layout, const report::Field& field,
+    const report::UsageNames& names)
+{
+    for (uint64_t i = 0; i < usableUsages(field) && lamps.size() < kLastLed; ++i) {
+        const report::Usage usage = field.usageAt(i);
+        const bool known = std::any_of(
+            lamps.begin(), lamps.end(), [&](const Lamp& lamp) { return lamp.usage == usage; });
+        if (usage.page == kLedPage && !known)
+            lamps.push_back({lampName(usage, names), usage, litReport(layout, field, i),
+                emptyReport(layout, field)});
+    }
+}
+
+} // namespace
+
+std::string lampName(report::Usage usage, const report::UsageNames& names)
+{
+    for (const auto& [id, name] : kCallLamps)
+        if (usage.page == kLedPage && usage.id == id)
+            return name;
+    std::string name;
+    for (const char c : names.usage(usage)) {
+        if (c >= 'A' && c <= 'Z')
+            name += static_cast<char>(c - 'A' + 'a');
+        else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'))
+            name += c;
+        else if (!name.empty() && name.back() != '-')
+            name += '-';
+    }
+    if (name.ends_with('-'))
+        name.pop_back();
+    return name;
+}
+
+std::vector<Lamp> lampsOf(const report::Layout& layout, const report::UsageNames& names)
+{
+    std::vector<Lamp> lamps;
+    for (const report::Field& field : layout.fields)
+        if (holdsLamps(field))
+            addLamps(lamps, layout, field, names);
+    return lamps;
+}
+
+bool isLampName(std::string_view name, const report::UsageNames& names)
+{
+    for (uint16_t id = 1; id <= kLastLed; ++id)
+        if (lampName({kLedPage, id}, names) == name)
+            return true;
+    return false;
+}
+
+} // namespace ctl

@@ -1,0 +1,74 @@
+#include "tools/ctl/traffic/monitor_command.h"
+
+#include "tools/ctl/traffic/device_wait.h"
+#include "tools/ctl/traffic/monitor.h"
+#include "tools/ctl/usb/device_words.h"
+
+namespace ctl {
+namespace {
+
+struct Options {
+    std::optional<std::string> device;
+    bool wait = false;
+    Monitor::Options monitor;
+};
+
+// A number changes with every plug, so the device is looked for by its ids.
+std::string choiceOf(const std::optional<std::string>& choice, const DeviceEntry& entry)
+{
+    return choice == entry.path ? entry.path : idsText(entry);
+}
+
+int watchOnce(const Options& options, const StopSignals& stop)
+{
+    const DeviceEntry entry = chooseDevice(options.device);
+    Monitor monitor(options.monitor);
+    const Monitor::End end = monitor.show(entry, stop);
+    monitor.finish();
+    if (end == Monitor::End::kGone)
+        throw Failure(kNoAccess, idsText(entry) + " has gone; --wait waits until it is back");
+    return kFine;
+}
+
+int watchAgain(const Options& options, const StopSignals& stop)
+{
+    Monitor monitor(options.monitor);
+    std::optional<std::string> choice = options.device;
+    while (const auto entry = waitForDevice(choice, stop)) {
+        if (monitor.show(*entry, stop) == Monitor::End::kGone)
+            Output::err().line(idsText(*entry) + " has gone.");
+        choice = choiceOf(options.device, *entry);
+    }
+    monitor.finish();
+    return kFine;
+}
+
+int run(const Options& options)
+{
+    const StopSignals stop;
+    return options.wait ? watchAgain(options, stop) : watchOnce(options, stop);
+}
+
+} // namespace
+
+void addMonitorCommand(CLI::App& app, Run& run_)
+{
+    CLI::App& command
+        = *app.add_subcommand("monitor", "Print the input reports of a device as they arrive");
+    const auto options = std::make_shared<Options>();
+    command.add_option("DEVICE", options->device, "The device: vvvv:pppp, path or number");
+    command.add_flag(
+        "--wait", options->wait, "Wait for the device, also when it is unplugged, until Ctrl-C");
+    command.add_option(
+        "--record", options->monitor.record, "Also write the reports to this file as a recording");
+    command.add_flag("--json", options->monitor.json, "Print one line of JSON for each report");
+    command.footer(
+        "Prints the time in seconds, the bytes and their meaning. A * (or bold text) marks what\n"
+        "changed since the report before. No other program has the device meanwhile.\n"
+        "Exit status: 0 ended by Ctrl-C, 2 wrong use, 3 no device, or it cannot be opened or was\n"
+        "unplugged (without --wait).\n"
+        "Example: kelprobectl monitor --record hook.txt");
+    command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
+}
+
+} // namespace ctl

@@ -1,0 +1,10 @@
+// kelprobectl send: sends one report to a device.
+#pragma once
+
+#include "tools/ctl/cli/command.h"
+
+namespace ctl {
+
+void addSendCommand(CLI::App& app, Run& run);
+
+} // namespace ctl
