@@ -78,6 +78,7 @@ struct Field {
     {
         return isConstant() && (!isVariable() || usages.empty());
     }
+
     [[nodiscard]] bool isSigned() const { return logicalMinimum < 0; }
 
     // False if the descriptor gives no logical minimum and maximum, or no value is between them.

@@ -132,9 +132,11 @@ std::vector<Panel::LedState> Panel::ledsIn(const Bytes& output) const
     std::vector<LedState> leds;
     std::set<uint16_t> inArrays;
     for (const report::Value& value : decoded.values) {
-        if (value.usage.page != kLedPage)
-            continue;
         const bool inArray = !value.field->isVariable();
+        // Of values that share a usage, only the first one is the LED.
+        const bool repeatsUsage = !inArray && value.index >= value.field->usageCount();
+        if (value.usage.page != kLedPage || repeatsUsage)
+            continue;
         leds.push_back({value.usage.id, inArray || value.value != 0});
         if (inArray)
             inArrays.insert(value.usage.id);
