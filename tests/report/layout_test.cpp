@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <random>
-#include <regex>
 
 namespace {
 
@@ -154,9 +153,12 @@ TEST(Layout, HasTheSizeOfEachReportOnTheWire)
 TEST(Layout, NamesWhatDoesNotFollowTheDefinition)
 {
     // "[" begins a collection with fields of one bit, "." is a field.
-    const auto problems = [](std::string items) {
-        items = std::regex_replace(items, std::regex("\\["), "050b0905a101 1500 2501 7501 9501 ");
-        items = std::regex_replace(items, std::regex("\\."), "0920 8102");
+    const auto problems = [](const std::string& text) {
+        std::string items;
+        for (const char c : text)
+            items += c == '[' ? "050b0905a101 1500 2501 7501 9501 "
+                : c == '.'    ? "0920 8102"
+                              : std::string(1, c);
         std::string lines;
         for (const auto& [offset, problem] : report::readLayout(test::bytesFromHex(items)).problems)
             lines += (lines.empty() ? "" : "; ") + std::to_string(offset) + " " + problem;

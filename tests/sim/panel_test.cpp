@@ -65,26 +65,27 @@ TEST(Panel, DoesWhatTheDescriptorSays)
 TEST(Panel, FindsControlsHoweverTheyAreGiven)
 {
     const std::string begin = "050b0905a101 1500 ";
-    for (const auto& [items, words, expected] :
-        {
-            // In arrays: one that 0 stands for no button of, and one that 0 stands for the hook of.
-            std::tuple{"250475089502 0900092009210997092f 8100", "mute hook mute hook",
-                "mute pressed 04 00; mute released 00 00; hook switch off 01 00; "
-                "mute pressed 01 04; mute released 01 00; hook switch on 00 00; "},
-            {"250175029501 0920092f 8100 75069501 8101", "mute hook",
-                "mute pressed 01; mute released 02; hook switch off 00; "},
-            // An array of LEDs: those that it does not contain are off.
-            {"1501250375089502 0508 191729180920 9100", "000102 000200 000203 000000",
-                "off-hook LED on, ring LED on; off-hook LED off; hold LED on; "
-                "ring LED off, hold LED off; "},
-            // Whole bytes; a long item, usages that give their page, globals saved and restored,
-            // the
-            // first of two alternatives.
-            {"250175089502 0508 fe0210ffff 0b20000b00 a4050c9501b4 0b2f000b00 8102", "mute hook",
-                "mute pressed 00 01; mute released 00 00; hook switch off 01 00; "},
-            {"250175019508 a901 0920 0921 a900 092f 8102", "flash hook mute",
-                "hook switch off 01; mute pressed 03; mute released 01; "},
-        }) {
+    for (const auto& [items, words, expected] : {
+             // In an array in which 0 stands for no button, and in one in which it is the hook.
+             std::tuple{"250475089502 0900092009210997092f 8100", "mute hook mute hook",
+                 "mute pressed 04 00; mute released 00 00; hook switch off 01 00; "
+                 "mute pressed 01 04; mute released 01 00; hook switch on 00 00; "},
+             {"250175029501 0920092f 8100 75069501 8101", "mute hook",
+                 "mute pressed 01; mute released 02; hook switch off 00; "},
+             // An array of LEDs: those that it does not contain are off.
+             {"1501250375089502 0508 191729180920 9100", "000102 000200 000203 000000",
+                 "off-hook LED on, ring LED on; off-hook LED off; hold LED on; "
+                 "ring LED off, hold LED off; "},
+             // Values that share a usage: the first one is the LED.
+             {"250175019508 0508 0909 9102", "0001 00ff 00fe",
+                 "mute LED on; no change; mute LED off; "},
+             // Whole bytes, a long item, usages that give their page, saved globals.
+             {"250175089502 0508 fe0210ffff 0b20000b00 a4050c9501b4 0b2f000b00 8102", "mute hook",
+                 "mute pressed 00 01; mute released 00 00; hook switch off 01 00; "},
+             // The first of two alternatives.
+             {"250175019508 a901 0920 0921 a900 092f 8102", "flash hook mute",
+                 "hook switch off 01; mute pressed 03; mute released 01; "},
+         }) {
         sim::Panel panel(sim::fromHex(begin + items).value());
         std::istringstream stream(words);
         std::string story;
