@@ -8,7 +8,7 @@
 #define TRACE_SOCKET_VARIABLE "KELPROBE_TRACE_SOCKET"
 
 /* Longer data are cut. USB gives the length of a report in 16 bits. */
-enum { TRACE_MAX_PATH = 4096, TRACE_MAX_DATA = 65535 };
+enum { TRACE_MAX_PATH = 4096, TRACE_MAX_DATA = 65535, TRACE_MAX_NAME = 32 };
 
 /* The members are those of struct hid_call. */
 struct trace_header {
@@ -24,4 +24,5 @@ struct trace_header {
     uint16_t product_id;
     uint32_t path_size; /* without a zero at the end; 0 if there is no path */
     uint32_t data_size;
+    char program[TRACE_MAX_NAME]; /* name of the file that the process runs, ended by zero */
 };

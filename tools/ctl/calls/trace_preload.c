@@ -3,7 +3,7 @@
  * Connects at the first call. A call returns when its message is in the socket's buffer, so the
  * program waits if kelprobectl cannot keep up. Without kelprobectl nothing is reported. Nothing is
  * printed and no signal is raised. There are no locks, so the program can fork at any time. */
-#define _GNU_SOURCE /* secure_getenv() */
+#define _GNU_SOURCE /* program_invocation_short_name, secure_getenv() */
 #include "tools/ctl/calls/trace_message.h"
 
 #include <errno.h>
@@ -28,6 +28,7 @@
 enum { FIRST_DESCRIPTOR = 200 };
 
 static struct sockaddr_un server = {.sun_family = AF_UNIX};
+static char program[TRACE_MAX_NAME];
 static _Atomic(uint64_t) connection = NOT_CONNECTED;
 
 static int descriptor_of(uint64_t socket)
@@ -129,6 +130,7 @@ static void send_call(const struct hid_call* call)
         .path_size = call->path ? at_most(strlen(call->path), TRACE_MAX_PATH) : 0,
         .data_size = at_most(call->size, TRACE_MAX_DATA),
     };
+    memcpy(header.program, program, sizeof header.program);
     /* sendmsg() does not change what these point to. */
     struct iovec parts[] = {
         {&header, sizeof header},
@@ -146,5 +148,6 @@ __attribute__((constructor)) static void start(void)
     if (!path || strlen(path) >= sizeof server.sun_path)
         return;
     memcpy(server.sun_path, path, strlen(path));
+    strncpy(program, program_invocation_short_name, sizeof program - 1);
     hid_calls_observe(send_call);
 }

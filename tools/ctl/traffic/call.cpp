@@ -26,6 +26,7 @@ std::optional<Call> parseTraceMessage(std::span<const uint8_t> message)
     Call call;
     call.kind = static_cast<hid_call_kind>(header.kind);
     call.process = header.process;
+    call.program.assign(header.program, strnlen(header.program, sizeof header.program));
     call.device = header.device;
     call.opener = header.opener;
     call.begin = std::chrono::microseconds(header.begin);

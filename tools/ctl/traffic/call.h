@@ -15,6 +15,7 @@ namespace ctl {
 struct Call {
     hid_call_kind kind = HID_CALL_OPEN;
     int32_t process = 0; // that made the call
+    std::string program; // that it runs
     uint32_t device = 0;
     int32_t opener = 0;
     std::chrono::microseconds begin{}; // since 1970

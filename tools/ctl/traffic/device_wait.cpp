@@ -34,7 +34,8 @@ std::optional<DeviceEntry> waitForDevice(
     const UsbContext context = startUsb();
     Hotplug hotplug(context.get()); // first, so that no device is plugged in unnoticed
     pollfd signal{stop.fd(), POLLIN, 0};
-    Clock::time_point settled{};
+    // One that is leaving or has just come is in the list, but cannot be opened.
+    Clock::time_point settled = Clock::now() + kSettleTime;
     bool announced = false;
     while (!stop.stopped()) {
         const bool settling = Clock::now() < settled;

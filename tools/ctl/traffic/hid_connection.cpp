@@ -31,8 +31,11 @@ HidConnection::HidConnection(const DeviceEntry& entry)
     : name_(idsText(entry))
     , buffer_(kMaxReportSize)
 {
+    lastError = 0;
     hid_calls_observe(observe);
     device_.reset(hid_open_path(entry.path.c_str()));
+    if (!device_ && (lastError == LIBUSB_ERROR_NO_DEVICE || lastError == 0))
+        failGone(); // since it was chosen
     if (!device_)
         throw Failure(kNoAccess, name_ + " cannot be opened: " + whyNotOpened(entry));
 }

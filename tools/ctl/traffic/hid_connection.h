@@ -22,7 +22,7 @@ public:
 // interface back to the kernel's driver.
 class HidConnection {
 public:
-    // Throws Failure with the reason if the device cannot be opened.
+    // Throws Failure with the reason if the device cannot be opened, DeviceGone.
     explicit HidConnection(const DeviceEntry& entry);
 
     // Waits for an input report for at most that long; empty if none came. The bytes are valid

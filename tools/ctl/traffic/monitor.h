@@ -22,7 +22,8 @@ public:
     enum class End { kStopped, kGone };
 
     // Opens the device and shows its reports until a signal arrives or the device has gone. Throws
-    // Failure if the device cannot be opened or an output cannot be written.
+    // Failure if the device cannot be opened or an output cannot be written, DeviceGone if it has
+    // gone before it was opened.
     End show(const DeviceEntry& entry, const StopSignals& stop);
 
     // Completes the recording, and says on standard error how many reports came.

@@ -30,13 +30,23 @@ int watchOnce(const Options& options, const StopSignals& stop)
     return kFine;
 }
 
+// Says on standard error that the device has gone, if that is why it ends.
+void showOnce(Monitor& monitor, const DeviceEntry& entry, const StopSignals& stop)
+{
+    try {
+        if (monitor.show(entry, stop) == Monitor::End::kStopped)
+            return;
+    } catch (const DeviceGone&) { // before it was opened
+    }
+    Output::err().line(idsText(entry) + " has gone.");
+}
+
 int watchAgain(const Options& options, const StopSignals& stop)
 {
     Monitor monitor(options.monitor);
     std::optional<std::string> choice = options.device;
     while (const auto entry = waitForDevice(choice, stop)) {
-        if (monitor.show(*entry, stop) == Monitor::End::kGone)
-            Output::err().line(idsText(*entry) + " has gone.");
+        showOnce(monitor, *entry, stop);
         choice = choiceOf(options.device, *entry);
     }
     monitor.finish();

@@ -2,8 +2,6 @@
 
 #include "tools/ctl/cli/command.h"
 
-#include <fstream>
-
 namespace ctl {
 namespace {
 
@@ -30,7 +28,7 @@ Trace::Trace(const Options& options)
 void Trace::add(const Call& call)
 {
     TracedCall traced{call};
-    traced.processName = processName(call);
+    empty_ = false;
     traced.otherProcess = call.process != program_;
     // The clock may have been set back.
     traced.time = std::max(call.time() - start_, std::chrono::microseconds());
@@ -91,19 +89,6 @@ void Trace::guard(const std::function<void()>& action)
         output_.reset();
         recorder_.reset();
     }
-}
-
-// The name changes when a process runs another program, which then opens its devices anew.
-const std::string& Trace::processName(const Call& call)
-{
-    const auto [entry, isNew] = processes_.try_emplace(call.process);
-    if (isNew || call.kind == HID_CALL_OPEN) {
-        std::ifstream file("/proc/" + std::to_string(call.process) + "/comm");
-        std::string name;
-        if (std::getline(file, name))
-            entry->second = name;
-    }
-    return entry->second;
 }
 
 } // namespace ctl

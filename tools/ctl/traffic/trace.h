@@ -25,7 +25,7 @@ public:
     // To be called for each call in their order. If a file cannot be written, says so and drops it.
     void add(const Call& call);
 
-    [[nodiscard]] bool empty() const { return processes_.empty(); }
+    [[nodiscard]] bool empty() const { return empty_; }
 
     // Completes the files. Returns false if one of them could not be written.
     [[nodiscard]] bool finish();
@@ -36,7 +36,6 @@ private:
     void finishRecording();
     // Runs `action`; if it throws Failure, prints why, drops the files and remembers it.
     void guard(const std::function<void()>& action);
-    [[nodiscard]] const std::string& processName(const Call& call);
 
     const Options options_;
     const std::chrono::microseconds start_;
@@ -44,8 +43,8 @@ private:
     TrafficDevices devices_;
     std::optional<OutputFile> output_;
     std::optional<TraceRecorder> recorder_;
-    std::map<int32_t, std::string> processes_; // names of those that made calls
     pid_t program_ = 0;
+    bool empty_ = true;
     bool failed_ = false;
 };
 

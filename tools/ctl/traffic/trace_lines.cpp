@@ -44,12 +44,20 @@ bool hasMeaning(const TracedCall& traced)
         && !traced.call.data.empty();
 }
 
+// Of the device that was opened, or that should have been.
+std::string idsOf(const TracedCall& traced)
+{
+    const TrafficDevice* const device = traced.device;
+    return device ? idsText(device->vendorId, device->productId)
+                  : idsText(traced.call.vendorId, traced.call.productId);
+}
+
 // What follows the name of the call.
 std::string detail(const TracedCall& traced, const Output* output)
 {
     const Call& call = traced.call;
     if (call.kind == HID_CALL_OPEN)
-        return idsText(call.vendorId, call.productId) + ' ' + text::printable(call.path);
+        return idsOf(traced) + ' ' + text::printable(call.path);
     if (call.kind == HID_CALL_DESCRIPTOR)
         return "cannot be read, so reports have no meaning";
     return hasMeaning(traced) ? reportText(call.data, traced.words, output) : bytesText(call.data);
@@ -71,8 +79,7 @@ std::string traceLine(const TracedCall& traced, const Output* output)
         return {};
     std::string line = timeText(traced.time) + "  ";
     if (traced.otherProcess)
-        line += '[' + std::to_string(call.process) + ' ' + text::printable(traced.processName)
-            + "]  ";
+        line += '[' + std::to_string(call.process) + ' ' + text::printable(call.program) + "]  ";
     line += traced.device ? '#' + std::to_string(traced.device->number) : "#?";
     std::string name = nameOf(call.kind);
     name.resize(kNameWidth, ' ');
@@ -93,14 +100,14 @@ Json::Value traceJson(const TracedCall& traced)
     json["time"] = Json::Int64{traced.time.count()};
     json["duration"] = Json::Int64{call.duration.count()};
     json["process"] = call.process;
-    json["processName"] = text::printable(traced.processName);
+    json["program"] = text::printable(call.program);
     json["device"]
         = traced.device ? Json::Value(Json::UInt64{traced.device->number}) : Json::Value();
     std::string name = nameOf(call.kind);
     std::replace(name.begin(), name.end(), ' ', '-');
     json["call"] = name;
     if (call.kind == HID_CALL_OPEN) {
-        json["ids"] = idsText(call.vendorId, call.productId);
+        json["ids"] = idsOf(traced);
         json["path"] = text::printable(call.path);
     } else if (call.kind == HID_CALL_DESCRIPTOR) {
         json["descriptor"] = report::toHex(call.data, "");

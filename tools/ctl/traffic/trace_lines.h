@@ -12,8 +12,7 @@ struct TracedCall {
     const TrafficDevice* device = nullptr; // null if it is unknown
     Words words = {};
     std::chrono::microseconds time{}; // since the start
-    std::string processName = {};
-    bool otherProcess = false; // than the program's first one
+    bool otherProcess = false;        // than the program's first one
 };
 
 // One line; `output`, which may be null, as for wordsText(). Empty for a call that has no line: a

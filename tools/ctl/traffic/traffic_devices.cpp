@@ -3,6 +3,7 @@
 #include "tools/ctl/traffic/hidraw.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace ctl {
 
@@ -72,9 +73,12 @@ TrafficDevice* TrafficDevices::take(const Call& call)
 
 TrafficDevice& TrafficDevices::opened(const Call& call)
 {
+    Call open = call;
+    if (open.vendorId == 0 && open.productId == 0) // hidapi's hidraw version does not say
+        std::tie(open.vendorId, open.productId) = hidrawIds(open.path);
     const auto found = std::find_if(devices_.begin(), devices_.end(),
-        [&](const TrafficDevice& device) { return device.isOf(call); });
-    return found != devices_.end() ? *found : devices_.emplace_back(devices_.size() + 1, call);
+        [&](const TrafficDevice& device) { return device.isOf(open); });
+    return found != devices_.end() ? *found : devices_.emplace_back(devices_.size() + 1, open);
 }
 
 } // namespace ctl
