@@ -119,7 +119,7 @@ TEST(Consequences, AreWhatTheStackDoes)
          }) {
         const Meeting meeting = meetingOf(device);
         EXPECT_TRUE(std::ranges::any_of(meeting.sentences,
-            [&](const std::string& text) { return text.find(sentence) != std::string::npos; }))
+            [part = sentence](const std::string& text) { return text.find(part) != text.npos; }))
             << device << ": " << sentence;
         EXPECT_EQ(Recorder().run(meeting.map.stackControls(), steps), follows)
             << device << ": " << sentence;

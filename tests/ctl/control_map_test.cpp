@@ -17,8 +17,8 @@ ctl::ControlMap mapOf(const std::vector<uint8_t>& descriptor)
     return {descriptor, report::readLayout(descriptor), names};
 }
 
-// The report in hexadecimal, or the reason and further reasons: "other-collection+usage-range". Notes
-// follow in brackets.
+// The report in hexadecimal, or the reason and further reasons: "other-collection+usage-range".
+// Notes follow in brackets.
 std::string summary(const ctl::ControlEntry& entry)
 {
     EXPECT_NE(entry.report.has_value(), entry.reason.has_value());
@@ -171,6 +171,16 @@ TEST(ControlMap, KnowsWhereTheStackLooks)
         }
     }
     EXPECT_GT(found, 5'000) << "they have to be worth reading";
+    for (const std::string& name : test::deviceNames()) {
+        for (int round = 0; round < 100; ++round) {
+            auto bytes = test::deviceDescriptor(name);
+            for (int i = 0; i < 4; ++i)
+                bytes[random() % bytes.size()] = static_cast<uint8_t>(random());
+            const ctl::ControlMap map = mapOf(bytes);
+            for (const ctl::Control& control : ctl::kControls)
+                EXPECT_NE(summary(map[control.id]), "");
+        }
+    }
 }
 
 } // namespace

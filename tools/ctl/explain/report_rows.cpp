@@ -51,7 +51,7 @@ std::string pathText(
     size_t at = field.collection;
     for (size_t i = 0; at != report::Collection::kNone && i < kMaxPath; ++i) {
         const report::Collection& collection = layout.collections[at];
-        text = collectionName(collection, names) + (text.empty() ? "" : " > ") + text;
+        text.insert(0, collectionName(collection, names) + (text.empty() ? "" : " > "));
         at = collection.parent;
     }
     return at == report::Collection::kNone ? text : "... > " + text;
