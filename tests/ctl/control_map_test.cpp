@@ -110,6 +110,7 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
              {"array-field+usage-range", kHookSwitch, HEADSET "7504 1920 292f 8100", HEADSET "9510 1920 292f 8102", "usage-range"},
              {"extended-usage", kHookSwitch, HEADSET "0b20000b00 8102", HEADSET "0920 8102", "01"},
              {"usage-range", kFlash, HEADSET "9502 1920 2921 8102", HEADSET "9502 0920 0921 8102", "02"},
+             {"usage-range", kHookSwitch, "050b 0901 a101 7501 9501 8501 1920 2920 8102 c0 0905 a101 8502 1920 2920 8102", "050b 0901 a101 7501 9501 8501 1920 2920 8102 c0 0905 a101 8502 0920 8102", "0201 [also-elsewhere]"},
              {"more-usages", kHookSwitch, HEADSET "0920 0921 8102", HEADSET "9502 0920 0921 8102", "01"},
              {"more-usages", kHookSwitch, HEADSET "a901 0920 0921 a900 8102", HEADSET "0920 8102", "01"},
              {"fewer-usages", kHookSwitch, HEADSET "9502 0920 8102", HEADSET "0920 8102 8101", "01"},
