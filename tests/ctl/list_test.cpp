@@ -7,6 +7,8 @@
 #include <hidapi/hidapi.h>
 #include <json/json.h>
 
+#include <algorithm>
+#include <chrono>
 #include <map>
 #include <sstream>
 #include <thread>
@@ -186,22 +188,25 @@ TEST_F(List, LeavesTheDriverAttachedWhenASignalEndsIt)
 
 TEST_F(List, SurvivesUnplugsAtAnyMoment)
 {
+    constexpr int replugs = 10; // during a run, which sanitizers make slow
     auto& device = plug();
     auto& stays = plug("webcam");
-    std::atomic<bool> done = false;
-    std::thread storm([&] {
-        while (!done) {
+    const auto start = std::chrono::steady_clock::now();
+    (void)devices();
+    const auto pause = (std::chrono::steady_clock::now() - start) / replugs;
+    for (int i = 0; i < 10; ++i) {
+        CtlProcess process("list --json", errorFile());
+        for (int replug = 0; replug < replugs; ++replug) {
+            std::this_thread::sleep_for(pause * (i + 1) / 10);
             device.unplug();
             device.plug();
         }
-    });
-    for (int i = 0; i < 15; ++i) {
-        const auto list = devices();
-        ASSERT_TRUE(list.contains(stays.hidPath()));
-        EXPECT_EQ(list.at(stays.hidPath())["access"].asString(), "open");
+        const Json::Value list = parse(process.rest());
+        EXPECT_EQ(process.end(), 0);
+        EXPECT_TRUE(std::any_of(list.begin(), list.end(), [&](const Json::Value& entry) {
+            return entry["path"] == stays.hidPath() && entry["access"] == "open";
+        })) << list;
     }
-    done = true;
-    storm.join();
     EXPECT_TRUE(stays.driverBound() && !stays.claimed());
 }
 
@@ -242,14 +247,16 @@ TEST_F(List, ReportsAStormOfPlugsCompletely)
         const std::string path = event["device"]["path"].asString();
         const std::string name = event["event"].asString();
         EXPECT_NE(name, last[path]) << "plug and unplug alternate";
-        EXPECT_EQ(event["device"]["number"].isNull(), name == "added");
+        EXPECT_TRUE(name == "removed" || event["device"]["number"].isNull() == (name == "added"));
         last[path] = name;
     };
     readEvent();
     readEvent();
     for (int i = 0; i < 100; ++i) {
         device.unplug();
+        std::this_thread::sleep_for(std::chrono::milliseconds(i % 4));
         device.plug();
+        std::this_thread::sleep_for(std::chrono::milliseconds(i % 7));
     }
     device.unplug();
     stays.unplug();
