@@ -11,7 +11,10 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -39,7 +42,7 @@ std::string descriptorAttribute(const UsbDeviceInfo& info)
     return text;
 }
 
-// Contains only what libusb reads.
+// What libusb reads.
 std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDeviceInfo& info)
 {
     return "P: " + place.sysfsPath
@@ -56,6 +59,26 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
           "A: bConfigurationValue=1\\n\n"
           "H: descriptors="
         + descriptorAttribute(info) + "\n";
+}
+
+// As the kernel does, which has read the names. An invalid one gives an empty attribute.
+void writeName(const fs::path& attribute, const std::u16string& name)
+{
+    if (name.empty())
+        return;
+    static_assert(sizeof(gunichar2) == sizeof(char16_t));
+    const std::vector<gunichar2> units(name.begin(), name.end());
+    const std::unique_ptr<char, decltype(&g_free)> text(
+        g_utf16_to_utf8(units.data(), static_cast<glong>(units.size()), nullptr, nullptr, nullptr),
+        g_free);
+    std::ofstream(attribute) << (text ? text.get() : "") << '\n';
+}
+
+void writeNames(const fs::path& device, const UsbDeviceInfo& info)
+{
+    writeName(device / "manufacturer", info.manufacturer);
+    writeName(device / "product", info.product);
+    writeName(device / "serial", info.serialNumber);
 }
 
 // umockdev aborts when it cannot make its directory or write a file, so check first.
@@ -106,7 +129,9 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     const int address = ++lastAddress_;
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);
-    usbfs->showDriver({root_ + "/sys" + place.sysfsPath, info});
+    const fs::path sysfs = root_ + "/sys" + place.sysfsPath;
+    usbfs->showDriver({sysfs, info});
+    writeNames(sysfs, info);
     makeNode(place.node, *usbfs);
     if (!umockdev_testbed_add_from_string(
             testbed_, sysfsRecord(place, address, info).c_str(), nullptr))

@@ -33,12 +33,13 @@ struct DeviceFaults {
     Fault stallReportDescriptor;   // GET_DESCRIPTOR(report) stalls
     Fault shortenReportDescriptor; // GET_DESCRIPTOR(report) ends after shortLength bytes
     std::atomic<size_t> shortLength = 0;
-    Fault failWrite; // an output report stalls and is not received
+    Fault stallStrings; // string descriptors stall
+    Fault failWrite;    // an output report stalls and is not received
 
     void clear()
     {
         for (Fault* fault : {&refuseClaim, &refuseDetach, &stallReportDescriptor,
-                 &shortenReportDescriptor, &failWrite})
+                 &shortenReportDescriptor, &stallStrings, &failWrite})
             fault->arm(0);
     }
 };

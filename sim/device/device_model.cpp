@@ -66,6 +66,8 @@ Reply DeviceModel::getDescriptor(const Setup& setup)
     case kConfiguration:
         return send(configurationDescriptor(info), setup.length);
     case kString:
+        if (faults.stallStrings.consume())
+            return stall();
         if (auto text = stringDescriptor(info, lowByte(setup.value)))
             return send(std::move(*text), setup.length);
         return stall();

@@ -12,7 +12,7 @@
 namespace ctl {
 namespace {
 
-using Entries = std::vector<DeviceEntry>;
+using Devices = std::vector<ScannedDevice>;
 
 constexpr std::string_view kDecimalDigits = "0123456789";
 constexpr std::string_view kHexDigits = "0123456789abcdefABCDEF";
@@ -87,29 +87,22 @@ std::string lowerCase(std::string text)
     return text;
 }
 
-template <typename Condition>
-DeviceEntry* firstThat(Entries& entries, const Condition& condition)
-{
-    const auto found = std::find_if(entries.begin(), entries.end(), condition);
-    return found == entries.end() ? nullptr : &*found;
-}
-
-DeviceEntry& byNumber(Entries& entries, const std::string& choice)
+ScannedDevice& byNumber(Devices& devices, const std::string& choice)
 {
     size_t number = 0;
     std::from_chars(choice.data(), choice.data() + choice.size(), number);
-    if (number < 1 || number > entries.size())
+    if (number < 1 || number > devices.size())
         throw Failure(kNoAccess,
             "there is no device " + choice + "; kelprobectl list shows "
-                + std::to_string(entries.size()));
-    return entries[number - 1];
+                + std::to_string(devices.size()));
+    return devices[number - 1];
 }
 
-[[noreturn]] void failNotFound(const Entries& entries, const std::string& choice)
+[[noreturn]] void failNotFound(const Devices& devices, const std::string& choice)
 {
     std::vector<std::string> names;
-    for (const DeviceEntry& entry : entries)
-        names.push_back(isIds(choice) ? idsText(entry) : entry.path);
+    for (const ScannedDevice& device : devices)
+        names.push_back(isIds(choice) ? idsText(device.entry) : device.entry.path);
     const std::vector<std::string_view> views(names.begin(), names.end());
     const std::string_view nearest = text::nearest(choice, views);
     throw Failure(kNoAccess,
@@ -118,33 +111,34 @@ DeviceEntry& byNumber(Entries& entries, const std::string& choice)
                                : "did you mean " + std::string(nearest) + '?'));
 }
 
-DeviceEntry& chosen(Entries& entries, const std::string& choice)
+ScannedDevice& chosen(Devices& devices, const std::string& choice)
 {
     if (isNumber(choice))
-        return byNumber(entries, choice);
+        return byNumber(devices, choice);
     if (!isIds(choice) && !isPath(choice))
         throw Failure(kWrongUse,
             text::printable(choice) + " does not name a device; " + std::string(kHowToChoose));
     const std::string wanted = lowerCase(choice);
-    DeviceEntry* const found = firstThat(entries, [&](const DeviceEntry& entry) {
-        return isIds(wanted) ? idsText(entry) == wanted : entry.path == wanted;
-    });
-    if (!found)
-        failNotFound(entries, choice);
+    const auto found
+        = std::find_if(devices.begin(), devices.end(), [&](const ScannedDevice& device) {
+              return isIds(wanted) ? idsText(device.entry) == wanted : device.entry.path == wanted;
+          });
+    if (found == devices.end())
+        failNotFound(devices, choice);
     return *found;
 }
 
-[[noreturn]] void failWithoutTelephony(const Entries& entries)
+[[noreturn]] void failWithoutTelephony(const Devices& devices)
 {
     throw Failure(kNoAccess,
-        entries.empty() ? "no HID device is present; plug one in, or try a simulated one"
+        devices.empty() ? "no HID device is present; plug one in, or try a simulated one"
                         : "no device has telephony controls; " + std::string(kHowToChoose));
 }
 
-[[noreturn]] void failUndecided(const Entries& entries)
+[[noreturn]] void failUndecided(const Devices& devices)
 {
     std::string list;
-    for (const DeviceEntry& entry : entries) {
+    for (const auto& [entry, interface] : devices) {
         if (entry.telephony)
             list += (list.empty() ? "" : ", ") + std::to_string(entry.number) + " = "
                 + idsText(entry) + ' ' + text::printable(entry.product);
@@ -153,37 +147,37 @@ DeviceEntry& chosen(Entries& entries, const std::string& choice)
         "several telephony devices are present (" + list + "); " + std::string(kHowToChoose));
 }
 
-DeviceEntry& onlyTelephony(DeviceScan& scan)
+ScannedDevice& onlyTelephony(Devices& devices)
 {
-    DeviceEntry* found = nullptr;
+    ScannedDevice* found = nullptr;
     bool several = false;
-    for (DeviceEntry& entry : scan.entries()) {
-        scan.complete(entry, Detail::kDescriptor);
-        several = several || (found && entry.telephony);
-        if (entry.telephony && !found)
-            found = &entry;
+    for (ScannedDevice& device : devices) {
+        examine(device, Detail::kDescriptor);
+        several = several || (found && device.entry.telephony);
+        if (device.entry.telephony && !found)
+            found = &device;
     }
     if (!found)
-        failWithoutTelephony(scan.entries());
+        failWithoutTelephony(devices);
     if (several)
-        failUndecided(scan.entries());
+        failUndecided(devices);
     return *found;
 }
 
 } // namespace
 
-DeviceEntry& chooseEntry(DeviceScan& scan, const std::optional<std::string>& choice)
+ScannedDevice& choose(Devices& devices, const std::optional<std::string>& choice)
 {
-    return choice ? chosen(scan.entries(), *choice) : onlyTelephony(scan);
+    return choice ? chosen(devices, *choice) : onlyTelephony(devices);
 }
 
 DeviceEntry chooseDevice(const std::optional<std::string>& choice)
 {
     const UsbContext context = startUsb();
-    DeviceScan scan(context.get());
-    DeviceEntry& entry = chooseEntry(scan, choice);
-    scan.complete(entry, Detail::kDescriptorAndAccess);
-    return entry;
+    Devices devices = scanDevices(context.get());
+    ScannedDevice& device = choose(devices, choice);
+    examine(device, Detail::kDescriptorAndAccess);
+    return device.entry;
 }
 
 bool isDeviceChoice(const std::string& text)

@@ -5,7 +5,8 @@
 
 namespace ctl {
 
-// As chooseDevice(), but the entry is not yet complete. Belongs to `scan`.
-[[nodiscard]] DeviceEntry& chooseEntry(DeviceScan& scan, const std::optional<std::string>& choice);
+// As chooseDevice(), but the device is not yet examined. It is one of `devices`.
+[[nodiscard]] ScannedDevice& choose(
+    std::vector<ScannedDevice>& devices, const std::optional<std::string>& choice);
 
 } // namespace ctl

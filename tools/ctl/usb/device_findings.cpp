@@ -1,13 +1,12 @@
 #include "tools/ctl/usb/device_findings.h"
 
-#include "tools/ctl/usb/interface_check.h"
 #include "tools/ctl/usb/node_users.h"
 #include "tools/ctl/usb/sysfs.h"
 #include "tools/ctl/usb/udev_rule.h"
 
 #include <array>
-#include <tuple>
 #include <unistd.h>
+#include <utility>
 
 namespace ctl {
 namespace {
@@ -24,7 +23,7 @@ std::string joined(const std::vector<std::string>& words)
 
 Finding busy(const HidInterface& interface)
 {
-    const std::vector<std::string> users = usersOfNode(interface.node());
+    const std::vector<std::string> users = usersOfNode(interface.node);
     if (users.empty())
         return {Level::kProblem, "busy", "another program has the interface",
             geteuid() == 0 ? "none has the device open; plug it in again"
@@ -43,7 +42,7 @@ Finding access(const DeviceEntry& entry, const HidInterface& interface)
             "it is a keyboard or mouse, which would stop working while Kelprobe has it open", ""};
     case Access::kNoPermission:
         return {Level::kProblem, "no-permission",
-            "no permission to open " + interface.node().native(),
+            "no permission to open " + interface.node.native(),
             permissionRemedy(entry, hasInterface(interface.device.get(), LIBUSB_CLASS_AUDIO),
                 udevRuleState(udevRuleDirectories()))};
     case Access::kBusy:
@@ -68,7 +67,7 @@ void addDriver(Findings& findings, const DeviceEntry& entry, const HidInterface&
 {
     if (entry.access != Access::kOpen || !entry.telephony)
         return;
-    if (!sysfsDescriptor(interface.directory()).empty())
+    if (!sysfsDescriptor(interface.sys).empty())
         findings.push_back({Level::kNote, "driver",
             "while Kelprobe has it open, the kernel's driver is detached: volume keys and other "
             "keys of the device have no effect",
@@ -84,13 +83,13 @@ void addHidraw(Findings& findings, const DeviceEntry& entry, const HidInterface&
 {
     if (entry.access != Access::kNoPermission)
         return;
-    for (const std::string& name : hidrawNames(interface.directory())) {
+    for (const std::string& name : hidrawNames(interface.sys)) {
         const std::string node = "/dev/" + name;
         if (::access(node.c_str(), R_OK | W_OK) == 0)
             findings.push_back({Level::kNote, "hidraw",
                 "this user can open " + node
                     + ", but that does not help: Kelprobe uses libusb, which opens "
-                    + interface.node().native(),
+                    + interface.node.native(),
                 ""});
     }
 }
@@ -103,43 +102,40 @@ void addSameIds(Findings& findings, const DeviceEntry& entry)
             "plug in only one of several equal devices; kelprobectl takes the path " + entry.path});
 }
 
-// Why hidapi has no text for a string descriptor.
-std::string reasonWithout(libusb_device* device, uint8_t index)
+// Why a string cannot be read, or nothing. Waits for the device for at most 2 s.
+std::string nameProblem(libusb_device_handle* handle, uint8_t index)
 {
-    libusb_device_handle* opened = nullptr;
-    if (const int error = libusb_open(device, &opened))
-        return libusb_strerror(error);
-    const UsbDeviceHandle handle(opened);
     std::array<unsigned char, 256> text{};
     const int result = libusb_get_string_descriptor_ascii(
-        opened, index, text.data(), static_cast<int>(text.size()));
+        handle, index, text.data(), static_cast<int>(text.size()));
     if (result == LIBUSB_ERROR_TIMEOUT)
-        return "it does not respond";
-    return result < 0 ? libusb_strerror(result) : "it is not valid text";
+        return "it does not respond; the window waits for it, too";
+    return result < 0 ? libusb_strerror(result) : "";
 }
 
 void addNames(Findings& findings, const DeviceEntry& entry, const HidInterface& interface)
 {
-    if (entry.access == Access::kNoPermission || entry.access == Access::kOtherError)
+    libusb_device_handle* opened = nullptr;
+    if (entry.access == Access::kNoPermission
+        || libusb_open(interface.device.get(), &opened) != LIBUSB_SUCCESS)
         return;
-    libusb_device* const device = interface.device.get();
+    const UsbDeviceHandle handle(opened);
     libusb_device_descriptor descriptor{};
-    (void)libusb_get_device_descriptor(device, &descriptor); // cannot fail
-    for (const auto& [index, value, what] :
-        {std::tuple{descriptor.iManufacturer, &entry.manufacturer, "manufacturer"},
-            {descriptor.iProduct, &entry.product, "product"},
-            {descriptor.iSerialNumber, &entry.serialNumber, "serial number"}}) {
-        if (index != 0 && value->empty())
+    (void)libusb_get_device_descriptor(interface.device.get(), &descriptor); // cannot fail
+    for (const auto& [index, what] : {std::pair{descriptor.iManufacturer, "manufacturer"},
+             {descriptor.iProduct, "product"}, {descriptor.iSerialNumber, "serial number"}}) {
+        const std::string problem = index ? nameProblem(opened, index) : "";
+        if (!problem.empty())
             findings.push_back({Level::kNote, "no-name",
-                std::string("its ") + what + " cannot be read: " + reasonWithout(device, index),
-                ""});
+                std::string("its ") + what + " cannot be read: " + problem, ""});
     }
 }
 
 } // namespace
 
-Findings deviceFindings(const DeviceEntry& entry, const HidInterface& interface)
+Findings deviceFindings(const ScannedDevice& device)
 {
+    const auto& [entry, interface] = device;
     Findings findings = {access(entry, interface)};
     addTelephony(findings, entry);
     addDriver(findings, entry, interface);
@@ -147,11 +143,6 @@ Findings deviceFindings(const DeviceEntry& entry, const HidInterface& interface)
     addSameIds(findings, entry);
     addNames(findings, entry, interface);
     return findings;
-}
-
-Findings goneFindings()
-{
-    return {{Level::kProblem, "open-fails", goneCheck().text, "plug it in again"}};
 }
 
 } // namespace ctl

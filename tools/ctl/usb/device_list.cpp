@@ -7,10 +7,12 @@ namespace ctl {
 std::vector<DeviceEntry> listDevices()
 {
     const UsbContext context = startUsb();
-    DeviceScan scan(context.get());
-    for (DeviceEntry& entry : scan.entries())
-        scan.complete(entry, Detail::kDescriptorAndAccess);
-    return std::move(scan.entries());
+    std::vector<DeviceEntry> entries;
+    for (ScannedDevice& device : scanDevices(context.get())) {
+        examine(device, Detail::kDescriptorAndAccess);
+        entries.push_back(std::move(device.entry));
+    }
+    return entries;
 }
 
 } // namespace ctl

@@ -23,10 +23,9 @@ struct DeviceEntry {
     size_t number = 0; // from 1, in hidapi's order
     uint16_t vendorId = 0;
     uint16_t productId = 0;
-    std::string path; // hidapi's
-    std::string
-        manufacturer;    // UTF-8 as the device gives it; pass it to printable() before printing
-    std::string product; // the same
+    std::string path;         // hidapi's
+    std::string manufacturer; // as the kernel has read it; pass it to printable() before printing
+    std::string product;      // the same
     std::string serialNumber; // the same
     int interface = 0;
     report::Bytes descriptor;    // empty if it could not be read
@@ -37,13 +36,15 @@ struct DeviceEntry {
     bool firstOfItsIds = true; // the stack opens only the first device of equal ids
 };
 
-// Enumerates with hidapi and reads the report descriptors: from sysfs if the kernel's driver has
-// the interface, else from the device. Blocks for some milliseconds per device, longer if a device
-// does not respond. Throws Failure if USB cannot be used.
+// The HID interfaces of all devices. Opens each node. Claims telephony interfaces and gives them
+// back, and claims others that are no keyboard or mouse if their report descriptor is not in sysfs.
+// Blocks for some milliseconds per device, for seconds if a device that has to be claimed does not
+// respond. Throws Failure if USB cannot be used.
 [[nodiscard]] std::vector<DeviceEntry> listDevices();
 
-// The device that the user means: "vvvv:pppp", a path or a number of the list. Without a choice it
-// is the only telephony device. Throws Failure (kNoAccess: there is none; kWrongUse: the choice is
+// The device that the user means: "vvvv:pppp" (the first with these ids, as in the window), a path
+// or a number of the list. Without a choice it is the only telephony device. Claims only the chosen
+// device, as listDevices() does. Throws Failure (kNoAccess: there is none; kWrongUse: the choice is
 // malformed or does not decide), with a text that lists the devices and how to choose.
 [[nodiscard]] DeviceEntry chooseDevice(const std::optional<std::string>& choice);
 

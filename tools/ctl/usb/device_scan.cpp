@@ -2,25 +2,20 @@
 
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/usb/collection_pages.h"
+#include "tools/ctl/usb/interface_check.h"
 #include "tools/ctl/usb/signal_hold.h"
 #include "tools/ctl/usb/sysfs.h"
-#include "tools/ctl/usb/wide_text.h"
 
 #include <algorithm>
 
 namespace ctl {
 namespace {
 
-[[noreturn]] void failWithoutUsb(const char* reason)
+[[noreturn]] void failWithoutUsb(int error)
 {
     throw Failure(kNoAccess,
-        std::string("USB cannot be used on this machine: ") + reason
+        std::string("USB cannot be used on this machine: ") + libusb_strerror(error)
             + "; kelprobectl doctor explains more");
-}
-
-bool sameIds(const DeviceEntry& one, const DeviceEntry& other)
-{
-    return one.vendorId == other.vendorId && one.productId == other.productId;
 }
 
 void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
@@ -31,64 +26,66 @@ void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
         = std::find(entry.pages.begin(), entry.pages.end(), kTelephonyPage) != entry.pages.end();
 }
 
-void setAccess(DeviceEntry& entry, const InterfaceCheck& check)
-{
-    entry.access = check.access;
-    entry.accessText = check.text;
-}
-
-// Without permission to open a device, hidapi has no names. The kernel does.
-void completeNames(DeviceEntry& entry, const HidInterface& interface)
-{
-    const auto directory = interface.deviceDirectory();
-    for (const auto& [name, attribute] : {std::pair{&entry.manufacturer, "manufacturer"},
-             {&entry.product, "product"}, {&entry.serialNumber, "serial"}}) {
-        if (name->empty())
-            *name = sysfsAttribute(directory, attribute);
-    }
-}
-
 } // namespace
 
 UsbContext startUsb()
 {
-    // libusb's threads must not take the signals that are held during a check.
+    // libusb's thread must not take the signals that are held during a check.
     const SignalHold hold;
     libusb_context* context = nullptr;
     if (const int error = libusb_init(&context))
-        failWithoutUsb(libusb_strerror(error));
-    UsbContext owner(context);
-    if (hid_init() != 0)
-        failWithoutUsb("hidapi cannot start");
-    return owner;
+        failWithoutUsb(error);
+    return UsbContext(context);
 }
 
-std::vector<DeviceEntry> enumerateHid(uint16_t vendorId, uint16_t productId)
+std::vector<ScannedDevice> scanDevice(libusb_device* device)
 {
-    const HidList list(hid_enumerate(vendorId, productId));
-    std::vector<DeviceEntry> entries;
-    for (const hid_device_info* info = list.get(); info; info = info->next) {
+    libusb_device_descriptor descriptor{};
+    (void)libusb_get_device_descriptor(device, &descriptor); // cannot fail
+    std::vector<ScannedDevice> found;
+    for (HidInterface& interface : hidInterfaces(device)) {
         DeviceEntry entry;
-        entry.number = entries.size() + 1;
-        entry.vendorId = info->vendor_id;
-        entry.productId = info->product_id;
-        entry.path = info->path;
-        entry.manufacturer = utf8(info->manufacturer_string);
-        entry.product = utf8(info->product_string);
-        entry.serialNumber = utf8(info->serial_number);
-        entry.interface = info->interface_number;
-        entry.firstOfItsIds = std::none_of(entries.begin(), entries.end(),
-            [&](const DeviceEntry& earlier) { return sameIds(earlier, entry); });
-        entries.push_back(std::move(entry));
+        entry.vendorId = descriptor.idVendor;
+        entry.productId = descriptor.idProduct;
+        entry.path = interface.path;
+        entry.interface = interface.number;
+        entry.manufacturer = sysfsAttribute(interface.deviceSys, "manufacturer");
+        entry.product = sysfsAttribute(interface.deviceSys, "product");
+        entry.serialNumber = sysfsAttribute(interface.deviceSys, "serial");
+        entry.firstOfItsIds = found.empty();
+        found.push_back({std::move(entry), std::move(interface)});
     }
-    return entries;
+    return found;
 }
 
-void examine(DeviceEntry& entry, const HidInterface& interface, Detail detail)
+std::vector<ScannedDevice> scanDevices(libusb_context* context)
 {
-    completeNames(entry, interface);
+    libusb_device** list = nullptr;
+    const ssize_t count = libusb_get_device_list(context, &list);
+    if (count < 0)
+        failWithoutUsb(static_cast<int>(count));
+    const UsbDeviceList owner(list);
+    std::vector<ScannedDevice> all;
+    for (libusb_device* const device : std::span(list, static_cast<size_t>(count))) {
+        for (ScannedDevice& found : scanDevice(device)) {
+            DeviceEntry& entry = found.entry;
+            entry.number = all.size() + 1;
+            entry.firstOfItsIds
+                = std::none_of(all.begin(), all.end(), [&](const ScannedDevice& earlier) {
+                      return earlier.entry.vendorId == entry.vendorId
+                          && earlier.entry.productId == entry.productId;
+                  });
+            all.push_back(std::move(found));
+        }
+    }
+    return all;
+}
+
+void examine(ScannedDevice& device, Detail detail)
+{
+    auto& [entry, interface] = device;
     if (entry.descriptor.empty())
-        setDescriptor(entry, sysfsDescriptor(interface.directory()));
+        setDescriptor(entry, sysfsDescriptor(interface.sys));
     const bool unknown = entry.descriptor.empty();
     if (!unknown && detail == Detail::kDescriptor)
         return;
@@ -97,36 +94,12 @@ void examine(DeviceEntry& entry, const HidInterface& interface, Detail detail)
         = checkInterface(interface, mayClaim ? Depth::kClaim : Depth::kNode, unknown);
     if (unknown)
         setDescriptor(entry, std::move(check.descriptor));
+    entry.access = check.access;
+    entry.accessText = check.text;
     if (interface.boot && check.access == Access::kOpen) {
-        check.access = Access::kNotTried;
-        check.text = "not tried, because a keyboard or mouse would stop working";
+        entry.access = Access::kNotTried;
+        entry.accessText = "not tried, because a keyboard or mouse would stop working";
     }
-    setAccess(entry, check);
-}
-
-DeviceScan::DeviceScan(libusb_context* context)
-{
-    libusb_device** list = nullptr;
-    const ssize_t count = libusb_get_device_list(context, &list);
-    if (count < 0)
-        failWithoutUsb(libusb_strerror(static_cast<int>(count)));
-    list_.reset(list);
-    devices_ = {list, static_cast<size_t>(count)};
-    // After the list: a device whose node is missing leaves libusb's list when hidapi opens it.
-    entries_ = enumerateHid();
-}
-
-std::optional<HidInterface> DeviceScan::interfaceOf(const DeviceEntry& entry) const
-{
-    return findInterface(devices_, entry.path);
-}
-
-void DeviceScan::complete(DeviceEntry& entry, Detail detail) const
-{
-    if (const auto interface = interfaceOf(entry))
-        examine(entry, *interface, detail);
-    else
-        setAccess(entry, goneCheck());
 }
 
 } // namespace ctl

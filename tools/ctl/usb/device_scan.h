@@ -1,47 +1,35 @@
-// One look at the machine's HID devices. All functions are for the thread that uses hidapi.
+// One look at the machine's HID devices.
+//
+// Does not use hidapi's enumeration, which opens each device and asks it for its names: that is
+// slow, and a device that does not respond blocks it for seconds. The kernel has read the names
+// when the device was plugged in.
 #pragma once
 
 #include "tools/ctl/usb/device_list.h"
 #include "tools/ctl/usb/hid_interface.h"
-#include "tools/ctl/usb/interface_check.h"
-
-#include <span>
 
 namespace ctl {
 
-// Starts hidapi and makes a libusb context next to hidapi's. Throws Failure if USB cannot be used.
+// Throws Failure if USB cannot be used.
 [[nodiscard]] UsbContext startUsb();
 
-// The devices with these ids, 0 for any, as hidapi gives them: with ids, path and names, without
-// descriptor and access. hidapi asks each device for its names. It waits at most 1 s for each
-// transfer, and a name takes up to three transfers.
-[[nodiscard]] std::vector<DeviceEntry> enumerateHid(uint16_t vendorId = 0, uint16_t productId = 0);
+// An interface with what is known without opening it: ids, path and names.
+struct ScannedDevice {
+    DeviceEntry entry;
+    HidInterface interface;
+};
+
+// The HID interfaces of one device, numbered from 0.
+[[nodiscard]] std::vector<ScannedDevice> scanDevice(libusb_device* device);
+
+// Those of all devices, in hidapi's order and numbered from 1. Throws Failure.
+[[nodiscard]] std::vector<ScannedDevice> scanDevices(libusb_context* context);
 
 enum class Detail { kDescriptor, kDescriptorAndAccess };
 
-// Completes an entry of enumerateHid(). With kDescriptor the interface is only opened and claimed
-// if the descriptor is not in sysfs. The interface of a keyboard or mouse is never claimed.
-void examine(DeviceEntry& entry, const HidInterface& interface, Detail detail);
-
-// The devices that are present at one moment.
-class DeviceScan {
-public:
-    // `context` is of startUsb() and must outlive the object.
-    explicit DeviceScan(libusb_context* context);
-
-    // From enumerateHid().
-    [[nodiscard]] std::vector<DeviceEntry>& entries() { return entries_; }
-
-    // No value if the device was unplugged meanwhile.
-    [[nodiscard]] std::optional<HidInterface> interfaceOf(const DeviceEntry& entry) const;
-
-    // Completes one of the entries, also that of a device that was unplugged.
-    void complete(DeviceEntry& entry, Detail detail) const;
-
-private:
-    UsbDeviceList list_;
-    std::span<libusb_device*> devices_;
-    std::vector<DeviceEntry> entries_;
-};
+// Adds the descriptor, and the access if wanted. With kDescriptor the interface is only opened and
+// claimed if the descriptor is not in sysfs. The interface of a keyboard or mouse is never claimed.
+// Also takes a device that was unplugged meanwhile.
+void examine(ScannedDevice& device, Detail detail);
 
 } // namespace ctl

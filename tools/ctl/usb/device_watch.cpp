@@ -1,6 +1,6 @@
 #include "tools/ctl/usb/device_watch.h"
 
-#include "tools/ctl/usb/device_scan.h"
+#include "tools/ctl/usb/interface_check.h"
 #include "tools/ctl/usb/sysfs.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ constexpr int kRetryMs = 50;
 // claim could keep the driver away for good.
 bool isSettled(const HidInterface& interface)
 {
-    return !sysfsDescriptor(interface.directory()).empty()
+    return !sysfsDescriptor(interface.sys).empty()
         && checkInterface(interface, Depth::kNode, false).access != Access::kNoPermission;
 }
 
@@ -52,15 +52,15 @@ DeviceWatch::Key DeviceWatch::keyOf(libusb_device* device)
 
 void DeviceWatch::reportPresent(libusb_context* context)
 {
-    DeviceScan scan(context);
-    for (DeviceEntry& entry : scan.entries()) {
-        const auto interface = scan.interfaceOf(entry);
-        if (!interface)
-            continue; // unplugged meanwhile
-        examine(entry, *interface, Detail::kDescriptorAndAccess);
-        callback_(Change::kPresent, entry);
-        reported_[keyOf(interface->device.get())].push_back(entry);
-    }
+    for (ScannedDevice& device : scanDevices(context))
+        report(Change::kPresent, device);
+}
+
+void DeviceWatch::report(Change change, ScannedDevice& device)
+{
+    examine(device, Detail::kDescriptorAndAccess);
+    callback_(change, device.entry);
+    reported_[keyOf(device.interface.device.get())].push_back(device.entry);
 }
 
 void DeviceWatch::handle(Hotplug::Event event)
@@ -91,24 +91,11 @@ void DeviceWatch::reportReady()
         return Clock::now() < added.deadline
             && !std::all_of(interfaces.begin(), interfaces.end(), isSettled);
     });
-    for (auto added = ready; added != new_.end(); ++added)
-        reportAdded(added->device.get());
-    new_.erase(ready, new_.end());
-}
-
-void DeviceWatch::reportAdded(libusb_device* device)
-{
-    libusb_device_descriptor descriptor{};
-    (void)libusb_get_device_descriptor(device, &descriptor); // cannot fail
-    for (DeviceEntry& entry : enumerateHid(descriptor.idVendor, descriptor.idProduct)) {
-        const auto interface = findInterface(std::array{device}, entry.path);
-        if (!interface)
-            continue; // another device with these ids
-        entry.number = 0;
-        examine(entry, *interface, Detail::kDescriptorAndAccess);
-        callback_(Change::kAdded, entry);
-        reported_[keyOf(device)].push_back(entry);
+    for (auto added = ready; added != new_.end(); ++added) {
+        for (ScannedDevice& device : scanDevice(added->device.get()))
+            report(Change::kAdded, device);
     }
+    new_.erase(ready, new_.end());
 }
 
 } // namespace ctl

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/ctl/cli/stop_signals.h"
-#include "tools/ctl/usb/device_list.h"
+#include "tools/ctl/usb/device_scan.h"
 #include "tools/ctl/usb/hotplug.h"
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace ctl {
 
-// For the thread that uses hidapi.
+// For one thread.
 class DeviceWatch {
 public:
     enum class Change {
@@ -43,10 +43,10 @@ private:
 
     static Key keyOf(libusb_device* device);
     void reportPresent(libusb_context* context);
+    void report(Change change, ScannedDevice& device);
     void handle(Hotplug::Event event);
     void remove(libusb_device* device);
     void reportReady();
-    void reportAdded(libusb_device* device);
 
     const StopSignals& stop_;
     const Callback callback_;

@@ -6,36 +6,30 @@
 #include "tools/ctl/usb/system_findings.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace ctl {
 namespace {
 
 using Level = Finding::Level;
-using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kSlow{1}; // one transfer without a response
-
-void addDevice(Diagnosis& diagnosis, const DeviceScan& scan, DeviceEntry& entry)
+void addDevice(Diagnosis& diagnosis, ScannedDevice& device)
 {
-    const auto interface = scan.interfaceOf(entry);
-    scan.complete(entry, Detail::kDescriptorAndAccess);
-    diagnosis.devices.push_back(
-        {entry, interface ? deviceFindings(entry, *interface) : goneFindings()});
+    examine(device, Detail::kDescriptorAndAccess);
+    diagnosis.devices.push_back({device.entry, deviceFindings(device)});
 }
 
 // Devices that sysfs shows to have no telephony are left alone.
-void addTelephonyDevices(Diagnosis& diagnosis, DeviceScan& scan)
+void addTelephonyDevices(Diagnosis& diagnosis, std::vector<ScannedDevice>& devices)
 {
     size_t others = 0;
-    for (DeviceEntry& entry : scan.entries()) {
-        scan.complete(entry, Detail::kDescriptor);
-        if (entry.telephony || entry.descriptor.empty())
-            addDevice(diagnosis, scan, entry);
+    for (ScannedDevice& device : devices) {
+        examine(device, Detail::kDescriptor);
+        if (device.entry.telephony || device.entry.descriptor.empty())
+            addDevice(diagnosis, device);
         else
             ++others;
     }
-    if (scan.entries().empty())
+    if (devices.empty())
         diagnosis.system.push_back({Level::kProblem, "no-device", "no HID device is present",
             "plug one in, or simulate one with kelprobe-sim"});
     else if (others > 0)
@@ -44,17 +38,6 @@ void addTelephonyDevices(Diagnosis& diagnosis, DeviceScan& scan)
                 std::to_string(others) + " HID device" + (others > 1 ? "s" : "")
                     + " without telephony controls",
                 diagnosis.devices.empty() ? "plug in a telephony device" : ""});
-}
-
-void addSlowness(Diagnosis& diagnosis, Clock::duration duration)
-{
-    if (duration < kSlow)
-        return;
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(duration).count();
-    diagnosis.system.push_back({Level::kNote, "slow",
-        "reading the names of all devices took " + std::to_string(seconds)
-            + " s, because a device does not respond; the window takes as long",
-        "unplug the devices one by one to find it"});
 }
 
 } // namespace
@@ -83,13 +66,11 @@ Diagnosis diagnose(const std::optional<std::string>& choice)
         diagnosis.system.push_back({Level::kProblem, "usb", failure.what(), ""});
         return diagnosis;
     }
-    const auto start = Clock::now();
-    DeviceScan scan(context.get());
-    addSlowness(diagnosis, Clock::now() - start);
+    std::vector<ScannedDevice> devices = scanDevices(context.get());
     if (choice)
-        addDevice(diagnosis, scan, chooseEntry(scan, choice));
+        addDevice(diagnosis, choose(devices, choice));
     else
-        addTelephonyDevices(diagnosis, scan);
+        addTelephonyDevices(diagnosis, devices);
     return diagnosis;
 }
 

@@ -22,8 +22,8 @@ struct Diagnosis {
     [[nodiscard]] bool usable() const;
 };
 
-// Looks at the chosen device, or at all that are or may be telephony devices. For the thread that
-// uses hidapi. Throws Failure if the choice is of no device.
+// Looks at the chosen device, or at all that are or may be telephony devices. Throws Failure if the
+// choice is of no device.
 [[nodiscard]] Diagnosis diagnose(const std::optional<std::string>& choice);
 
 } // namespace ctl

@@ -1,12 +1,9 @@
 #include "tools/ctl/usb/hid_interface.h"
 
 #include "hid/usb/DescriptorRetrieval.h"
-#include "hid/usb/HidPath.h"
 
 #include <array>
 #include <cstdio>
-
-namespace fs = std::filesystem;
 
 namespace ctl {
 namespace {
@@ -20,14 +17,6 @@ UsbConfiguration activeConfiguration(libusb_device* device)
     if (libusb_get_active_config_descriptor(device, &configuration) != LIBUSB_SUCCESS)
         return nullptr;
     return UsbConfiguration(configuration);
-}
-
-HidInterface makeInterface(libusb_device* device, const libusb_interface_descriptor& descriptor)
-{
-    const std::span classDescriptor(descriptor.extra, static_cast<size_t>(descriptor.extra_length));
-    return {UsbDeviceRef(libusb_ref_device(device)), descriptor.bInterfaceNumber,
-        descriptor.bInterfaceSubClass == kBootSubclass,
-        KX::AnnouncedDescriptorLength(classDescriptor).value_or(0)};
 }
 
 // Calls function(configuration, interface descriptor) for each alternate setting of each interface.
@@ -45,45 +34,63 @@ void forEachSetting(libusb_device* device, const Function& function)
     }
 }
 
-} // namespace
-
-fs::path HidInterface::node() const
+std::string nodeOf(libusb_device* device)
 {
     std::array<char, 32> path{};
-    std::snprintf(path.data(), path.size(), "/dev/bus/usb/%03d/%03d",
-        libusb_get_bus_number(device.get()), libusb_get_device_address(device.get()));
+    std::snprintf(path.data(), path.size(), "/dev/bus/usb/%03d/%03d", libusb_get_bus_number(device),
+        libusb_get_device_address(device));
     return path.data();
 }
 
-fs::path HidInterface::deviceDirectory() const
+// The kernel's name, "1-2.3".
+std::string portName(libusb_device* device)
 {
     std::array<uint8_t, kMaxPorts> ports{};
-    const int count
-        = libusb_get_port_numbers(device.get(), ports.data(), static_cast<int>(ports.size()));
-    std::string name = std::to_string(libusb_get_bus_number(device.get()));
+    const int count = libusb_get_port_numbers(device, ports.data(), static_cast<int>(ports.size()));
+    std::string name = std::to_string(libusb_get_bus_number(device));
     for (int i = 0; i < count; ++i)
         name += (i == 0 ? "-" : ".") + std::to_string(ports[static_cast<size_t>(i)]);
-    return "/sys/bus/usb/devices/" + name;
+    return name;
 }
 
-fs::path HidInterface::directory() const
+// hidapi before 0.11 made paths of bus, address and interface.
+std::string hidPath(libusb_device* device, const std::string& interfaceName, int number)
 {
-    const UsbConfiguration configuration = activeConfiguration(device.get());
-    if (!configuration)
-        return {};
-    const fs::path parent = deviceDirectory();
-    return parent
-        / (parent.filename().native() + ':' + std::to_string(configuration->bConfigurationValue)
-            + '.' + std::to_string(number));
+    const hid_api_version& version = *hid_version();
+    if (version.major > 0 || version.minor >= 11)
+        return interfaceName;
+    std::array<char, 32> path{};
+    std::snprintf(path.data(), path.size(), "%04x:%04x:%02x", libusb_get_bus_number(device),
+        libusb_get_device_address(device), static_cast<unsigned>(number));
+    return path.data();
 }
+
+HidInterface makeInterface(libusb_device* device, const libusb_config_descriptor& configuration,
+    const libusb_interface_descriptor& setting)
+{
+    const int number = setting.bInterfaceNumber;
+    const std::string port = portName(device);
+    const std::string name = port + ':' + std::to_string(configuration.bConfigurationValue) + '.'
+        + std::to_string(number);
+    const std::string sys = "/sys/bus/usb/devices/" + port;
+    const std::span classDescriptor(setting.extra, static_cast<size_t>(setting.extra_length));
+    return {UsbDeviceRef(libusb_ref_device(device)), number,
+        setting.bInterfaceSubClass == kBootSubclass,
+        KX::AnnouncedDescriptorLength(classDescriptor).value_or(0), hidPath(device, name, number),
+        nodeOf(device), sys, sys + '/' + name};
+}
+
+} // namespace
 
 std::vector<HidInterface> hidInterfaces(libusb_device* device)
 {
     std::vector<HidInterface> interfaces;
-    forEachSetting(device, [&](const auto&, const libusb_interface_descriptor& setting) {
-        if (setting.bInterfaceClass == LIBUSB_CLASS_HID)
-            interfaces.push_back(makeInterface(device, setting));
-    });
+    forEachSetting(device,
+        [&](const libusb_config_descriptor& configuration,
+            const libusb_interface_descriptor& setting) {
+            if (setting.bInterfaceClass == LIBUSB_CLASS_HID)
+                interfaces.push_back(makeInterface(device, configuration, setting));
+        });
     return interfaces;
 }
 
@@ -93,23 +100,6 @@ bool hasInterface(libusb_device* device, libusb_class_code interfaceClass)
     forEachSetting(device, [&](const auto&, const libusb_interface_descriptor& setting) {
         found = found || setting.bInterfaceClass == interfaceClass;
     });
-    return found;
-}
-
-std::optional<HidInterface> findInterface(
-    std::span<libusb_device* const> devices, const std::string& path)
-{
-    std::optional<HidInterface> found;
-    for (libusb_device* const device : devices) {
-        forEachSetting(
-            device, [&](const auto& configuration, const libusb_interface_descriptor& setting) {
-                if (!found && setting.bInterfaceClass == LIBUSB_CLASS_HID
-                    && KX::IsHidPath(path, device, configuration, setting.bInterfaceNumber))
-                    found = makeInterface(device, setting);
-            });
-        if (found)
-            break;
-    }
     return found;
 }
 

@@ -58,16 +58,21 @@ private:
 bool isPresentWithoutNode(const HidInterface& interface)
 {
     std::error_code ignored;
-    return std::filesystem::exists(interface.deviceDirectory(), ignored)
-        && !std::filesystem::exists(interface.node(), ignored);
+    return std::filesystem::exists(interface.deviceSys, ignored)
+        && !std::filesystem::exists(interface.node, ignored);
 }
 
 InterfaceCheck missingNodeCheck(const HidInterface& interface)
 {
     return {Access::kOtherError,
-        interface.node().native()
+        interface.node.native()
             + " is not there; give this container or sandbox access to /dev/bus/usb",
         {}, LIBUSB_ERROR_NO_DEVICE};
+}
+
+InterfaceCheck goneCheck()
+{
+    return {Access::kOtherError, "it was unplugged meanwhile", {}, LIBUSB_ERROR_NO_DEVICE};
 }
 
 InterfaceCheck failed(const HidInterface& interface, int error)
@@ -77,7 +82,7 @@ InterfaceCheck failed(const HidInterface& interface, int error)
         return {};
     case LIBUSB_ERROR_ACCESS:
         return {Access::kNoPermission,
-            "no permission to open " + interface.node().native()
+            "no permission to open " + interface.node.native()
                 + "; install the udev rule: kelprobectl doctor explains how",
             {}, error};
     case LIBUSB_ERROR_BUSY:
@@ -136,11 +141,6 @@ InterfaceCheck checkInterface(const HidInterface& interface, Depth depth, bool w
         return failed(interface, error);
     const UsbDeviceHandle handle(opened);
     return depth == Depth::kClaim ? claim(opened, interface, wantDescriptor) : InterfaceCheck{};
-}
-
-InterfaceCheck goneCheck()
-{
-    return {Access::kOtherError, "it was unplugged meanwhile", {}, LIBUSB_ERROR_NO_DEVICE};
 }
 
 } // namespace ctl

@@ -26,7 +26,4 @@ struct InterfaceCheck {
 [[nodiscard]] InterfaceCheck checkInterface(
     const HidInterface& interface, Depth depth, bool wantDescriptor);
 
-// The check of a device that is no longer there.
-[[nodiscard]] InterfaceCheck goneCheck();
-
 } // namespace ctl

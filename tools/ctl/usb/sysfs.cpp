@@ -32,10 +32,11 @@ std::vector<std::string> hidrawNames(const fs::path& interface)
 
 std::string sysfsAttribute(const fs::path& device, const std::string& name)
 {
-    std::ifstream file(device / name);
-    std::string line;
-    std::getline(file, line);
-    return line;
+    std::ifstream file(device / name, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (text.ends_with('\n'))
+        text.pop_back();
+    return text;
 }
 
 } // namespace ctl

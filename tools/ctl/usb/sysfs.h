@@ -16,8 +16,8 @@ namespace ctl {
 // The names of the interface's hidraw nodes: "hidraw0".
 [[nodiscard]] std::vector<std::string> hidrawNames(const std::filesystem::path& interface);
 
-// The first line of an attribute of a device: "manufacturer", "product", "serial". Empty if there
-// is none.
+// An attribute of a device, "manufacturer", "product" or "serial", without the last line end. Empty
+// if there is none.
 [[nodiscard]] std::string sysfsAttribute(
     const std::filesystem::path& device, const std::string& name);
 

@@ -3,9 +3,9 @@
 #include "report/usage_names.h"
 #include "tools/ctl/usb/udev_rule.h"
 #include "tools/ctl/usb/usb_handles.h"
-#include "tools/ctl/usb/wide_text.h"
 
 #include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -57,7 +57,7 @@ std::string versions()
 
 Finding libraries()
 {
-    const bool silent = utf8(hid_error(nullptr)).find("not implemented") != std::string::npos;
+    const bool silent = std::wcsstr(hid_error(nullptr), L"not implemented") != nullptr;
     if (!silent)
         return {Level::kFine, "libraries", versions(), ""};
     return {Level::kNote, "libraries", versions() + "; this hidapi gives no reasons for failures",

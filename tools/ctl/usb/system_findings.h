@@ -5,8 +5,7 @@
 
 namespace ctl {
 
-// About the environment, the files and the libraries; not about devices. hidapi must have been
-// started by startUsb(), or have failed to.
+// About the environment, the files and the libraries; not about devices.
 [[nodiscard]] Findings systemFindings();
 
 } // namespace ctl

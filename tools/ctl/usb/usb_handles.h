@@ -1,4 +1,4 @@
-// Owners of what libusb and hidapi allocate.
+// hidapi, libusb and owners of what libusb allocates.
 #pragma once
 
 #include <hidapi/hidapi.h>
@@ -28,6 +28,5 @@ using UsbDeviceHandle = std::unique_ptr<libusb_device_handle, Release<libusb_clo
 using UsbConfiguration
     = std::unique_ptr<libusb_config_descriptor, Release<libusb_free_config_descriptor>>;
 using UsbDeviceList = std::unique_ptr<libusb_device*, Release<freeDeviceList>>;
-using HidList = std::unique_ptr<hid_device_info, Release<hid_free_enumeration>>;
 
 } // namespace ctl
