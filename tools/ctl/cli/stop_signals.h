@@ -22,6 +22,9 @@ public:
 
     // Waits until a signal arrives, for at most that long. Returns stopped(). Any thread.
     [[nodiscard]] bool wait(int milliseconds) const;
+
+private:
+    const int fd_;
 };
 
 } // namespace ctl
