@@ -3,6 +3,7 @@
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
 #include "tools/ctl/explain/describe_command.h"
+#include "tools/ctl/meeting/meeting.h"
 #include "tools/ctl/traffic/lamp_command.h"
 #include "tools/ctl/traffic/monitor_command.h"
 #include "tools/ctl/traffic/send_command.h"
@@ -19,6 +20,7 @@ constexpr std::array kCommands{
     ctl::addListCommand,
     ctl::addDescribeCommand,
     ctl::addMonitorCommand,
+    ctl::addMeetingCommand,
     ctl::addTraceCommand,
     ctl::addLampCommand,
     ctl::addSendCommand,

@@ -1,0 +1,10 @@
+// kelprobectl meeting: the meeting of the window in a terminal.
+#pragma once
+
+#include "tools/ctl/cli/command.h"
+
+namespace ctl {
+
+void addMeetingCommand(CLI::App& app, Run& run);
+
+} // namespace ctl

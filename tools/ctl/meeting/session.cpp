@@ -1,0 +1,73 @@
+#include "tools/ctl/meeting/session.h"
+
+#include "app/logrecorder.h"
+#include "tools/ctl/cli/command.h"
+#include "tools/ctl/traffic/failure_words.h"
+#include "tools/ctl/usb/device_words.h"
+
+namespace ctl {
+namespace {
+
+QString keyOf(const DeviceEntry& device)
+{
+    return QString::asprintf("0x%04x-HID-0x%04x#", device.vendorId, device.productId);
+}
+
+std::string openFailure(const Journal& journal, const DeviceEntry& device)
+{
+    if (const int error = journal.openError())
+        return std::string(usbFailure(error).text) + "; run kelprobectl doctor";
+    return device.descriptor.empty() ? "it returns no report descriptor; plug it in again"
+                                     : "it has gone or does not respond; plug it in again";
+}
+
+} // namespace
+
+void requireUsable(const DeviceEntry& device)
+{
+    if (!device.firstOfItsIds)
+        throw Failure(kNoAccess,
+            idsText(device) + " is there more than once and Kelprobe opens only the first; unplug "
+                + "the others or choose the first");
+    if (device.access != Access::kOpen && device.access != Access::kNotTried)
+        throw Failure(kNoAccess, idsText(device) + " cannot be opened: " + device.accessText);
+}
+
+Session::Session(Journal& journal, const DeviceEntry& device)
+    : controller_(std::make_unique<HidController>())
+{
+    observe(journal);
+    controller_->selectDevice(keyOf(device));
+    if (!journal.isOpen())
+        throw Failure(
+            kNoAccess, idsText(device) + " cannot be opened: " + openFailure(journal, device));
+}
+
+Session::Session(Journal& journal, std::unique_ptr<HidController> controller, const QString& id)
+    : controller_(std::move(controller))
+{
+    observe(journal);
+    controller_->selectDevice(id);
+}
+
+void Session::observe(Journal& journal)
+{
+    using Kind = Entry::Kind;
+    const auto onCommand = [&journal](KXCommand command) {
+        journal.add({.kind = command == KXCommand::Accept ? Kind::kAccept : Kind::kReject});
+    };
+    const auto onState = [&journal](KXState, int muted) {
+        journal.add({.kind = muted ? Kind::kMute : Kind::kUnmute});
+    };
+    const QStringListModel* const log = LogRecorder::instance().logListModel();
+    const auto onLine = [&journal, log](const QModelIndex& row) {
+        journal.add({.kind = Kind::kLog, .text = log->data(row).toString().toStdString()});
+    };
+    QObject::connect(controller_.get(), &HidController::sig_OnCommandChanged, &context_, onCommand,
+        Qt::DirectConnection);
+    QObject::connect(controller_.get(), &HidController::sig_OnStateChanged, &context_, onState,
+        Qt::DirectConnection);
+    QObject::connect(log, &QStringListModel::dataChanged, &context_, onLine, Qt::DirectConnection);
+}
+
+} // namespace ctl
