@@ -1,5 +1,6 @@
 // kelprobectl: shows, explains and checks the call controls of USB HID devices.
 #include "app/standardstreams.h"
+#include "tools/ctl/check/check.h"
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
 #include "tools/ctl/explain/describe_command.h"
@@ -24,6 +25,7 @@ constexpr std::array kCommands{
     ctl::addTraceCommand,
     ctl::addLampCommand,
     ctl::addSendCommand,
+    ctl::addCheckCommand,
     ctl::addDoctorCommand,
     ctl::addConvertCommand,
 };

@@ -1,0 +1,133 @@
+#include "tools/ctl/check/recorded_device.h"
+
+#include "hid/model/TelephonyStateMachine.h"
+
+#include <cassert>
+#include <utility>
+
+namespace ctl {
+namespace {
+
+RecordedDevice* current
+    = nullptr; // for the function that makes a host, which has no argument for it
+
+} // namespace
+
+// As CKXHostHidImp, with the state machine in place of a stack.
+class RecordedHost final : public IKXHost, private KX::TelephonyStateMachine::Output {
+public:
+    RecordedHost(IKXHostCallback& callback, RecordedDevice& device)
+        : callback_(callback)
+        , device_(device)
+    {
+        machine_.SetControls(device.controls_);
+        device_.host_ = this;
+    }
+    ~RecordedHost() { device_.host_ = nullptr; }
+    RecordedHost(const RecordedHost&) = delete;
+    RecordedHost& operator=(const RecordedHost&) = delete;
+
+    int GetDeviceId(uint16_t*, uint16_t*) override { return 0; }
+    void SelectDevice(const char*) override { machine_.HangUp(); }
+    int Reserved1() override { return 0; }
+    void Reserved2() override { }
+    bool GetState(KXState, uint8_t*) override { return false; }
+    int IsSupported() override { return 1; }
+    void ResetTrace() override { }
+
+    void SetState(KXState state, const uint8_t* value) override
+    {
+        if (state == KXState::Mute)
+            *value ? machine_.Mute() : machine_.Unmute();
+        else if (*value == KXCallRinging)
+            machine_.Ring();
+        else if (*value == KXCallActive)
+            offHook(true);
+        else
+            offHook(false);
+    }
+
+    void handle(const report::Bytes& report) { machine_.HandleReport(report); }
+    [[nodiscard]] bool isOffHook() const { return offHook_; }
+
+private:
+    void offHook(bool on)
+    {
+        offHook_ = on;
+        on ? machine_.OffHook() : machine_.HangUp();
+    }
+
+    void Notify(KX::TelephonyStateMachine::Event event) override
+    {
+        using Event = KX::TelephonyStateMachine::Event;
+        if (event == Event::OffHook || event == Event::HangUp) {
+            offHook_ = offHook_ || event == Event::OffHook;
+            callback_.OnCommand(
+                event == Event::OffHook ? KXCommand::Accept : KXCommand::Reject, nullptr);
+        } else {
+            const uint8_t muted = event == Event::Mute;
+            callback_.OnState(KXState::Mute, &muted);
+        }
+    }
+
+    void Send(const KX::Bytes& report) override
+    {
+        device_.journal_->add({.kind = Entry::Kind::kSent, .report = report});
+    }
+
+    IKXHostCallback& callback_;
+    RecordedDevice& device_;
+    KX::TelephonyStateMachine machine_{*this};
+    bool offHook_ = false;
+};
+
+namespace {
+
+// The controller of the window, on a host of our own.
+class RecordedController final : public HidController {
+public:
+    RecordedController()
+    {
+        m_createHost = [](IKXHostCallback* callback) -> IKXHost* {
+            return new RecordedHost(*callback, *current);
+        };
+        m_destroyHost = [](IKXHost* host) { delete static_cast<RecordedHost*>(host); };
+    }
+};
+
+} // namespace
+
+RecordedDevice::RecordedDevice(KX::TelephonyControls controls)
+    : controls_(std::move(controls))
+{
+    assert(!current);
+    current = this;
+}
+
+RecordedDevice::~RecordedDevice()
+{
+    assert(!host_);
+    current = nullptr;
+}
+
+std::unique_ptr<Session> RecordedDevice::open(Journal& journal)
+{
+    assert(!host_);
+    journal_ = &journal;
+    return std::make_unique<Session>(
+        journal, std::make_unique<RecordedController>(), QStringLiteral("recording"));
+}
+
+void RecordedDevice::receive(const report::Bytes& report)
+{
+    assert(host_);
+    journal_->add({.kind = Entry::Kind::kReceived, .report = report});
+    host_->handle(report);
+}
+
+bool RecordedDevice::isOffHook() const
+{
+    return host_ && host_->isOffHook();
+}
+
+} // namespace ctl
