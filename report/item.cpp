@@ -67,10 +67,9 @@ uint32_t unsignedValue(std::span<const uint8_t> data)
     return value;
 }
 
-int32_t signedValue(std::span<const uint8_t> data)
+int32_t signedValue(uint32_t value, size_t size)
 {
-    const uint32_t value = unsignedValue(data);
-    switch (data.size()) {
+    switch (size) {
     case 1:
         return static_cast<int8_t>(value);
     case 2:
@@ -88,26 +87,29 @@ std::string_view tagName(ItemTag tag)
     return found == kTagNames.end() ? std::string_view() : found->text;
 }
 
+bool ItemReader::next(Item& item)
+{
+    const std::span<const uint8_t> rest = descriptor_.subspan(offset_);
+    if (rest.empty())
+        return false;
+    const Sizes sizes = sizesOf(rest);
+    item.tag = static_cast<ItemTag>(rest[0] & 0xFC);
+    item.offset = offset_;
+    item.truncated = sizes.header + sizes.data > rest.size();
+    item.bytes = rest.first(std::min(sizes.header + sizes.data, rest.size()));
+    item.data = item.bytes.subspan(std::min(sizes.header, item.bytes.size()));
+    item.value = item.isLong() ? 0 : unsignedValue(item.data);
+    item.signedValue = item.isLong() ? 0 : signedValue(item.value, item.data.size());
+    offset_ += item.bytes.size();
+    return true;
+}
+
 std::vector<Item> splitItems(std::span<const uint8_t> descriptor)
 {
     std::vector<Item> items;
-    for (size_t offset = 0; offset < descriptor.size();) {
-        const std::span<const uint8_t> rest = descriptor.subspan(offset);
-        const Sizes sizes = sizesOf(rest);
-        const bool truncated = sizes.header + sizes.data > rest.size();
-        Item item{};
-        item.tag = static_cast<ItemTag>(rest[0] & 0xFC);
-        item.offset = offset;
-        item.bytes = rest.first(std::min(sizes.header + sizes.data, rest.size()));
-        item.data = item.bytes.subspan(std::min(sizes.header, item.bytes.size()));
-        item.truncated = truncated;
-        if (!item.isLong()) {
-            item.value = unsignedValue(item.data);
-            item.signedValue = signedValue(item.data);
-        }
+    ItemReader reader(descriptor);
+    for (Item item{}; reader.next(item);)
         items.push_back(item);
-        offset += item.bytes.size();
-    }
     return items;
 }
 

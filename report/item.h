@@ -64,8 +64,24 @@ struct Item {
 // "Usage Page"; empty for reserved items and long ones.
 [[nodiscard]] std::string_view tagName(ItemTag tag);
 
-// Splits a descriptor into its items. Takes any bytes; every byte is part of one item. `bytes` is
-// never empty.
+// Reads a descriptor item by item. Takes any bytes; every byte is part of one item. Does not own
+// them.
+class ItemReader {
+public:
+    explicit ItemReader(std::span<const uint8_t> descriptor)
+        : descriptor_(descriptor)
+    {
+    }
+
+    // Reads the next item, whose `bytes` are not empty. False after the last item.
+    [[nodiscard]] bool next(Item& item);
+
+private:
+    const std::span<const uint8_t> descriptor_;
+    size_t offset_ = 0;
+};
+
+// All items of a descriptor.
 [[nodiscard]] std::vector<Item> splitItems(std::span<const uint8_t> descriptor);
 
 } // namespace report

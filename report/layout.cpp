@@ -62,7 +62,8 @@ std::vector<const Collection*> Layout::collectionPath(const Field& field) const
 Layout readLayout(std::span<const uint8_t> descriptor)
 {
     LayoutReader reader;
-    for (const Item& item : splitItems(descriptor))
+    ItemReader items(descriptor);
+    for (Item item{}; items.next(item);)
         reader.handleItem(item);
     return reader.finish();
 }

@@ -6,7 +6,7 @@
 namespace report {
 namespace {
 
-std::string nameOf(ReportKind kind)
+const char* nameOf(ReportKind kind)
 {
     switch (kind) {
     case ReportKind::kInput:
@@ -20,6 +20,12 @@ std::string nameOf(ReportKind kind)
 }
 
 } // namespace
+
+LayoutReader::LayoutReader()
+{
+    constexpr size_t usualFields = 32; // of a device
+    layout_.fields.reserve(usualFields);
+}
 
 void LayoutReader::handleItem(const Item& item)
 {
@@ -182,34 +188,46 @@ void LayoutReader::addField(const Item& item, ReportKind kind, std::vector<Usage
 
 void LayoutReader::addToReport(Field& field)
 {
-    const Layout::ReportKey key{field.kind, field.reportId};
-    uint32_t& bits = layout_.reportBits[key];
-    const uint32_t free = Layout::kMaxReportBits - bits;
+    Report& report = reportOf({field.kind, field.reportId});
+    const uint32_t free = Layout::kMaxReportBits - *report.bits;
     const uint64_t declared = uint64_t{field.size} * globals_.reportCount;
-    field.bitOffset = bits;
+    field.bitOffset = *report.bits;
     if (field.size != 0)
         field.count = std::min(globals_.reportCount, free / field.size);
     if (declared > free)
         addProblem(field.offset, "Report longer than 65535 bytes");
-    bits += static_cast<uint32_t>(std::min<uint64_t>(declared, free));
-    layout_.reportFields[key].push_back(layout_.fields.size());
+    *report.bits += static_cast<uint32_t>(std::min<uint64_t>(declared, free));
+    report.fields->push_back(layout_.fields.size());
+}
+
+// Most fields belong to the same report as the one before.
+LayoutReader::Report& LayoutReader::reportOf(Layout::ReportKey key)
+{
+    if (!report_.bits || report_.key != key) {
+        constexpr size_t usualFields = 8; // of a report
+        report_ = {key, &layout_.reportBits[key], &layout_.reportFields[key]};
+        report_.fields->reserve(std::max(report_.fields->capacity(), usualFields));
+    }
+    return report_;
 }
 
 void LayoutReader::addFieldProblems(const Field& field)
 {
-    const std::string name = nameOf(field.kind);
+    const auto problem = [&](const char* what) {
+        addProblem(field.offset, std::string(nameOf(field.kind)) + what);
+    };
     if (open_.empty())
-        addProblem(field.offset, name + " outside of all collections");
+        problem(" outside of all collections");
     if (globals_.reportSize == 0 || globals_.reportCount == 0)
-        addProblem(field.offset, name + " without bits: Report Size or Report Count is 0");
+        problem(" without bits: Report Size or Report Count is 0");
     if (field.isPadding())
         return;
     if (!globals_.hasLogicalMaximum)
-        addProblem(field.offset, name + " without a Logical Maximum");
+        problem(" without a Logical Maximum");
     else if (field.logicalMinimum > field.logicalMaximum)
         addProblem(field.offset, "Logical Minimum above Logical Maximum");
     if (field.isVariable() && field.usageCount() > globals_.reportCount)
-        addProblem(field.offset, name + " with more usages than values");
+        problem(" with more usages than values");
 }
 
 // One problem for all fields without an id.
@@ -217,7 +235,8 @@ void LayoutReader::addMissingReportIds()
 {
     const auto found = std::ranges::find(layout_.fields, 0, &Field::reportId);
     if (layout_.usesReportIds && found != layout_.fields.end())
-        addProblem(found->offset, nameOf(found->kind) + " without a Report ID; others have one");
+        addProblem(found->offset,
+            std::string(nameOf(found->kind)) + " without a Report ID; others have one");
 }
 
 void LayoutReader::addProblem(const Item& item, std::string text)

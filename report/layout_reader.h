@@ -7,6 +7,8 @@ namespace report {
 
 class LayoutReader {
 public:
+    LayoutReader();
+
     // Takes the items in their order.
     void handleItem(const Item& item);
 
@@ -31,6 +33,13 @@ private:
         size_t offset; // of the Push
     };
 
+    // Entries of the layout, whose addresses do not change.
+    struct Report {
+        Layout::ReportKey key{};
+        uint32_t* bits = nullptr;
+        std::vector<size_t>* fields = nullptr;
+    };
+
     void handleMain(const Item& item);
     void handleGlobal(const Item& item);
     void handleLocal(const Item& item);
@@ -44,6 +53,7 @@ private:
 
     void addField(const Item& item, ReportKind kind, std::vector<UsageRange> usages);
     void addToReport(Field& field); // gives it its place
+    Report& reportOf(Layout::ReportKey key);
     void addFieldProblems(const Field& field);
     void addMissingReportIds();
     void addProblem(const Item& item, std::string text);
@@ -52,6 +62,7 @@ private:
     Layout layout_;
     LocalUsages usages_{layout_.problems};
     Globals globals_;
+    Report report_; // of the last field
     std::vector<Saved> saved_;
     std::vector<size_t> open_; // collections, outermost first
 };

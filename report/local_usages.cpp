@@ -59,7 +59,10 @@ std::vector<UsageRange> LocalUsages::take(uint16_t page)
         range.index = index;
         index += uint64_t{range.maximum} - range.minimum.id + 1;
     }
-    return std::exchange(usages_, {});
+    // A copy has no more room than it needs, and the next usages use the same memory.
+    std::vector<UsageRange> taken(usages_);
+    usages_.clear();
+    return taken;
 }
 
 void LocalUsages::addUsage(const Item& item)
