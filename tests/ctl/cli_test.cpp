@@ -4,6 +4,8 @@
 #include "tools/ctl/cli/output_file.h"
 
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -97,6 +99,41 @@ TEST(OutputFile, AppearsWhenItIsComplete)
     file.finish();
     EXPECT_EQ(
         test::filesIn(directory.path()), (std::map<std::string, std::string>{{"result", "new"}}));
+}
+
+TEST(OutputFile, HasNoNameBeforeItIsComplete)
+{
+    const test::TempDirectory directory;
+    const int fd = open(directory.path().c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (fd < 0)
+        GTEST_SKIP() << "the file system has no files without a name";
+    close(fd);
+    ctl::OutputFile file(directory.path() + "result");
+    file.write("text");
+    EXPECT_EQ(test::filesIn(directory.path()).size(), 0u) << "kill -9 would leave it";
+    file.finish();
+    EXPECT_EQ(
+        test::filesIn(directory.path()), (std::map<std::string, std::string>{{"result", "text"}}));
+}
+
+TEST(OutputFile, WritesTheTargetOfALink)
+{
+    const test::TempDirectory directory;
+    std::filesystem::create_directory(directory.path() + "d");
+    for (const auto& [link, target] :
+        {std::pair{"to-new", "d/new"}, {"to-old", "d/old"}, {"to-link", "to-old"}})
+        std::filesystem::create_symlink(target, directory.path() + link);
+    directory.file("d/old", "old");
+    for (const auto& [link, target] :
+        {std::pair{"to-new", "d/new"}, {"to-old", "d/old"}, {"to-link", "d/old"}}) {
+        ctl::OutputFile file(directory.path() + link);
+        file.write(link);
+        file.finish();
+        EXPECT_TRUE(std::filesystem::is_symlink(directory.path() + link));
+        EXPECT_EQ(test::content(directory.path() + target), link);
+    }
+    std::filesystem::create_symlink("loop", directory.path() + "loop");
+    EXPECT_THROW(ctl::OutputFile(directory.path() + "loop"), ctl::Failure);
 }
 
 TEST(OutputFile, NamesTheFileThatCannotBeWritten)

@@ -15,6 +15,7 @@ namespace ctl {
 namespace {
 
 constexpr mode_t kMode = 0666; // without the bits of the umask, as for any new file
+constexpr int kMaxLinks = 40;  // as in Linux
 
 mode_t currentUmask()
 {
@@ -30,21 +31,61 @@ bool isSpecial(const std::filesystem::path& path)
     return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 }
 
+// Where a chain of symbolic links leads, also to a file that does not exist yet. In a circle of
+// links, another link.
+std::filesystem::path targetOf(std::filesystem::path path)
+{
+    std::error_code error;
+    for (int links = 0; links < kMaxLinks && std::filesystem::is_symlink(path, error); ++links) {
+        const auto target = std::filesystem::read_symlink(path, error);
+        if (error)
+            break;
+        path = path.parent_path() / target;
+    }
+    return path;
+}
+
+// A name of the file for linkat().
+std::string nameInProc(int fd)
+{
+    return "/proc/self/fd/" + std::to_string(fd);
+}
+
 } // namespace
 
 OutputFile::OutputFile(const std::filesystem::path& path)
     : path_(path)
+    , target_(isSpecial(path) ? path : targetOf(path))
 {
-    if (isSpecial(path)) {
-        fd_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    } else {
-        temporary_ = path.string() + ".XXXXXX";
-        fd_ = mkostemp(temporary_.data(), O_CLOEXEC);
-        if (fd_ >= 0)
-            fchmod(fd_, kMode & ~currentUmask()); // else it stays private
-    }
+    std::error_code ignored;
+    if (isSpecial(target_))
+        fd_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+    else if (std::filesystem::is_symlink(target_, ignored))
+        errno = ELOOP;
+    else if (!openNameless())
+        openTemporary();
     if (fd_ < 0)
         fail(errno);
+}
+
+bool OutputFile::openNameless()
+{
+    const auto directory = target_.has_parent_path() ? target_.parent_path() : ".";
+    fd_ = open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode);
+    if (fd_ >= 0 && access(nameInProc(fd_).c_str(), F_OK) != 0)
+        close(std::exchange(fd_, -1)); // it could not be given a name
+    nameless_ = fd_ >= 0;
+    return nameless_;
+}
+
+void OutputFile::openTemporary()
+{
+    temporary_ = target_.string() + ".XXXXXX";
+    fd_ = mkostemp(temporary_.data(), O_CLOEXEC);
+    if (fd_ < 0)
+        temporary_.clear();
+    else
+        fchmod(fd_, kMode & ~currentUmask()); // else it stays private
 }
 
 OutputFile::~OutputFile()
@@ -80,13 +121,27 @@ std::FILE* OutputFile::openStream() const
     return stream;
 }
 
+void OutputFile::linkTemporary()
+{
+    const std::string file = nameInProc(fd_);
+    for (int number = 0; temporary_.empty(); ++number) {
+        const std::string name = target_.string() + '.' + std::to_string(number);
+        if (linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            temporary_ = name;
+        else if (errno != EEXIST)
+            fail(errno);
+    }
+}
+
 void OutputFile::finish()
 {
+    if (nameless_)
+        linkTemporary(); // no call replaces an existing file by a nameless one
     if (close(std::exchange(fd_, -1)) != 0)
         fail(errno);
     if (temporary_.empty())
         return;
-    if (std::rename(temporary_.c_str(), path_.c_str()) != 0)
+    if (std::rename(temporary_.c_str(), target_.c_str()) != 0)
         fail(errno);
     temporary_.clear();
 }

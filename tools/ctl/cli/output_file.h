@@ -8,9 +8,11 @@
 
 namespace ctl {
 
-// Writes into a temporary file in the same directory, which finish() renames. A file that is not
-// finished is removed, so that no part of a file stays. What is not a regular file, such as
-// /dev/stdout or a named pipe, is written directly.
+// Writes into a file without a name in the same directory, which finish() gives its name. So no
+// part of a file stays, even if the process is killed. If the file system has no files without a
+// name, as FAT and NFS, this is a temporary file; one that is not finished is removed, but stays if
+// the process is killed. A symbolic link stays, and its target is written. What is not a regular
+// file, such as a pipe or a terminal, is written directly.
 class OutputFile {
 public:
     // Throws Failure if the file cannot be created.
@@ -35,9 +37,15 @@ public:
     void finish();
 
 private:
-    const std::filesystem::path path_;
-    std::string temporary_; // empty if the file is written directly or finished
+    [[nodiscard]] bool openNameless(); // false if there is no such file here
+    void openTemporary();              // leaves errno if it fails
+    void linkTemporary();              // gives a nameless file a temporary name
+
+    const std::filesystem::path path_;   // in errors
+    const std::filesystem::path target_; // of a symbolic link; otherwise the same
+    std::string temporary_;              // empty if there is none
     int fd_ = -1;
+    bool nameless_ = false;
 };
 
 } // namespace ctl
