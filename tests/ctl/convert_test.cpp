@@ -8,6 +8,8 @@
 #include <memory>
 #include <pcap/pcap.h>
 #include <pcap/usb.h>
+#include <sstream>
+#include <sys/stat.h>
 
 namespace {
 
@@ -122,6 +124,24 @@ TEST_F(Convert, WritesTransfersOfDescriptorsAndReports)
               "11.500000 1.2 81 C11 I 0 3: 03 01 00\n");
 }
 
+TEST_F(Convert, OrdersThePacketsOfDevicesByTime)
+{
+    directory_.file("r",
+        "D: 0\nR: 1 c0\nE: 000002.000000 1 01\nE: 000003.000000 1 02\n"
+        "D: 1\nR: 1 c0\nE: 000001.000000 1 03\nE: 000002.000000 1 04\n");
+    EXPECT_EQ(run("r --pcap out"), "0 ");
+    std::istringstream packets(captureText(directory_.path() + "out"));
+    std::string order;
+    for (std::string packet; std::getline(packets, packet);) {
+        if (packet.find(" 81 C") != packet.npos)
+            order += packet.substr(0, 2) + packet.substr(packet.size() - 2) + ' ';
+        if (packet.find(" 80 ") != packet.npos) {
+            EXPECT_EQ(packet.substr(0, 9), "1.000000 ") << "descriptors";
+        }
+    }
+    EXPECT_EQ(order, "1.03 2.01 2.04 3.02 ");
+}
+
 TEST_F(Convert, SaysWhyItCannot)
 {
     directory_.file("r", kRecording);
@@ -141,16 +161,38 @@ TEST_F(Convert, SaysWhyItCannot)
                  "name\n"},
              {"r --pcap none/out", "3 kelprobectl: none/out: No such file or directory\n"},
              {"r --pcap /dev/full", "3 kelprobectl: /dev/full: No space left on device\n"},
+             {"r --pcap -",
+                 "2 kelprobectl: -: convert writes files; for standard output use --pcap "
+                 "/dev/stdout\n"},
              {"r", "2 kelprobectl: --pcap is required\nTry kelprobectl convert --help.\n"},
          })
         EXPECT_EQ(run(arguments), outcome) << arguments;
-    // The file system takes no more than one block. Without trap the signal ends the program.
-    EXPECT_EQ(
-        run("r --pcap out", "trap '' XFSZ; ulimit -f 1;"), "3 kelprobectl: out: File too large\n");
+    EXPECT_EQ(run("r --pcap out", "ulimit -f 1;"), "3 kelprobectl: out: File too large\n");
+    // A signal, while it waits for the recording.
+    ASSERT_EQ(mkfifo((directory_.path() + "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(run("pipe --pcap out", "{ sleep 0.3; kill $$; } & sleep 3 >pipe &"),
+        "3 kelprobectl: stopped by a signal; no capture was written\n");
     EXPECT_EQ(test::filesIn(directory_.path()),
         (std::map<std::string, std::string>{{"back", test::content(directory_.path() + "back")},
             {"empty", ""}, {"out", "earlier"}, {"r", kRecording}}))
         << "no part of a capture is left, and the earlier one is as it was";
+}
+
+TEST(CommandLine, HelpIsACommandToo)
+{
+    const auto run = [](const std::string& arguments) {
+        FILE* const pipe = popen((KELPROBECTL " " + arguments + " 2>&1").c_str(), "r");
+        std::string output;
+        for (int c = 0; (c = fgetc(pipe)) != EOF;)
+            output += static_cast<char>(c);
+        return std::to_string(WEXITSTATUS(pclose(pipe))) + ' ' + output;
+    };
+    EXPECT_EQ(run("help"), run("--help"));
+    EXPECT_EQ(run("help convert"), run("convert --help"));
+    EXPECT_EQ(run("convert --help").substr(0, 2), "0 ");
+    EXPECT_EQ(run("help convrt"),
+        "2 kelprobectl: unknown command convrt; did you mean convert?\nTry kelprobectl --help.\n");
+    EXPECT_EQ(run(""), "2 kelprobectl: a command is required\nTry kelprobectl --help.\n");
 }
 
 TEST_F(Convert, WarnsOfAMissingDescriptor)

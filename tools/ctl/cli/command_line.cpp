@@ -3,10 +3,13 @@
 #include "tools/ctl/cli/output.h"
 #include "tools/text/suggestion.h"
 
+#include <csignal>
 #include <sstream>
 
 namespace ctl {
 namespace {
+
+constexpr std::string_view kHelp = "help"; // as a command
 
 // The command whose part of the command line could not be parsed.
 const CLI::App& chosenCommand(const CLI::App& app)
@@ -47,8 +50,10 @@ int reportMistake(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::vector<std::string> extra = app.remaining(true);
     const CLI::App& command = chosenCommand(app);
-    Output::err().line("kelprobectl: "
-        + (extra.empty() ? std::string(error.what()) : unexpected(app, extra.front())));
+    const std::string mistake = !extra.empty()                    ? unexpected(app, extra.front())
+        : &command == &app && error.get_name() == "RequiredError" ? "a command is required"
+                                                                  : error.what();
+    Output::err().line("kelprobectl: " + mistake);
     Output::err().line(
         "Try kelprobectl " + (&command == &app ? "" : command.get_name() + ' ') + "--help.");
     return kWrongUse;
@@ -85,6 +90,15 @@ void addGenerateCommand(CLI::App& app, Run& run)
         });
 }
 
+// "COMMAND --help" for "help COMMAND".
+std::vector<const char*> helpArguments(int argc, char** argv)
+{
+    std::vector<const char*> arguments(argv, argv + argc);
+    arguments.erase(arguments.begin() + 1);
+    arguments.push_back("--help");
+    return arguments;
+}
+
 int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
 {
     CLI::App app("Shows, explains and checks the call controls of USB HID devices.", "kelprobectl");
@@ -96,19 +110,32 @@ int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
     for (const AddCommand add : commands)
         add(app, run);
     addGenerateCommand(app, run);
+    const bool isHelp = argc > 1 && std::string_view(argv[1]) == kHelp;
+    const std::vector<const char*> arguments
+        = isHelp ? helpArguments(argc, argv) : std::vector<const char*>(argv, argv + argc);
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(arguments.size()), arguments.data());
     } catch (const CLI::ParseError& error) {
-        const bool requested = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+        const bool requested = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)
+            && !(isHelp && !app.remaining(true).empty());
         return requested ? printRequested(app, error) : reportMistake(app, error);
     }
     return run();
+}
+
+// Makes write() fail at the limit of the size of files, so that the error is reported.
+void surviveFileSizeLimit()
+{
+    // A program that is started would inherit SIG_IGN, but no handler.
+    if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN)
+        std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace
 
 int runCommandLine(int argc, char** argv, std::span<const AddCommand> commands)
 {
+    surviveFileSizeLimit();
     try {
         return parseAndRun(argc, argv, commands);
     } catch (const Failure& failure) {

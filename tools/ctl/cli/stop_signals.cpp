@@ -26,6 +26,16 @@ bool StopSignals::stopped() const
     return rkb::stop_signal_arrived();
 }
 
+void StopSignals::interruptCalls() const
+{
+    for (const int number : kSignals) {
+        struct sigaction action { };
+        sigaction(number, nullptr, &action);
+        action.sa_flags &= ~SA_RESTART;
+        sigaction(number, &action, nullptr);
+    }
+}
+
 int StopSignals::fd() const
 {
     return fd_;

@@ -17,6 +17,10 @@ public:
     // Whether a signal has arrived. Any thread.
     [[nodiscard]] bool stopped() const;
 
+    // From now on a signal makes a blocking call fail with EINTR, also one that reads a file.
+    // Otherwise such calls continue.
+    void interruptCalls() const;
+
     // Becomes and stays readable when a signal arrives, for poll(). Never read from it.
     [[nodiscard]] int fd() const;
 

@@ -5,10 +5,13 @@
 #include "tools/ctl/convert/capture_file.h"
 #include "tools/text/printable.h"
 
+#include <algorithm>
+
 namespace ctl {
 namespace {
 
 constexpr size_t kReportsPerProgress = 16'384;
+constexpr const char* kStopped = "stopped by a signal; no capture was written";
 
 struct Options {
     std::string recording;
@@ -23,6 +26,13 @@ report::Recording readRecording(const std::string& file)
     return std::get<report::Recording>(std::move(result));
 }
 
+void refuseStandardOutput(const Options& options)
+{
+    if (options.capture == "-")
+        throw Failure(
+            kWrongUse, "-: convert writes files; for standard output use --pcap /dev/stdout");
+}
+
 void refuseSameFile(const Options& options)
 {
     std::error_code ignored; // the capture usually does not exist
@@ -30,6 +40,15 @@ void refuseSameFile(const Options& options)
         throw Failure(kWrongUse,
             text::printable(options.capture)
                 + ": the capture would replace the recording; give it another name");
+}
+
+// Readers expect packets in the order of time, but each device may have a clock of its own.
+void sortByTime(report::Recording& recording)
+{
+    std::stable_sort(recording.reports.begin(), recording.reports.end(),
+        [](const report::RecordedReport& one, const report::RecordedReport& other) {
+            return one.time < other.time;
+        });
 }
 
 void writeDescriptors(CaptureFile& capture, const report::Recording& recording)
@@ -51,7 +70,7 @@ void writeReports(
     const size_t count = recording.reports.size();
     for (size_t i = 0; i < count; ++i) {
         if (signals.stopped())
-            throw Failure(kNoAccess, "stopped by a signal; no capture was written");
+            throw Failure(kNoAccess, kStopped);
         if (i > 0 && i % kReportsPerProgress == 0)
             Output::err().progress("writing: " + std::to_string(100 * i / count) + " %");
         capture.write(reportTransfer(recording.reports[i]));
@@ -59,17 +78,31 @@ void writeReports(
     Output::err().progress("");
 }
 
-int convert(const Options& options)
+void writeCapture(const Options& options, const StopSignals& signals)
 {
-    const report::Recording recording = readRecording(options.recording);
+    report::Recording recording = readRecording(options.recording);
     refuseSameFile(options);
-    const StopSignals signals; // no part of the file may stay
+    sortByTime(recording);
     OutputFile file(options.capture);
     CaptureFile capture(file);
     writeDescriptors(capture, recording);
     writeReports(capture, recording, signals);
     capture.finish();
     file.finish();
+}
+
+int convert(const Options& options)
+{
+    refuseStandardOutput(options);
+    const StopSignals signals; // no part of the file may stay
+    signals.interruptCalls();
+    try {
+        writeCapture(options, signals);
+    } catch (const Failure&) {
+        if (signals.stopped()) // a call failed because of the signal
+            throw Failure(kNoAccess, kStopped);
+        throw;
+    }
     return kFine;
 }
 
