@@ -100,6 +100,18 @@ bool isLsusb(std::string_view line)
         [&](std::string_view beginning) { return line.starts_with(beginning); });
 }
 
+// Whether this line begins with the offset 0, as the first line of xxd, hexdump and od. No
+// descriptor begins with such bytes.
+bool isOffsetDump(std::string_view line)
+{
+    constexpr size_t minimum = 4; // digits
+    const size_t digits = line.find_first_not_of('0');
+    if (digits == line.npos || digits < minimum)
+        return false;
+    line.remove_prefix(digits + (line[digits] == ':' ? 1 : 0));
+    return line.starts_with(' ') || line.starts_with('\t');
+}
+
 bool isRecording(std::string_view line)
 {
     return line.size() >= 2 && line[1] == ':' && line[0] >= 'A' && line[0] <= 'Z';
@@ -130,8 +142,11 @@ std::vector<FoundDescriptor> readRecording(std::string_view content, const std::
         descriptor.name = std::move(device.name);
         found.push_back(std::move(descriptor));
     }
-    if (found.empty())
-        throw DescriptorError{name + ": a recording without a descriptor: it has no R: line"};
+    if (found.empty()) {
+        TextCursor text(content, name);
+        text.moveTo(text.position() + text.rest().size());
+        text.fail("an R: line with a descriptor");
+    }
     return found;
 }
 
@@ -141,6 +156,9 @@ std::vector<FoundDescriptor> readText(std::string_view content, const std::strin
     TextCursor text = whole;
     text.skipComments(TextCursor::Comments::kAll);
     const std::string_view line = text.restOfLine();
+    if (isOffsetDump(line))
+        text.failWith("expected a descriptor in bytes, found the offsets of a dump; "
+                      "use the output of \"xxd -p\"");
     if (isUsbhidDump(line))
         return readUsbhidDump(text);
     if (isRecording(line))
@@ -161,7 +179,8 @@ std::vector<FoundDescriptor> readText(std::string_view content, const std::strin
 DescriptorsResult parseDescriptors(std::string_view content, const std::string& name)
 {
     try {
-        return isBinary(content) ? readBinary(content, name) : readText(content, name);
+        const bool binary = isBinary(content) && !isUtf16(content);
+        return binary ? readBinary(content, name) : readText(content, name);
     } catch (const DescriptorError& error) {
         return error;
     }

@@ -14,7 +14,9 @@
 //   that many.
 // - Otherwise hexadecimal text (report/descriptor_file.h).
 //
-// Comments and blank lines may come before the first line.
+// A text is in UTF-8, with or without a byte order mark. Comments and blank lines may come before
+// the first line, in a recording only comments with #. The output of xxd, hexdump and od is refused
+// if it has offsets.
 #pragma once
 
 #include "report/descriptor_file.h"

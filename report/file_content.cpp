@@ -11,14 +11,21 @@
 namespace report {
 namespace {
 
+constexpr size_t kMebibyte = 1024 * 1024;
+
 struct FileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 DescriptorError errorFor(const std::filesystem::path& path, int error)
 {
-    const bool unreadable = error != EFBIG;
-    return {path.string() + ": " + std::generic_category().message(error), unreadable};
+    return {path.string() + ": " + std::generic_category().message(error), true};
+}
+
+DescriptorError tooLarge(const std::filesystem::path& path, size_t maxSize)
+{
+    return {path.string() + ": more than " + std::to_string(maxSize / kMebibyte)
+        + " MiB, the most that is read"};
 }
 
 } // namespace
@@ -33,7 +40,7 @@ std::string readFile(const std::filesystem::path& path, size_t maxSize)
     while (const size_t size = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
         content.append(buffer.data(), size);
         if (content.size() > maxSize)
-            throw errorFor(path, EFBIG);
+            throw tooLarge(path, maxSize);
     }
     if (std::ferror(file.get()))
         throw errorFor(path, errno);

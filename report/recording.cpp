@@ -235,9 +235,11 @@ private:
     Bytes readBytes(size_t minimum, size_t maximum)
     {
         const size_t begin = text_.position();
-        const std::string expected
-            = "a length from " + std::to_string(minimum) + " to " + std::to_string(maximum);
+        const std::string expected = "a length from " + std::to_string(minimum) + " to "
+            + std::to_string(maximum) + " before the bytes";
         const size_t size = text_.readNumber(10, maximum, expected);
+        if (text_.atHexDigit())
+            text_.fail("a blank after the length, which is decimal");
         if (size < minimum) {
             text_.moveTo(begin);
             text_.fail(expected);
@@ -246,12 +248,16 @@ private:
         while (bytes.size() < size) {
             text_.skipBlanks();
             if (!text_.atHexDigit())
-                text_.fail(
-                    "byte " + std::to_string(bytes.size() + 1) + " of " + std::to_string(size));
+                text_.fail("byte " + std::to_string(bytes.size() + 1) + " of "
+                    + std::to_string(size) + " (the length comes first)");
             bytes.push_back(text_.readHexPair());
             if (text_.atHexDigit())
                 text_.fail("a blank after the byte's two digits");
         }
+        text_.skipBlanks();
+        if (text_.atHexDigit())
+            text_.fail("the end of the line after " + std::to_string(size)
+                + " bytes (the length comes first)");
         return bytes;
     }
 

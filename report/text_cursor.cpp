@@ -10,6 +10,7 @@
 namespace report {
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf"; // of UTF-8
 constexpr std::string_view kBlanks = " \t\v\f\r";
 constexpr std::string_view kBlanksAndLineEnds = " \t\v\f\r\n";
 
@@ -25,12 +26,24 @@ int digitValue(char c)
     return -1;
 }
 
+std::string_view withoutByteOrderMark(std::string_view text)
+{
+    return text.substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+}
+
 } // namespace
 
+bool isUtf16(std::string_view text)
+{
+    return text.starts_with("\xff\xfe") || text.starts_with("\xfe\xff");
+}
+
 TextCursor::TextCursor(std::string_view text, const std::string& name)
-    : text_(text)
+    : text_(withoutByteOrderMark(text))
     , name_(name)
 {
+    if (isUtf16(text))
+        throw DescriptorError{name + ": a text in UTF-16; save it as UTF-8"};
 }
 
 bool TextCursor::atHexDigit() const

@@ -9,12 +9,16 @@
 
 namespace report {
 
+// Whether the text begins with a byte order mark of UTF-16.
+[[nodiscard]] bool isUtf16(std::string_view text);
+
 // Each reading function moves the position past what it has read, or throws a DescriptorError of
 // the form "NAME:LINE:COLUMN: expected ..., found ...". Only the error takes time in proportion to
 // the text before the position.
 class TextCursor {
 public:
-    // Both must outlive the object.
+    // Both must outlive the object. A byte order mark of UTF-8 is no part of the text. Throws if
+    // the text is in UTF-16.
     TextCursor(std::string_view text, const std::string& name);
 
     [[nodiscard]] bool atEnd() const { return at_ == text_.size(); }

@@ -43,7 +43,7 @@ TEST(DescriptorFile, SaysWhereAndWhyItCannotReadAText)
              {"05\n /* 0b"sv, "f:2:2: expected */ after this /*, found the end of the text"},
              {"05 /*/ 0b"sv, "f:1:4: expected */ after this /*, found the end of the text"},
              {"05\0"sv, "f:1:3: expected two hexadecimal digits, found byte 0x00"},
-             {"\xef\xbb\xbf"sv, "f:1:1: expected two hexadecimal digits, found byte 0xef"},
+             {"\xef\xbb"sv, "f:1:1: expected two hexadecimal digits, found byte 0xef"},
          })
         EXPECT_EQ(errorOf(report::parseDescriptor(bad, "f")), error) << bad;
 }
@@ -67,7 +67,7 @@ TEST(DescriptorFile, NamesTheFileInErrors)
     directory.file("device.hex", "05 0b g");
     EXPECT_EQ(error(), path + ":1:7: expected two hexadecimal digits, found 'g'");
     directory.file("device.hex", std::string(report::kMaxFileSize + 1, ' '));
-    EXPECT_EQ(error(), path + ": File too large");
+    EXPECT_EQ(error(), path + ": more than 4 MiB, the most that is read");
     EXPECT_EQ(errorOf(report::readDescriptorFile("/")), "/: Is a directory");
 }
 

@@ -45,6 +45,9 @@ TEST(DescriptorSource, RecognisesEachFormat)
              {"# Recorded: 05\n\n05 0B, 0x09\r\n"sv, "|||05 0b 09\n"},
              {"/* R: 1 */ 0x05"sv, "|||05\n"},
              {"{0x05,0x0b,}"sv, "|||05 0b\n"},
+             {"\xef\xbb\xbf 05"sv, "|||05\n"}, // byte order mark
+             {"\xef\xbb\xbfR: 1 05\n"sv, "device 0|||05\n"},
+             {"\xef\xbb\xbfu8 a[] = {0x05};"sv, "a|||05\n"},
              {"#include <stdint.h>\n"
               "typedef unsigned char u8; // {\n"
               "[[maybe_unused]] static const u8 desc_1 [ 0x3 ] PROGMEM =\n"
@@ -68,53 +71,72 @@ TEST(DescriptorSource, RecognisesEachFormat)
 
 TEST(DescriptorSource, SaysWhatIsWrong)
 {
-    for (const auto& [content, error] : {
-             std::pair{""sv, "f:1:1: expected a descriptor, found no bytes"},
-             {" \n# only\n"sv, "f:3:1: expected a descriptor, found no bytes"},
-             {"05 0b 09 05 a1 01\0"sv, "f:1:18: expected two hexadecimal digits, found byte 0x00"},
-             {"\x05\x0b\x09"sv, "f: a binary file that ends within the item at byte 2"},
-             {"\x05\x0b\x7f"
-              "ELF"sv,
-                 "f: a binary file that is no report descriptor: "
-                 "item 0x7f at byte 2 is reserved"},
-             {"\0\0"sv,
-                 "f: a binary file that is no report descriptor: "
-                 "item 0x00 at byte 0 is reserved"},
-             {"\xff\x01"sv,
-                 "f: a binary file that is no report descriptor: "
-                 "item 0xff at byte 0 is reserved"},
-             // C
-             {"05 {0x05}"sv, "f:1:1: expected a declaration or '{', found '0'"},
-             {"u8 d[] = {0x05"sv, "f:1:15: expected ',' or '}', found the end of the text"},
-             {"u8 d[] = {0x05, 12}"sv, "f:1:17: expected 0x and two hexadecimal digits, found '1'"},
-             {"u8 d[] = {0x05 0x0b}"sv, "f:1:16: expected ',' or '}', found '0'"},
-             {"u8 d[] = {0x050b}"sv,
-                 "f:1:15: expected the end of the byte after its two digits, found '0'"},
-             {"u8 d[] = {}"sv, "f:1:11: expected 0x and two hexadecimal digits, found '}'"},
-             {"u8 d[] = {\n#if A\n0x05}"sv,
-                 "f:2:1: expected 0x and two hexadecimal digits, found '#'"},
-             {"u8 d[3] = {0x05, 0x0b};"sv, "f:1:22: expected 3 bytes as declared, found 2"},
-             {"u8 d[] = {0x05}; int"sv, "f:1:21: expected '{' or ';', found the end of the text"},
-             {"u8 d[] = {0x05}}"sv, "f:1:16: expected a declaration or '{', found '}'"},
-             // usbhid-dump
-             {"001:002:000:DESCRIPTOR 1.000000\n 05 0"sv,
-                 "f:2:6: expected a second hexadecimal digit, found the end of the text"},
-             {"001:002:000:DESCRIPTOR 1.000000\n\n"sv,
-                 "f:2:1: expected the bytes of the descriptor, found the end of the line"},
-             {"001:002:000:STREAM 1.000000\n 05\n"sv,
-                 "f:3:1: expected a DESCRIPTOR block, found the end of the text"},
-             {"001:002:000:Failed to claim"sv, "f:1:13: expected DESCRIPTOR or STREAM, found 'F'"},
-             {"001:256:000:DESCRIPTOR 1.0"sv,
-                 "f:1:5: expected the number of a device, found a greater number"},
-             {"001:002:DESCRIPTOR 1.0"sv, "f:1:9: expected the number of an interface, found 'D'"},
-             // others
-             {"N: a\n"sv, "f: a recording without a descriptor: it has no R: line"},
-             {"R: 2 05\n"sv, "f:1:8: expected byte 2 of 2, found the end of the line"},
-             {"\nBus 001 Device 003: ID 1209:0001\n"sv,
-                 "f:2:1: expected a descriptor in bytes, found the output of lsusb; "
-                 "use that of \"sudo usbhid-dump -e descriptor\""},
-         })
+    for (const auto& [content, error] :
+        {
+            std::pair{""sv, "f:1:1: expected a descriptor, found no bytes"},
+            {" \n# only\n"sv, "f:3:1: expected a descriptor, found no bytes"},
+            {"05 0b 09 05 a1 01\0"sv, "f:1:18: expected two hexadecimal digits, found byte 0x00"},
+            {"\x05\x0b\x09"sv, "f: a binary file that ends within the item at byte 2"},
+            {"\x05\x0b\x7f"
+             "ELF"sv,
+                "f: a binary file that is no report descriptor: "
+                "item 0x7f at byte 2 is reserved"},
+            {"\0\0"sv,
+                "f: a binary file that is no report descriptor: "
+                "item 0x00 at byte 0 is reserved"},
+            {"\xff\x01"sv,
+                "f: a binary file that is no report descriptor: "
+                "item 0xff at byte 0 is reserved"},
+            // C
+            {"05 {0x05}"sv, "f:1:1: expected a declaration or '{', found '0'"},
+            {"u8 d[] = {0x05"sv, "f:1:15: expected ',' or '}', found the end of the text"},
+            {"u8 d[] = {0x05, 12}"sv, "f:1:17: expected 0x and two hexadecimal digits, found '1'"},
+            {"u8 d[] = {0x05 0x0b}"sv, "f:1:16: expected ',' or '}', found '0'"},
+            {"u8 d[] = {0x050b}"sv,
+                "f:1:15: expected the end of the byte after its two digits, found '0'"},
+            {"u8 d[] = {}"sv, "f:1:11: expected 0x and two hexadecimal digits, found '}'"},
+            {"u8 d[] = {\n#if A\n0x05}"sv,
+                "f:2:1: expected 0x and two hexadecimal digits, found '#'"},
+            {"u8 d[3] = {0x05, 0x0b};"sv, "f:1:22: expected 3 bytes as declared, found 2"},
+            {"u8 d[] = {0x05}; int"sv, "f:1:21: expected '{' or ';', found the end of the text"},
+            {"u8 d[] = {0x05}}"sv, "f:1:16: expected a declaration or '{', found '}'"},
+            // usbhid-dump
+            {"001:002:000:DESCRIPTOR 1.000000\n 05 0"sv,
+                "f:2:6: expected a second hexadecimal digit, found the end of the text"},
+            {"001:002:000:DESCRIPTOR 1.000000\n\n"sv,
+                "f:2:1: expected the bytes of the descriptor, found the end of the line"},
+            {"001:002:000:STREAM 1.000000\n 05\n"sv,
+                "f:3:1: expected a DESCRIPTOR block, found the end of the text"},
+            {"001:002:000:Failed to claim"sv, "f:1:13: expected DESCRIPTOR or STREAM, found 'F'"},
+            {"001:256:000:DESCRIPTOR 1.0"sv,
+                "f:1:5: expected the number of a device, found a greater number"},
+            {"001:002:DESCRIPTOR 1.0"sv, "f:1:9: expected the number of an interface, found 'D'"},
+            // others
+            {"N: a\n"sv, "f:2:1: expected an R: line with a descriptor, found the end of the text"},
+            {"R: 2 05\n"sv,
+                "f:1:8: expected byte 2 of 2 (the length comes first), found the end of the line"},
+            {"\xef\xbb\xbf x"sv, "f:1:2: expected two hexadecimal digits, found 'x'"},
+            {"\xff\xfeR\0"sv, "f: a text in UTF-16; save it as UTF-8"},
+            {"\xfe\xff\0R"sv, "f: a text in UTF-16; save it as UTF-8"},
+            {"\nBus 001 Device 003: ID 1209:0001\n"sv,
+                "f:2:1: expected a descriptor in bytes, found the output of lsusb; "
+                "use that of \"sudo usbhid-dump -e descriptor\""},
+        })
         EXPECT_EQ(parsed(content), error) << content;
+}
+
+TEST(DescriptorSource, RefusesTheOffsetsOfDumps)
+{
+    for (const char* const dump : {
+             "00000000: 050b 0905 a101  ......\n",      // xxd
+             "00000000  05 0b 09 05 a1 01  |......|\n", // hexdump -C
+             "0000000 0b05 0509 01a1\n0000006\n",       // hexdump
+             "000000 05 0b 09 05 a1 01\n000006\n",      // od -Ax -tx1
+         })
+        EXPECT_EQ(parsed(dump),
+            "f:1:1: expected a descriptor in bytes, found the offsets of a dump; "
+            "use the output of \"xxd -p\"");
+    EXPECT_EQ(parsed("05 0b 0000"), "|||05 0b 00 00\n");
 }
 
 std::string repeated(std::string_view text, size_t count)
@@ -156,7 +178,7 @@ TEST(DescriptorSource, SaysWhetherAFileCouldBeRead)
     EXPECT_EQ(
         error(path), path + ":1:8: expected a second hexadecimal digit, found the end of the text");
     std::filesystem::resize_file(path, report::kMaxRecordingSize + 1);
-    EXPECT_EQ(error(path), path + ": File too large");
+    EXPECT_EQ(error(path), path + ": more than 64 MiB, the most that is read");
     directory.file("d", "\x05\x0b");
     EXPECT_EQ(textOf(report::readDescriptors(path)), "|||05 0b\n");
 }

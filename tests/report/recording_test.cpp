@@ -90,11 +90,17 @@ TEST(Recording, SaysWhatIsWrong)
             {"I: 3 10000 1"sv,
                 "6: expected a hexadecimal vendor id of at most ffff, found a greater number"},
             {"I: 3 1 2 3"sv, "10: expected the end of the line, found '3'"},
-            {"R: 0"sv, "4: expected a length from 1 to 65535, found '0'"},
-            {"R: 2 05"sv, "8: expected byte 2 of 2, found the end of the text"},
-            {"R: 2 05 0b 09"sv, "12: expected the end of the line, found '0'"},
+            {"R: 0"sv, "4: expected a length from 1 to 65535 before the bytes, found '0'"},
+            {"R: 2 05"sv,
+                "8: expected byte 2 of 2 (the length comes first), found the end of the text"},
+            {"R: 2 05 0b 09"sv,
+                "12: expected the end of the line after 2 bytes (the length comes first), found "
+                "'0'"},
+            {"R: a1 01"sv, "4: expected a length from 1 to 65535 before the bytes, found 'a'"},
+            {"R: 0b 05"sv, "5: expected a blank after the length, which is decimal, found 'b'"},
+            {"R: 1c0"sv, "5: expected a blank after the length, which is decimal, found 'c'"},
             {"R: 2 050b"sv, "8: expected a blank after the byte's two digits, found '0'"},
-            {"R: 2 05 xb"sv, "9: expected byte 2 of 2, found 'x'"},
+            {"R: 2 05 xb"sv, "9: expected byte 2 of 2 (the length comes first), found 'x'"},
             {"E: 1 1 01"sv, "5: expected a decimal point after the seconds, found a blank"},
             {"E: -1.000000 1 01"sv, "4: expected a time of at most 4294967295 seconds, found '-'"},
             {"E: 4294967296.000000 0"sv,
@@ -102,8 +108,10 @@ TEST(Recording, SaysWhatIsWrong)
             {"E: 1.5 1 01"sv, "6: expected six decimals, found 1"},
             {"E: 1.0000000 1 01"sv, "6: expected six decimals, found 7"},
             {"E: 1.000000 65536 01"sv,
-                "13: expected a length from 0 to 65535, found a greater number"},
-            {"E: 1.000000"sv, "12: expected a length from 0 to 65535, found the end of the text"},
+                "13: expected a length from 0 to 65535 before the bytes, found a greater number"},
+            {"E: 1.000000"sv,
+                "12: expected a length from 0 to 65535 before the bytes, found the end of the "
+                "text"},
             {"# output 1.5 0 -> 0"sv, "12: expected six decimals, found 1"},
             {"# output 1.000000 1 01"sv,
                 "23: expected -> after the report's 1 bytes, found the end of the text"},
@@ -115,6 +123,7 @@ TEST(Recording, SaysWhatIsWrong)
                                            "about device 1 before its reports, found none";
         EXPECT_EQ(rewritten(device + std::string(bad)), place + error) << bad;
     }
+    EXPECT_EQ(rewritten("\xff\xfeR\0"sv), "f: a text in UTF-16; save it as UTF-8");
     EXPECT_EQ(rewritten("# only\n\n"), "f:3:1: expected a recording, found no device");
 }
 
