@@ -1,9 +1,11 @@
 #include "report/usage_names.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <fstream>
+#include <system_error>
 
 namespace report {
 namespace {
@@ -12,6 +14,7 @@ constexpr size_t kMaxFileSize = size_t{16} * 1024 * 1024;
 constexpr size_t kMaxNameSize = 255; // longer ones are ignored
 constexpr uint16_t kButtonPage = 0x09;
 constexpr std::string_view kPagePrefix = "HUT ";
+constexpr std::string_view kLaterPage = "\nHUT ";
 
 struct NumberAndName {
     uint16_t number = 0;
@@ -73,6 +76,9 @@ UsageNames UsageNames::load(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     std::string text;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    text.reserve(error ? 0 : std::min<size_t>(size, kMaxFileSize));
     std::array<char, 65'536> buffer;
     while (stream && text.size() < kMaxFileSize) {
         stream.read(buffer.data(), buffer.size());
@@ -84,6 +90,10 @@ UsageNames UsageNames::load(const std::filesystem::path& file)
 UsageNames UsageNames::parse(std::string_view text)
 {
     UsageNames names;
+    // The vendors come first and are most of the file.
+    const size_t before = text.find(kLaterPage);
+    if (before != text.npos && !text.starts_with(kPagePrefix))
+        text.remove_prefix(before + 1);
     bool inPage = false; // the lines that begin with a tab belong to `page`
     uint16_t page = 0;
     while (!text.empty()) {
