@@ -117,7 +117,8 @@ void Monitor::print(Reports& device, const Report& report)
         json["event"] = "report";
         json["time"] = Json::Int64{time.count()};
         json["report"] = report::toHex(report.bytes, "");
-        addWords(json, words);
+        if (device.hasDescriptor)
+            addWords(json, words);
         Output::out().jsonLine(json);
         return;
     }

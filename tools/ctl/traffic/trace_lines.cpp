@@ -38,10 +38,14 @@ bool isTransfer(hid_call_kind kind)
     return kind != HID_CALL_OPEN && kind != HID_CALL_DESCRIPTOR && kind != HID_CALL_CLOSE;
 }
 
+bool isUnderstood(const TracedCall& traced)
+{
+    return traced.device && !traced.device->descriptor().empty();
+}
+
 bool hasMeaning(const TracedCall& traced)
 {
-    return isTransfer(traced.call.kind) && traced.device && !traced.device->descriptor().empty()
-        && !traced.call.data.empty();
+    return isTransfer(traced.call.kind) && isUnderstood(traced) && !traced.call.data.empty();
 }
 
 // Of the device that was opened, or that should have been.
@@ -75,7 +79,7 @@ void addReport(Json::Value& json, const TracedCall& traced)
 std::string traceLine(const TracedCall& traced, const Output* output)
 {
     const Call& call = traced.call;
-    if (call.kind == HID_CALL_DESCRIPTOR && !call.data.empty())
+    if (call.kind == HID_CALL_DESCRIPTOR && isUnderstood(traced))
         return {};
     std::string line = timeText(traced.time) + "  ";
     if (traced.otherProcess)
@@ -110,7 +114,8 @@ Json::Value traceJson(const TracedCall& traced)
         json["ids"] = idsOf(traced);
         json["path"] = text::printable(call.path);
     } else if (call.kind == HID_CALL_DESCRIPTOR) {
-        json["descriptor"] = report::toHex(call.data, "");
+        json["descriptor"]
+            = isUnderstood(traced) ? report::toHex(traced.device->descriptor(), "") : "";
     } else if (isTransfer(call.kind)) {
         addReport(json, traced);
     }
