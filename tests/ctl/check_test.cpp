@@ -95,8 +95,16 @@ const WrongDevice kWrongDevices[] = {
         "the hook switch answers a call",
         "The device sent no report when the hook switch was pressed. Send 03 01 00 (Hook Switch "
         "on)."},
-    {"SendsShortReports", cutEach, {}, "input reports have the length that the descriptor gives",
-        "The device sent an input report of 2 bytes; its descriptor gives it 3."},
+    {"SendsShortReports", cutEach, {}, "the mute button mutes",
+        "The device sent a report of 2 bytes when the mute button was pressed; Kelprobe expects 3 "
+        "bytes, report id included, and takes no other length."},
+    {"SendsAnotherReportBefore",
+        [](const auto& word, Reports right) {
+            return word == "hook" ? Reports{{3, 0, 0}, {3, 1, 0}} : right;
+        },
+        {}, "the hook switch answers a call",
+        "Kelprobe took the press as reject. Before the report of the hook switch the device sent "
+        "another"},
     {"SendsAnotherBit",
         [](const auto& word, Reports right) {
             return word == "hook" ? Reports{{3, 8, 0}} : right;
@@ -146,6 +154,12 @@ const WrongDevice kWrongDevices[] = {
         },
         "sends nothing by itself while a call rings",
         "The device sent a report by itself while a call was ringing."},
+    {"TogglesMuteByItself", {},
+        [](const Bytes& output) {
+            return output[1] == 1 ? Reports{{3, 9, 0}, {3, 1, 0}} : Reports{};
+        },
+        "sends nothing by itself during a call",
+        "by itself during a call, and Kelprobe took it as mute."},
     {"EchoesTheMuteLed", {},
         [](const Bytes& output) {
             return output[1] == 5 ? Reports{{3, 9, 0}, {3, 1, 0}} : Reports{};

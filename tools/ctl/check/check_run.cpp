@@ -165,7 +165,9 @@ void CheckRun::runTests(Tester& tester)
     using std::chrono::milliseconds;
     for (const ConformanceTest& test : conformanceTests()) {
         const auto begin = Clock::now();
+        Output::err().progress(test.name);
         TestResult result{test.name, test.run(tester)};
+        Output::err().progress("");
         result.duration = std::chrono::duration_cast<milliseconds>(Clock::now() - begin);
         if (result.outcome.verdict == Verdict::kFailed)
             tester.distrust();

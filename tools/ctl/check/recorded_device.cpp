@@ -8,8 +8,8 @@
 namespace ctl {
 namespace {
 
-RecordedDevice* current
-    = nullptr; // for the function that makes a host, which has no argument for it
+// For the function that makes a host, which has no argument for it.
+RecordedDevice* current = nullptr;
 
 } // namespace
 
@@ -28,7 +28,7 @@ public:
     RecordedHost& operator=(const RecordedHost&) = delete;
 
     int GetDeviceId(uint16_t*, uint16_t*) override { return 0; }
-    void SelectDevice(const char*) override { machine_.HangUp(); }
+    void SelectDevice(const char*) override { machine_.HangUp(); } // as opening does
     int Reserved1() override { return 0; }
     void Reserved2() override { }
     bool GetState(KXState, uint8_t*) override { return false; }
@@ -42,26 +42,18 @@ public:
         else if (*value == KXCallRinging)
             machine_.Ring();
         else if (*value == KXCallActive)
-            offHook(true);
+            machine_.OffHook();
         else
-            offHook(false);
+            machine_.HangUp();
     }
 
     void handle(const report::Bytes& report) { machine_.HandleReport(report); }
-    [[nodiscard]] bool isOffHook() const { return offHook_; }
 
 private:
-    void offHook(bool on)
-    {
-        offHook_ = on;
-        on ? machine_.OffHook() : machine_.HangUp();
-    }
-
     void Notify(KX::TelephonyStateMachine::Event event) override
     {
         using Event = KX::TelephonyStateMachine::Event;
         if (event == Event::OffHook || event == Event::HangUp) {
-            offHook_ = offHook_ || event == Event::OffHook;
             callback_.OnCommand(
                 event == Event::OffHook ? KXCommand::Accept : KXCommand::Reject, nullptr);
         } else {
@@ -78,7 +70,6 @@ private:
     IKXHostCallback& callback_;
     RecordedDevice& device_;
     KX::TelephonyStateMachine machine_{*this};
-    bool offHook_ = false;
 };
 
 namespace {
@@ -114,8 +105,9 @@ std::unique_ptr<Session> RecordedDevice::open(Journal& journal)
 {
     assert(!host_);
     journal_ = &journal;
-    return std::make_unique<Session>(
-        journal, std::make_unique<RecordedController>(), QStringLiteral("recording"));
+    auto controller = std::make_unique<RecordedController>();
+    controller_ = controller.get();
+    return std::make_unique<Session>(journal, std::move(controller), QStringLiteral("recording"));
 }
 
 void RecordedDevice::receive(const report::Bytes& report)
@@ -127,7 +119,7 @@ void RecordedDevice::receive(const report::Bytes& report)
 
 bool RecordedDevice::isOffHook() const
 {
-    return host_ && host_->isOffHook();
+    return host_ && controller_->meetingStatus();
 }
 
 } // namespace ctl

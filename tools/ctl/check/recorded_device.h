@@ -33,8 +33,10 @@ private:
     friend class RecordedHost;
 
     const KX::TelephonyControls controls_;
-    Journal* journal_ = nullptr;   // of the session
-    RecordedHost* host_ = nullptr; // the session's controller owns it
+    Journal* journal_ = nullptr; // of the session
+    // The session owns the controller, which owns the host. The host is null without a session.
+    const HidController* controller_ = nullptr;
+    RecordedHost* host_ = nullptr;
 };
 
 } // namespace ctl

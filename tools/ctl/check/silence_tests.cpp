@@ -69,9 +69,9 @@ Outcome silentDuringCall(Tester& tester)
     if (tester.subject().isRecording)
         return skipped(kNoSilence);
     (void)tester.enter(CallState::kIdle);
+    const size_t moment = tester.now();
     tester.meeting().toggleRing();
     tester.meeting().togglePickup();
-    const size_t moment = tester.now();
     tester.watch(tester.times().silence);
     const Outcome outcome = expectNoEvent(tester, moment, "during a call");
     return outcome.verdict == Outcome::Verdict::kPassed

@@ -2,6 +2,7 @@
 
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/cli/output.h"
+#include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace ctl {
 namespace {
@@ -65,6 +67,7 @@ MeetingConsole::MeetingConsole(const MeetingOptions& options)
 
 int MeetingConsole::run()
 {
+    Output::err().progress("opening " + idsText(device_)); // may take some seconds
     try {
         Session session(journal_, device_);
         play(session.meeting());
@@ -81,6 +84,8 @@ int MeetingConsole::run()
 
 void MeetingConsole::handle(const Entry& entry)
 {
+    if (!std::exchange(started_, true))
+        Output::err().progress("");
     if (entry.kind == Entry::Kind::kGone)
         gone_ = true;
     else if (entry.kind == Entry::Kind::kSent && entry.failed && !gone_)

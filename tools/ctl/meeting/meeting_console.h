@@ -40,6 +40,7 @@ private:
     EntryWords words_;
     std::optional<RecordingFile> recording_;
     std::optional<std::chrono::microseconds> firstReport_; // when it was exchanged
+    bool started_ = false;                                 // there was an entry
     bool gone_ = false;
     bool refused_ = false; // a report was not taken
     bool quit_ = false;
