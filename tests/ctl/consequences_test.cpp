@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -53,6 +52,20 @@ struct Meeting {
         , map(descriptor, layout, names)
         , sentences(ctl::meetingConsequences(map, layout, names))
     {
+    }
+
+    // Whether one of the sentences has this part.
+    [[nodiscard]] bool has(const std::string& part) const
+    {
+        return text().find(part) != std::string::npos;
+    }
+
+    [[nodiscard]] std::string text() const
+    {
+        std::string all;
+        for (const std::string& sentence : sentences)
+            all += '\n' + sentence;
+        return all;
     }
 
     const report::UsageNames names = report::UsageNames::load();
@@ -118,12 +131,84 @@ TEST(Consequences, AreWhatTheStackDoes)
                  "ring 9b0100", "off-hook 020000 020100 "},
          }) {
         const Meeting meeting = meetingOf(device);
-        EXPECT_TRUE(std::ranges::any_of(meeting.sentences,
-            [part = sentence](const std::string& text) { return text.find(part) != text.npos; }))
-            << device << ": " << sentence;
+        EXPECT_TRUE(meeting.has(sentence)) << device << ": " << sentence << meeting.text();
         EXPECT_EQ(Recorder().run(meeting.map.stackControls(), steps), follows)
             << device << ": " << sentence;
     }
+}
+
+#define WITH_ID "050b 0905 a101 8501 7501 9501 "
+#define PADDING " 9507 8101 "
+
+// Buttons that no report can match, and bits that are not the button.
+TEST(Consequences, SayWhatMatches)
+{
+    // The Report ID comes before the collection: the mask has none, but the reports do.
+    const std::string idBefore
+        = "050b 8502 0905 a101 7501 9504 0920 0997 092f 0921 8102 9504 8103 9501" RING "9507 9103";
+    // The id is repeated: the masks are shorter than the report.
+    const std::string idAgain = "050b 0905 a101 8503 7501 9502 0920 092f 8102 9506 8103 8504 9501 "
+                                "0997 8102" PADDING "8503 9501 0921 8102" PADDING "9501" RING;
+    const std::string longReport = WITH_ID "0920 8102 092f 8102 9506 8101 7508 9546 8103 7501 "
+                                           "9501" RING "9507 9103";
+    const std::string headsetWithoutId
+        = HEADSET "0920 8102 0997 8102 092f 8102 0921 8102 9504 8103 "
+                  "9501" RING "9507 9103 c0 050c 0901 a101 8501 9501 "
+                  "09e9 8102" PADDING;
+    const std::string consumerOf3 = "c0 050c 0901 a101 8503 9502 09e9 09ea 8102 9506 8103";
+    const std::string otherBit = WITH_ID "7504 9502 0920 0921 8102 7501 9501" RING;
+    for (const auto& [device, sentence, steps, follows] :
+        {
+            std::tuple{idBefore,
+                "Kelprobe never recognises Hook Switch, Phone Mute, Line Busy Tone "
+                "and Flash, because no report",
+                "ring 0201", "hang-up 0000 "},
+            {idBefore, "every report that it sends while the first call rings rejects the call",
+                "ring 0201", "hang-up 0000 "},
+            {idBefore, "During a call nothing on the device has an effect", "offhook 0204", ""},
+            {idBefore, "Hook Switch: nothing on the device answers or refuses a second call",
+                "offhook ring 0209", ""},
+            {idAgain, "never recognises Hook Switch, Phone Mute and Flash,", "ring 030100",
+                "hang-up 0300 "},
+            {longReport, "never recognises Hook Switch and Phone Mute,", "offhook 0102", ""},
+            {headsetWithoutId, "never recognises Hook Switch", "ring 0001", "hang-up 0000 "},
+            {otherBit, "A report with the bits that Kelprobe takes for Flash and Hook Switch",
+                "offhook ring 0103", "off-hook 0100 "},
+            {otherBit, "a report with the bit of Hook Switch answers it", "ring 0101",
+                "off-hook 0100 "},
+            {WITH_ID "050c 0920 8102" RING, "the bit that Kelprobe takes for Hook Switch answers",
+                "ring 0101", "off-hook 0100 "},
+            {WITH_ID "050c 092f 8102",
+                "only a report with the bit that Kelprobe takes for Phone Mute has", "offhook 0101",
+                "mute "},
+            {WITH_ID "092f 8102" PADDING "c0 050c 0901 a101 8502 09e9 8102" PADDING,
+                "as long as its bit stays set, every further Input report 1 mutes again",
+                "offhook 0101 0101", "mute "},
+            {WITH_ID "9502 092f 0920 8102 9506 8103 9501" RING OFF_HOOK "0909 9102",
+                "every further Input report 1 mutes or unmutes again", "offhook 0101 0101",
+                "unmute 0102 "},
+            {WITH_ID "0920 8102" PADDING "9501" RING "c0 050c 0901 a101 8503 9501 09e9 8102" PADDING
+                     "8504 9508 8102",
+                "Every other report rejects it, also Input report 4.", "ring 0301",
+                "off-hook 0100 "},
+            {WITH_ID "0920 8102" PADDING "8502 9501 0921 8102" PADDING "9501" RING + consumerOf3,
+                "Only Input report 3 can answer a second call, with the bits that Kelprobe takes "
+                "for Flash and Hook Switch.",
+                "offhook ring 0301", "off-hook 0200 "},
+            {"050b 0905 a101 8501 7501 9508 8103 7500 9501 0920 8102 7501 9508 8502 8103 9501" RING,
+                "every Input report 1 answers it", "ring 0100", "off-hook 0200 "},
+            {WITH_ID "9502 0508 0909 0920 9102 8502 9501" OFF_HOOK,
+                "shares a report with the Hold LED", "offhook mute hangup", "0200 0100 "},
+        }) {
+        const Meeting meeting = meetingOf(device);
+        EXPECT_TRUE(meeting.has(sentence)) << device << ": " << sentence << meeting.text();
+        EXPECT_EQ(Recorder().run(meeting.map.stackControls(), steps), follows)
+            << device << ": " << sentence;
+    }
+    const Meeting noHookSwitch
+        = meetingOf(WITH_ID "9502 0997 0921 8102 9506 8101 9501" RING + consumerOf3);
+    EXPECT_FALSE(noHookSwitch.has("is taken for")) << noHookSwitch.text();
+    EXPECT_FALSE(meetingOf(longReport).has("A report with"));
 }
 
 // The number of sentences, so that none is there that does not apply.
