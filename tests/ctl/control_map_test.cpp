@@ -97,6 +97,8 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
              {"other-collection", kHookSwitch, "050b 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
              {"other-collection+usage-range", kHookSwitch, "050b 0901 a101 7501 9501 1920 2920 8102", HEADSET "1920 2920 8102", "usage-range"},
              {"nested-headset", kHookSwitch, "050b 0901 a101 0905 a102 7501 9501 0920 8102 c0 c0", HEADSET "0920 8102", "01"},
+             {"usage-range", kHookSwitch, "a100" HEADSET "1920 2920 8102", "a100" HEADSET "0920 8102", "01"},
+             {"page-value", kHookSwitch, "070b000100 0905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
              {"extended-headset", kHookSwitch, "050b 0b05000b00 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
              {"later-telephony-page", kHookSwitch, "050b 0901 a101 c0 050c 0901 a101 c0" HEADSET "0920 8102", "050b 0901 a101 c0 0905 a101 7501 9501 0920 8102 c0 050c 0901 a101 c0", "01"},
              {"later-headset", kHookSwitch, HEADSET "0921 8102 c0 0905 a101 0920 8102", HEADSET "0921 8102 0920 8102", "02"},
@@ -105,7 +107,7 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
              {"usage-apart", kHookSwitch, "050b 1905 2905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
              {"page-elsewhere", kHookSwitch, "050c 0901 a101 050b c0 0905 a101 7501 9501 0920 8102", "050c 0901 a101 c0" HEADSET "0920 8102", "01"},
              {"page-elsewhere", kHookSwitch, "050b c0 0905 a101 7501 9501 0920 8102", HEADSET "0920 8102", "01"},
-             {"constant-field+fewer-usages", kHookSwitch, HEADSET "9508 0920 8101", HEADSET "9508 0920 8102", "fewer-usages"},
+             {"fewer-usages+constant-field", kHookSwitch, HEADSET "9508 0920 8101", HEADSET "0920 8102 9507 8101", "01"},
              {"array-field", kHookSwitch, HEADSET "7502 0920 0921 8100", HEADSET "9502 0920 0921 8102", "01"},
              {"array-field+usage-range", kHookSwitch, HEADSET "7504 1920 292f 8100", HEADSET "9510 1920 292f 8102", "usage-range"},
              {"extended-usage", kHookSwitch, HEADSET "0b20000b00 8102", HEADSET "0920 8102", "01"},
@@ -134,6 +136,8 @@ TEST(ControlMap, NotesWhereTheStackUsesAnotherBit)
              {"02 [other-bit]", kFlash, HEADSET "7504 9502 0920 0921 8102"},
              {"0101 [other-bit] [other-length]", kHookSwitch, "050c 0901 a101 8501 7501 9508 8101 c0 050b 0905 a101 8501 9501 0920 8102"},
              {"0101 [other-length]", kHookSwitch, HEADSET "8501 0920 8102 9507 8101 8501 9508 8101"},
+             {"01 [other-length]", kHookSwitch, HEADSET "0920 8102 c0 050c 0901 a101 8501 09e9 8102"},
+             {"0001 [other-length]", kRing, HEADSET "0508 0918 9102 c0 050c 0901 a101 8501 09e9 8102"},
              {"01 [other-report]", kHookSwitch, "050c 0901 a101 8503 7501 9508 8101 c0 050b 0905 a101 9501 0920 8102"},
              {"01 [other-usage]", kHookSwitch, HEADSET "050c 0920 8102"},
              {"01 [other-usage]", kFlash, HEADSET "0920 0921 8102"},
@@ -149,6 +153,18 @@ TEST(ControlMap, NotesWhereTheStackUsesAnotherBit)
 }
 
 // clang-format on
+
+// The stack cannot read a longer one from a device.
+TEST(ControlMap, HasNoControlsOfALongDescriptor)
+{
+    auto descriptor = bytesFromHex(HEADSET "0920 8102");
+    descriptor.resize(4096, 0xc0);
+    EXPECT_EQ(summary(mapOf(descriptor)[kHookSwitch]), "01");
+    descriptor.push_back(0xc0);
+    for (const ctl::Control& control : ctl::kControls)
+        EXPECT_EQ(summary(mapOf(descriptor)[control.id]), "descriptor-too-long");
+    EXPECT_FALSE(mapOf(descriptor).stackControls().hasHookSwitch);
+}
 
 // Random descriptors of the items that matter.
 TEST(ControlMap, KnowsWhereTheStackLooks)

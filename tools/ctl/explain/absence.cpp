@@ -32,8 +32,16 @@ AbsenceFinder::AbsenceFinder(std::span<const uint8_t> descriptor, const report::
         const bool isHeadset = collection.usage == kHeadsetUsage;
         surroundings_.push_back(
             isTop ? Surroundings{i, isHeadset} : surroundings_[collection.parent]);
+        // Collections before any Usage Page item are none for the stack.
+        if (stack_.collectionAt(collection.offset) && !isSeen(surroundings_.back().top))
+            surroundings_.back().top = i;
         surroundings_.back().inHeadset |= isHeadset;
     }
+}
+
+bool AbsenceFinder::isSeen(size_t collection) const
+{
+    return stack_.collectionAt(layout_.collections[collection].offset) != nullptr;
 }
 
 void AbsenceFinder::explain(const Control& control, ControlEntry& entry) const
@@ -58,16 +66,16 @@ void AbsenceFinder::explain(const Control& control, ControlEntry& entry) const
 AbsenceFinder::Reasons AbsenceFinder::reasonsFor(const Control& control, const Place& place) const
 {
     Reasons reasons;
-    if (place.field.isPadding())
-        reasons.push_back({"constant-field",
-            "Its field at " + offsetText(place.field.offset)
-                + " is constant: padding, which carries no data."});
     addKindReason(control, place, reasons);
     addCollectionReason(place, reasons);
     addUsageReason(place, reasons);
     addCountReason(place, reasons);
     if (reasons.empty())
         reasons.push_back(tooLong({place.field.kind, place.field.reportId}));
+    if (place.field.isPadding())
+        reasons.push_back({"constant-field",
+            "Its field at " + offsetText(place.field.offset)
+                + " is constant: padding, which carries no data."});
     return reasons;
 }
 
@@ -128,6 +136,11 @@ void AbsenceFinder::addHeadsetReason(const report::Collection& headset, Reasons&
             where
                 + " has an extended usage, which includes its page. Kelprobe compares it with "
                   "0x05 only."});
+    else if (seen && seen->page > 0xFFFF && (seen->page & 0xFFFF) == kTelephonyPage)
+        reasons.push_back({"page-value",
+            where
+                + " comes after a Usage Page item of four bytes whose upper half is not 0. "
+                  "Kelprobe does not take it for the Telephony page."});
     else if (!seen || seen->page != kTelephonyPage)
         reasons.push_back({"page-elsewhere",
             where

@@ -27,9 +27,12 @@ private:
 
     // What is around a collection, itself included.
     struct Surroundings {
-        size_t top;     // index of the top-level collection
+        size_t top;     // index of the top-level collection, for the stack if it sees one
         bool inHeadset; // one of them is a Headset
     };
+
+    // Whether the stack sees a top-level collection in it.
+    [[nodiscard]] bool isSeen(size_t collection) const;
 
     // Reasons in the order in which they are to be removed.
     using Reasons = std::vector<Remark>;

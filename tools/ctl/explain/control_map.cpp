@@ -41,6 +41,14 @@ Remark muteWithoutOffHook()
         "call. It has none for this device."};
 }
 
+Remark descriptorTooLong(size_t size)
+{
+    return {"descriptor-too-long",
+        "The descriptor has " + std::to_string(size) + " bytes. Kelprobe cannot read more than "
+            + std::to_string(kMaxReadableSize)
+            + " from a device, and then opens it without controls."};
+}
+
 // A Mute LED that becomes visible to the stack is still of no use without an Off-Hook LED.
 void addFurtherReason(const Stack& stack, ControlEntry& mute)
 {
@@ -54,6 +62,11 @@ void addFurtherReason(const Stack& stack, ControlEntry& mute)
 ControlMap::ControlMap(std::span<const uint8_t> descriptor, const report::Layout& layout,
     const report::UsageNames& names)
 {
+    if (descriptor.size() > kMaxReadableSize) {
+        for (ControlEntry& entry : entries_)
+            entry.reason = descriptorTooLong(descriptor.size());
+        return;
+    }
     KX::Root root;
     root.Parse(descriptor);
     controls_ = Stack::FromDescriptor(root);

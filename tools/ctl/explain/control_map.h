@@ -1,4 +1,5 @@
-// What the stack makes of each of the eight controls, and why it lacks those that it lacks. Pure.
+// What the stack makes of each of the eight controls of a device, and why it lacks those that it
+// lacks. Pure.
 #pragma once
 
 #include "hid/model/TelephonyControls.h"
@@ -11,6 +12,9 @@
 
 namespace ctl {
 
+// libusb refuses to read more of a device's report descriptor.
+inline constexpr size_t kMaxReadableSize = 4096;
+
 // A fixed word for programs and sentences for people. docs/kelprobectl-json.md lists the words.
 struct Remark {
     const char* word;
@@ -18,8 +22,8 @@ struct Remark {
 };
 
 struct ControlEntry {
-    // The stack's own mask or report, byte for byte. An input mask begins with the report id only
-    // if the device uses ids, an output report always (0 if it uses none).
+    // The stack's own mask or report, byte for byte. It begins with the report id. If there is none
+    // in the Headset collection, a mask has no byte for it, and an output report begins with 0.
     std::optional<KX::Bytes> report;
     uint8_t reportId = 0;         // of `report`, 0 if it has none
     std::optional<Remark> reason; // why there is no report; set exactly if there is none
@@ -31,7 +35,8 @@ struct ControlEntry {
 
 class ControlMap {
 public:
-    // `layout` is that of the descriptor. Takes any bytes.
+    // `layout` is that of the device, `descriptor` the one that the stack uses for it. Takes any
+    // bytes.
     ControlMap(std::span<const uint8_t> descriptor, const report::Layout& layout,
         const report::UsageNames& names);
 

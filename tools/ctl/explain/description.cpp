@@ -8,15 +8,13 @@
 namespace ctl {
 namespace {
 
-// libusb refuses to read more.
-constexpr size_t kMaxReadableSize = 4096;
-
 bool usesBuiltIn(const DescriptorOrigin& origin)
 {
     return origin.vendorId == KX::kBuiltInVendorId && origin.productId == KX::kBuiltInProductId;
 }
 
-// The descriptor that the stack uses for the device.
+} // namespace
+
 std::span<const uint8_t> stackDescriptor(const DescriptorOrigin& origin)
 {
     return usesBuiltIn(origin) ? std::span<const uint8_t>(KX::kBuiltInDescriptor) : origin.bytes;
@@ -39,8 +37,6 @@ std::vector<std::string> remarksOn(const DescriptorOrigin& origin)
     }
     return remarks;
 }
-
-} // namespace
 
 Description::Description(DescriptorOrigin from)
     : origin(std::move(from))

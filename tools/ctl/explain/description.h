@@ -23,6 +23,13 @@ struct DescriptorOrigin {
 [[nodiscard]] DescriptorOrigin findDescriptor(
     const std::optional<std::string>& choice, std::optional<size_t> number);
 
+// The descriptor that the stack uses for the device: one that is built in, or that of `origin`,
+// which must outlive the result.
+[[nodiscard]] std::span<const uint8_t> stackDescriptor(const DescriptorOrigin& origin);
+
+// What Kelprobe would do otherwise with the real device. Sentences.
+[[nodiscard]] std::vector<std::string> remarksOn(const DescriptorOrigin& origin);
+
 // The parts refer to each other, so that it can be neither copied nor moved.
 struct Description {
     explicit Description(DescriptorOrigin from);
@@ -35,7 +42,7 @@ struct Description {
     const report::Layout layout;
     const ControlMap controls;
     const std::vector<std::string> meeting;
-    const std::vector<std::string> remarks; // what Kelprobe would do otherwise with the real device
+    const std::vector<std::string> remarks; // remarksOn(origin)
 };
 
 } // namespace ctl

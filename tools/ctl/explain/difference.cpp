@@ -1,5 +1,6 @@
 #include "tools/ctl/explain/difference.h"
 
+#include "tools/ctl/explain/mask_match.h"
 #include "tools/ctl/explain/phrases.h"
 
 #include <algorithm>
@@ -10,9 +11,6 @@ namespace {
 
 using report::Layout;
 using report::ReportKind;
-
-// The stack's reader thread reads into a buffer of this size, hid/CKXHostStackStdHid.cpp.
-constexpr size_t kStackReadSize = 64;
 
 Remark noBit(ReportKind kind)
 {
@@ -30,11 +28,13 @@ Remark constantField(ReportKind kind)
             + " Kelprobe uses it all the same."};
 }
 
+// Sizes with the id, if there is one.
 Remark otherLength(Layout::ReportKey report, size_t stackSize, size_t deviceSize)
 {
     return {"other-length",
         "For Kelprobe, " + reportName(report) + " has " + counted(stackSize, "byte")
-            + " after the id instead of " + std::to_string(deviceSize) + ". "
+            + (report.id == 0 ? " without an id" : " with the id") + " instead of "
+            + std::to_string(deviceSize) + ". "
             + (report.kind == ReportKind::kInput
                     ? "A report of another length never matches."
                     : "The device may refuse the report or ignore a part of it.")};
@@ -99,7 +99,8 @@ void DifferenceFinder::addBitNotes(const Control& control, const ReportBit& bit,
             stack + ". The control is " + bitText(other->firstBit()) + '.'});
     else if (other != values.end())
         notes.push_back({"also-elsewhere",
-            "The control is also " + bitText(other->firstBit()) + ", which Kelprobe ignores."});
+            "The control is also " + bitText(other->firstBit()) + ". What Kelprobe uses is "
+                + bitText(bit) + '.'});
 }
 
 // For a field where the stack and the descriptor agree.
@@ -121,14 +122,12 @@ void DifferenceFinder::addFieldNotes(const report::Field& field, Notes& notes) c
 void DifferenceFinder::addLengthNotes(
     Layout::ReportKey report, const KX::Bytes& found, Notes& notes) const
 {
-    const auto bits = layout_.reportBits.find(report);
-    const size_t stackSize = found.size() - 1;
-    const size_t deviceSize = bits == layout_.reportBits.end() ? stackSize : (bits->second + 7) / 8;
+    const size_t stackSize = report.id == 0 ? found.size() - 1 : found.size();
+    const size_t deviceSize = layout_.wireSize(report).value_or(stackSize);
     if (deviceSize != stackSize)
         notes.push_back(otherLength(report, stackSize, deviceSize));
-    const size_t maskSize = stackSize + (report.id == 0 ? 0 : 1);
-    if (report.kind == ReportKind::kInput && maskSize > kStackReadSize)
-        notes.push_back(longReport(maskSize));
+    if (report.kind == ReportKind::kInput && stackSize > kStackReadSize)
+        notes.push_back(longReport(stackSize));
 }
 
 std::vector<FieldValue> DifferenceFinder::valuesOf(const Control& control) const
