@@ -1,4 +1,5 @@
 // kelprobectl describe as a process, with files and simulated devices.
+#include "hid/model/BuiltInDescriptor.h"
 #include "hid/model/DescriptorDump.h"
 #include "hid/model/Root.h"
 #include "tests/ctl/ctl_bus_test.h"
@@ -95,6 +96,8 @@ TEST_F(Describe, GivesJson)
         = value["collections"][report["fields"][1]["collection"].asUInt()];
     EXPECT_EQ(collection["usage"]["page"], 0x0b);
     EXPECT_EQ(collection["usage"]["id"], 0x05);
+    const Json::Value noPage = json(write("nopage.hex", "1900 2907 1500 2501 7501 9508 8102"));
+    EXPECT_EQ(noPage["reports"][0]["fields"][0]["usages"][0]["page"], 0);
 }
 
 // All formats are tested with their readers.
@@ -110,6 +113,8 @@ TEST_F(Describe, ChoosesADescriptorOfAFile)
         {"dump, bus 001, device 005, interface 003: 15 bytes", "Hook Switch     01\n"});
     expect(file + " --descriptor 3", 2, {"has no descriptor 3; choose one"});
     expect(file + " --descriptor 0", 2, {"has no descriptor 0; choose one"});
+    EXPECT_EQ(run("describe --descriptor -1 " + file), 2);
+    EXPECT_NE(err_.find("--descriptor: -1 is not a number from 1"), std::string::npos) << err_;
 }
 
 TEST_F(Describe, RefusesBadInput)
@@ -157,6 +162,12 @@ TEST_F(Describe, UsesTheBuiltInDescriptorAsTheStackDoes)
     EXPECT_EQ(value["controls"]["hookSwitch"]["report"], "030100");
     EXPECT_EQ(value["controls"]["hookSwitch"]["notes"][0]["word"], "other-report");
     EXPECT_NE(value["source"]["remarks"][0].asString().find("different"), std::string::npos);
+    EXPECT_NE(value["meeting"][1].asString().find("never recognises"), std::string::npos);
+    expect("--tree", 0, {});
+    KX::Root root;
+    root.Parse(KX::kBuiltInDescriptor);
+    EXPECT_EQ(out_, KX::DescriptorText(root, KX::kBuiltInDescriptor));
+    EXPECT_NE(err_.find("kelprobectl: Kelprobe does not read the descriptor"), std::string::npos);
 }
 
 } // namespace

@@ -57,11 +57,20 @@ void print(const Description& description, const Options& options)
 
 void printTree(const DescriptorOrigin& origin)
 {
+    for (const std::string& remark : remarksOn(origin))
+        Output::err().line("kelprobectl: " + remark);
+    const std::span<const uint8_t> descriptor = stackDescriptor(origin);
     KX::Root root;
-    root.Parse(origin.bytes);
-    KX::DumpDescriptor(root, origin.bytes);
+    root.Parse(descriptor);
+    KX::DumpDescriptor(root, descriptor);
     if (std::ferror(stdout))
         throw Failure(kNoAccess, "standard output cannot be written");
+}
+
+// Reading a negative number as an unsigned one would give a large number. Returns what is wrong.
+std::string findNegative(const std::string& number)
+{
+    return number.starts_with('-') ? number + " is not a number from 1" : "";
 }
 
 int describe(const Options& options)
@@ -92,8 +101,10 @@ void addDescribeCommand(CLI::App& app, Run& run)
     command.add_option("DEVICE|FILE", options->choice,
         "A device as vvvv:pppp, path or number of the list, or a file; without it the only "
         "telephony device");
-    command.add_option(
-        "--descriptor", options->descriptor, "Which descriptor of a file with several, from 1");
+    command
+        .add_option(
+            "--descriptor", options->descriptor, "Which descriptor of a file with several, from 1")
+        ->check(findNegative);
     command.add_flag("--items", options->items, "Print the items only");
     command.add_flag("--layout", options->layout, "Print the layout of the reports only");
     command.add_flag("--controls", options->controls, "Print the controls only");

@@ -51,8 +51,6 @@ Json::Value itemsJson(const Description& description)
 
 Json::Value usageJson(report::Usage usage, const report::UsageNames& names)
 {
-    if (usage == report::Usage{})
-        return {};
     Json::Value json;
     json["page"] = unsignedNumber(usage.page);
     json["id"] = unsignedNumber(usage.id);
@@ -67,7 +65,8 @@ Json::Value collectionsJson(const Description& description)
         Json::Value json;
         json["offset"] = unsignedNumber(collection.offset);
         json["type"] = unsignedNumber(collection.type);
-        json["usage"] = usageJson(collection.usage, description.names);
+        const bool isNamed = collection.usage != report::Usage{};
+        json["usage"] = isNamed ? usageJson(collection.usage, description.names) : Json::Value();
         const bool isTop = collection.parent == report::Collection::kNone;
         json["parent"] = isTop ? Json::Value() : unsignedNumber(collection.parent);
         list.append(json);
