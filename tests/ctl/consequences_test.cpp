@@ -197,6 +197,8 @@ TEST(Consequences, SayWhatMatches)
                 "offhook ring 0301", "off-hook 0200 "},
             {"050b 0905 a101 8501 7501 9508 8103 7500 9501 0920 8102 7501 9508 8502 8103 9501" RING,
                 "every Input report 1 answers it", "ring 0100", "off-hook 0200 "},
+            {HEADSET "0920 8102 0507 0918 9102",
+                "about the Ring LED is about the bit that Kelprobe takes for it", "ring", "0001 "},
             {WITH_ID "9502 0508 0909 0920 9102 8502 9501" OFF_HOOK,
                 "shares a report with the Hold LED", "offhook mute hangup", "0200 0100 "},
         }) {

@@ -90,6 +90,8 @@ TEST(ControlMap, GivesTheReasonWhoseRepairHelps)
 {
     for (const auto& [reasons, control, descriptor, repaired, then] : {
              ReasonCase{"absent", kHookSwitch, HEADSET "0921 8102", HEADSET "0921 8102 0920 8102", "02"},
+             {"delimiter-alternative", kFlash, HEADSET "a901 0920 0921 092f a900 8102", HEADSET "0921 8102", "01"},
+             {"delimiter-alternative", kFlash, HEADSET "a901 0920 0b21000b00 a900 8102", HEADSET "0921 8102", "01"},
              {"feature-report", kHookSwitch, HEADSET "0920 b102", HEADSET "0920 8102", "01"},
              {"wrong-direction", kHookSwitch, HEADSET "0920 9102", HEADSET "0920 8102", "01"},
              {"wrong-direction", kRing, HEADSET "0508 0918 8102", HEADSET "0508 0918 9102", "0001"},

@@ -17,6 +17,31 @@ std::optional<size_t> findLongItem(std::span<const uint8_t> descriptor)
     return found == items.end() ? std::nullopt : std::optional(found->offset);
 }
 
+// The usages that are not the first of a set between delimiters, which count for no field.
+std::vector<report::UsageRange> findAlternatives(std::span<const uint8_t> descriptor)
+{
+    std::vector<report::UsageRange> found;
+    uint32_t page = 0;
+    bool isInSet = false;
+    bool isFirst = false;
+    for (const report::Item& item : report::splitItems(descriptor)) {
+        if (item.tag == report::ItemTag::kUsagePage) {
+            page = item.value;
+        } else if (item.tag == report::ItemTag::kDelimiter) {
+            isInSet = isFirst = item.value == 1;
+        } else if (item.tag == report::ItemTag::kUsage && isInSet) {
+            const auto id = static_cast<uint16_t>(item.value);
+            const uint32_t itsPage = item.data.size() == 4 ? item.value >> 16 : page;
+            if (!isFirst)
+                found.push_back({.minimum = {static_cast<uint16_t>(itsPage), id},
+                    .maximum = id,
+                    .offset = item.offset});
+            isFirst = false;
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 AbsenceFinder::AbsenceFinder(std::span<const uint8_t> descriptor, const report::Layout& layout,
@@ -25,6 +50,7 @@ AbsenceFinder::AbsenceFinder(std::span<const uint8_t> descriptor, const report::
     , names_(names)
     , stack_(readAsStack(descriptor))
     , longItem_(findLongItem(descriptor))
+    , alternatives_(findAlternatives(descriptor))
 {
     for (size_t i = 0; i < layout.collections.size(); ++i) {
         const report::Collection& collection = layout.collections[i];
@@ -57,10 +83,22 @@ void AbsenceFinder::explain(const Control& control, ControlEntry& entry) const
         }
     }
     if (fewest.empty())
-        fewest.push_back({"absent", "Not in the descriptor."});
+        fewest.push_back(notInFields(control));
     entry.reason = std::move(fewest.front());
     fewest.erase(fewest.begin());
     entry.furtherReasons = std::move(fewest);
+}
+
+Remark AbsenceFinder::notInFields(const Control& control) const
+{
+    const auto found = std::ranges::find(
+        alternatives_, control.usage, [](const auto& usage) { return usage.minimum; });
+    if (found == alternatives_.end())
+        return {"absent", "Not in the descriptor."};
+    return {"delimiter-alternative",
+        "Its usage at " + offsetText(found->offset)
+            + " is not the first one between two delimiters. It is an alternative name of the "
+              "first one."};
 }
 
 AbsenceFinder::Reasons AbsenceFinder::reasonsFor(const Control& control, const Place& place) const

@@ -44,6 +44,7 @@ private:
     void addUsageReason(const Place& place, Reasons& reasons) const;
     void addCountReason(const Place& place, Reasons& reasons) const;
     [[nodiscard]] const StackField* findField(const report::Field& field) const;
+    [[nodiscard]] Remark notInFields(const Control& control) const;
     [[nodiscard]] std::string nameOf(const report::Collection& collection) const;
 
     const report::Layout& layout_;
@@ -51,6 +52,7 @@ private:
     const StackReading stack_;
     std::vector<Surroundings> surroundings_; // of each collection of the layout
     std::optional<size_t> longItem_;         // offset of the first one
+    std::vector<report::UsageRange> alternatives_;
 };
 
 } // namespace ctl

@@ -16,7 +16,7 @@ using report::ReportKind;
 
 constexpr size_t kMaxListedIds = 8;
 
-// Notes on a button whose mask has another bit than the button's.
+// Notes on a control whose mask or report has another bit than the control's.
 constexpr std::array<std::string_view, 4> kOtherBitNotes{
     "array-field", "other-bit", "other-report", "other-usage"};
 
@@ -47,6 +47,7 @@ public:
         if (controls_.hasHoldLed)
             add("The Hold LED is never lit, because a meeting of Kelprobe is never on hold.");
         addMistakenReports();
+        addOtherLeds();
         return std::move(sentences_);
     }
 
@@ -270,6 +271,19 @@ private:
             mistakes.push_back(contentText(value, names_) + " is taken for " + nameOf(button));
     }
 
+    // LEDs whose report has another bit than the LED's.
+    void addOtherLeds()
+    {
+        std::vector<std::string> leds;
+        for (const Control& control : kControls)
+            if (!isButton(control) && map_[control.id].report && hasOtherBit(map_[control.id]))
+                leds.emplace_back(control.name);
+        if (!leds.empty())
+            add("What is said here about the " + listed(leds) + " is about the "
+                + (leds.size() == 1 ? "bit that Kelprobe takes for it."
+                                    : "bits that Kelprobe takes for them."));
+    }
+
     using Buttons = std::vector<ControlId>;
 
     static bool isButton(const Control& control) { return control.kind == ReportKind::kInput; }
@@ -325,10 +339,14 @@ private:
     bool isRealBit(ControlId button) const
     {
         const ControlEntry& entry = map_[button];
-        return hasBit(button) && ownId(button) == entry.reportId
-            && std::ranges::none_of(entry.notes, [](const Remark& note) {
-                   return std::ranges::count(kOtherBitNotes, std::string_view(note.word)) > 0;
-               });
+        return hasBit(button) && ownId(button) == entry.reportId && !hasOtherBit(entry);
+    }
+
+    static bool hasOtherBit(const ControlEntry& entry)
+    {
+        return std::ranges::any_of(entry.notes, [](const Remark& note) {
+            return std::ranges::count(kOtherBitNotes, std::string_view(note.word)) > 0;
+        });
     }
 
     // "the bits of both Flash and Hook Switch", "the bit that Kelprobe takes for Hook Switch".
