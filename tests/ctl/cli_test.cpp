@@ -3,6 +3,7 @@
 #include "tools/ctl/cli/command_model.h"
 #include "tools/ctl/cli/output_file.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>

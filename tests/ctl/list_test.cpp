@@ -1,6 +1,6 @@
 // kelprobectl list, and the choice of a device.
 #include "tests/ctl/ctl_bus_test.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/device_list.h"
 
 #include <hidapi/hidapi.h>

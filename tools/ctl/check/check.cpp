@@ -2,6 +2,8 @@
 
 #include "tools/ctl/check/check_run.h"
 
+#include <CLI/CLI.hpp>
+
 namespace ctl {
 namespace {
 

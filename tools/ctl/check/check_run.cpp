@@ -8,7 +8,7 @@
 #include "tools/ctl/check/person.h"
 #include "tools/ctl/check/recorded_operator.h"
 #include "tools/ctl/check/tap.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/cli/output.h"
 #include "tools/ctl/traffic/report_text.h"
 #include "tools/ctl/usb/device_words.h"

@@ -3,6 +3,7 @@
 #include "tools/ctl/cli/output.h"
 #include "tools/text/suggestion.h"
 
+#include <CLI/CLI.hpp>
 #include <csignal>
 #include <sstream>
 

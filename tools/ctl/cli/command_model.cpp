@@ -1,5 +1,7 @@
 #include "tools/ctl/cli/command_model.h"
 
+#include <CLI/CLI.hpp>
+
 namespace ctl {
 namespace {
 

@@ -1,6 +1,6 @@
 #include "tools/ctl/cli/output_file.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <cerrno>
 #include <cstdio>

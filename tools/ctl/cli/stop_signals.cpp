@@ -1,7 +1,7 @@
 #include "tools/ctl/cli/stop_signals.h"
 
 #include "base/src/util/stop_signals.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <array>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "tools/ctl/convert/capture_file.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <algorithm>
 #include <cerrno>

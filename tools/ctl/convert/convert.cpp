@@ -5,6 +5,7 @@
 #include "tools/ctl/convert/capture_file.h"
 #include "tools/text/printable.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace ctl {

@@ -7,6 +7,7 @@
 #include "tools/ctl/explain/description_text.h"
 #include "tools/ctl/explain/phrases.h"
 
+#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <cstdio>

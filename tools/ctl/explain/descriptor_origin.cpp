@@ -1,5 +1,5 @@
 #include "report/descriptor_source.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/explain/description.h"
 #include "tools/ctl/explain/phrases.h"
 #include "tools/ctl/usb/device_words.h"

@@ -2,6 +2,7 @@
 
 #include "tools/ctl/meeting/meeting_console.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace ctl {

@@ -1,6 +1,6 @@
 #include "tools/ctl/meeting/meeting_console.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/cli/output.h"
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"

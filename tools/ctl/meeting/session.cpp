@@ -1,7 +1,7 @@
 #include "tools/ctl/meeting/session.h"
 
 #include "app/logrecorder.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/traffic/failure_words.h"
 #include "tools/ctl/usb/device_words.h"
 

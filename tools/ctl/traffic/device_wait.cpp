@@ -1,6 +1,6 @@
 #include "tools/ctl/traffic/device_wait.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/cli/output.h"
 #include "tools/ctl/usb/device_scan.h"
 #include "tools/ctl/usb/hotplug.h"

@@ -1,7 +1,7 @@
 // A device that a command has opened, with the reasons of failures.
 #pragma once
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/device_list.h"
 #include "tools/ctl/usb/usb_handles.h"
 

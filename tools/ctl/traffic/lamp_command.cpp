@@ -7,6 +7,7 @@
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <chrono>

@@ -4,6 +4,8 @@
 #include "tools/ctl/traffic/monitor.h"
 #include "tools/ctl/usb/device_words.h"
 
+#include <CLI/CLI.hpp>
+
 namespace ctl {
 namespace {
 

@@ -4,6 +4,8 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
+#include <CLI/CLI.hpp>
+
 namespace ctl {
 namespace {
 

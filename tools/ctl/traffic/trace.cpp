@@ -1,6 +1,6 @@
 #include "tools/ctl/traffic/trace.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 namespace ctl {
 namespace {

@@ -7,6 +7,7 @@
 #include "tools/preload/preload_library.h"
 #include "tools/text/printable.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace ctl {

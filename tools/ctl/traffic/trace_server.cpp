@@ -1,7 +1,7 @@
 #include "tools/ctl/traffic/trace_server.h"
 
 #include "tools/ctl/calls/trace_message.h"
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <algorithm>
 #include <cerrno>

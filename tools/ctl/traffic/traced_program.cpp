@@ -1,6 +1,6 @@
 #include "tools/ctl/traffic/traced_program.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "tools/ctl/usb/device_scan.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/collection_pages.h"
 #include "tools/ctl/usb/interface_check.h"
 #include "tools/ctl/usb/signal_hold.h"

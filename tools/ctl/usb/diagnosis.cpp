@@ -1,6 +1,6 @@
 #include "tools/ctl/usb/diagnosis.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/device_choice.h"
 #include "tools/ctl/usb/device_findings.h"
 #include "tools/ctl/usb/system_findings.h"

@@ -6,6 +6,7 @@
 #include "tools/ctl/usb/udev_rule.h"
 #include "tools/text/printable.h"
 
+#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "tools/ctl/usb/hotplug.h"
 
-#include "tools/ctl/cli/command.h"
+#include "tools/ctl/cli/failure.h"
 
 #include <algorithm>
 #include <cstdlib>

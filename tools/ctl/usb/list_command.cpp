@@ -7,6 +7,7 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
+#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <algorithm>
