@@ -305,6 +305,7 @@ private:
         if (ids.size() == 1)
             return reportName({ReportKind::kInput, ids.front()});
         std::vector<std::string> words;
+        words.reserve(ids.size());
         for (const uint8_t id : ids)
             words.push_back(std::to_string(id));
         return "Input reports " + listed(words);
