@@ -6,6 +6,7 @@
 #include "tools/ctl/usb/hotplug.h"
 
 #include <chrono>
+#include <utility>
 
 namespace ctl {
 namespace {
