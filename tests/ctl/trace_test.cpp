@@ -4,7 +4,6 @@
 
 #include <json/json.h>
 
-#include <regex>
 #include <sstream>
 
 namespace {
@@ -22,9 +21,16 @@ protected:
     // The trace on standard error without the times and the numbers of processes.
     std::string trace() const
     {
-        const std::string lines
-            = std::regex_replace(err_, std::regex("(^|\n) *[0-9]+\\.[0-9]{3}  "), "$1");
-        return std::regex_replace(lines, std::regex("\\[[0-9]+ "), "[PID ");
+        constexpr size_t kTimeWidth = 11;
+        std::string text;
+        std::istringstream lines(err_);
+        for (std::string line; std::getline(lines, line);) {
+            line.erase(0, kTimeWidth);
+            if (line.starts_with('['))
+                line.replace(1, line.find(' ') - 1, "PID");
+            text += line + '\n';
+        }
+        return text;
     }
 
     static constexpr const char* kClient = SIM_CLIENT " ";
