@@ -84,7 +84,7 @@ TEST_F(Doctor, NamesEachKindOfFinding)
 
     const std::string hid = sysDirectory(device) + device.hidPath() + "/0003:1209:0001.0001";
     fs::create_directories(hid + "/hidraw/hidraw7");
-    std::ofstream(busDirectory() + "/dev/hidraw7");
+    std::ofstream(busDirectory() + "/dev/hidraw7") << "";
     device.setOpenable(false);
     EXPECT_EQ(findings(device), "no-permission:problem hidraw:note ");
     device.setOpenable(true);
