@@ -25,8 +25,8 @@ EventLoop::EventLoop()
         &wakeUp_, &QSocketNotifier::activated, &wakeUp_, [this] { wakeUp_.setEnabled(false); });
 }
 
-bool EventLoop::waitUntil(const Journal& journal, const Condition& condition,
-    std::optional<std::chrono::milliseconds> limit)
+bool EventLoop::waitUntil(
+    Journal& journal, const Condition& condition, std::optional<std::chrono::milliseconds> limit)
 {
     const QDeadlineTimer deadline = limit ? QDeadlineTimer(*limit) : QDeadlineTimer::Forever;
     QTimer timer; // wakes the loop
@@ -34,6 +34,7 @@ bool EventLoop::waitUntil(const Journal& journal, const Condition& condition,
     if (limit)
         timer.start(kTurn);
     for (;;) {
+        journal.deliver();
         journal.check();
         if (signals_.stopped())
             throw Stopped();

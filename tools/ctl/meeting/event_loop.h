@@ -25,10 +25,10 @@ public:
     // Throws Failure.
     EventLoop();
 
-    // Processes events until the condition is true. Checks it first, then after every event, and
-    // every 10 ms if there is a limit. False after the limit. Throws Stopped, and what the
-    // condition and the journal's listener threw.
-    bool waitUntil(const Journal& journal, const Condition& condition,
+    // Processes events and delivers the journal's entries until the condition is true. Checks it
+    // first, then after every event, and every 10 ms if there is a limit. False after the limit.
+    // Throws Stopped, and what the condition and the journal's listener threw.
+    bool waitUntil(Journal& journal, const Condition& condition,
         std::optional<std::chrono::milliseconds> limit = std::nullopt);
 
 private:

@@ -2,8 +2,7 @@
 
 #include "tools/ctl/calls/hid_calls.h"
 
-#include <QCoreApplication>
-#include <QThread>
+#include <QAbstractEventDispatcher>
 
 #include <atomic>
 #include <cassert>
@@ -62,8 +61,11 @@ bool isEvent(Entry::Kind kind)
 }
 
 Journal::Journal(Listener listener)
-    : listener_(std::move(listener))
+    : thread_(std::this_thread::get_id())
+    , dispatcher_(QAbstractEventDispatcher::instance())
+    , listener_(std::move(listener))
 {
+    assert(dispatcher_);
     [[maybe_unused]] const Journal* const other = current.exchange(this);
     assert(!other);
     hid_calls_observe(observe);
@@ -103,10 +105,10 @@ void Journal::add(Entry entry)
         }
         pending_.push_back(std::move(entry));
     }
-    if (QThread::currentThread() == thread())
+    if (std::this_thread::get_id() == thread_)
         deliver();
     else
-        QMetaObject::invokeMethod(this, &Journal::deliver, Qt::QueuedConnection);
+        dispatcher_->wakeUp();
 }
 
 void Journal::deliver()

@@ -4,14 +4,15 @@
 
 #include "report/bytes.h"
 
-#include <QObject>
-
 #include <chrono>
 #include <exception>
 #include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
+
+class QAbstractEventDispatcher;
 
 namespace ctl {
 
@@ -44,20 +45,22 @@ struct Entry {
 
 // Observes the calls of the process to hidapi while it exists, so there is at most one. Belongs to
 // the thread of the application object.
-class Journal : public QObject {
+class Journal {
 public:
     using Listener = std::function<void(const Entry&)>;
 
     // The listener gets every entry, in order, on the journal's thread. After it has thrown an
     // exception it gets no more.
     explicit Journal(Listener listener);
-    ~Journal() override;
+    ~Journal();
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
 
-    // Any thread. The entries of other threads are delivered by the event loop, or by the next
-    // entry of the journal's own thread. Does not throw.
+    // Any thread. The entries of other threads wake the event loop. They are delivered by
+    // deliver(), or with the next entry of the journal's own thread. Does not throw.
     void add(Entry entry);
 
-    // Delivers what other threads have added. Does not throw.
+    // Delivers what other threads have added, which EventLoop does on each turn. Does not throw.
     void deliver();
 
     // Throws what the listener threw. To be called from outside the event loop.
@@ -69,6 +72,8 @@ public:
     [[nodiscard]] int openError() const;
 
 private:
+    const std::thread::id thread_;
+    QAbstractEventDispatcher* const dispatcher_; // of this thread; the application owns it
     const Listener listener_;
     std::exception_ptr failure_;
 
