@@ -107,7 +107,7 @@ bool Tester::settled(size_t moment) const
         return true;
     const auto received = since(moment, Kind::kReceived);
     return !received.empty()
-        && std::chrono::steady_clock::now() - received.back().arrival > times_.settle();
+        && std::chrono::steady_clock::now() - received.back().arrival > times_.pause();
 }
 
 // `reaction` is how long the device may take for its reaction after the operator was done.

@@ -8,6 +8,7 @@
 #include "tools/ctl/meeting/event_loop.h"
 #include "tools/ctl/meeting/session.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,6 +32,8 @@ struct CheckTimes {
     Milliseconds replug{10'000}; // until the device can be opened after it was plugged in
 
     [[nodiscard]] Milliseconds settle() const { return silence / 4; }
+    // After a report without an event: the event may come late on a busy machine.
+    [[nodiscard]] Milliseconds pause() const { return std::max(settle(), Milliseconds(250)); }
 };
 
 // What came of one action.
