@@ -6,12 +6,6 @@
 #include <utility>
 
 namespace ctl {
-namespace {
-
-// For the function that makes a host, which has no argument for it.
-RecordedDevice* current = nullptr;
-
-} // namespace
 
 // As CKXHostHidImp, with the state machine in place of a stack.
 class RecordedHost final : public IKXHost, private KX::TelephonyStateMachine::Output {
@@ -72,42 +66,26 @@ private:
     KX::TelephonyStateMachine machine_{*this};
 };
 
-namespace {
-
-// The controller of the window, on a host of our own.
-class RecordedController final : public HidController {
-public:
-    RecordedController()
-    {
-        m_createHost = [](IKXHostCallback* callback) -> IKXHost* {
-            return new RecordedHost(*callback, *current);
-        };
-        m_destroyHost = [](IKXHost* host) { delete static_cast<RecordedHost*>(host); };
-    }
-};
-
-} // namespace
-
 RecordedDevice::RecordedDevice(KX::TelephonyControls controls)
     : controls_(std::move(controls))
 {
-    assert(!current);
-    current = this;
 }
 
 RecordedDevice::~RecordedDevice()
 {
     assert(!host_);
-    current = nullptr;
 }
 
 std::unique_ptr<Session> RecordedDevice::open(Journal& journal)
 {
     assert(!host_);
     journal_ = &journal;
-    auto controller = std::make_unique<RecordedController>();
-    controller_ = controller.get();
-    return std::make_unique<Session>(journal, std::move(controller), QStringLiteral("recording"));
+    const HostFunctions functions{
+        .create = [this](IKXHostCallback* callback) { return new RecordedHost(*callback, *this); },
+        .destroy = [](IKXHost* host) { delete static_cast<RecordedHost*>(host); }};
+    auto session = std::make_unique<Session>(journal, functions, QStringLiteral("recording"));
+    controller_ = &session->meeting();
+    return session;
 }
 
 void RecordedDevice::receive(const report::Bytes& report)

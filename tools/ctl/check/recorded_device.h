@@ -12,7 +12,7 @@ namespace ctl {
 class RecordedHost;
 
 // The stack's own decisions about reports, and the window's own meeting. There is no device to take
-// output reports, no reader thread and no time. A process has at most one.
+// output reports, no reader thread and no time.
 class RecordedDevice {
 public:
     explicit RecordedDevice(KX::TelephonyControls controls);

@@ -5,6 +5,8 @@
 #include "tools/ctl/traffic/failure_words.h"
 #include "tools/ctl/usb/device_words.h"
 
+#include <utility>
+
 namespace ctl {
 namespace {
 
@@ -34,40 +36,23 @@ void requireUsable(const DeviceEntry& device)
 }
 
 Session::Session(Journal& journal, const DeviceEntry& device)
-    : controller_(std::make_unique<HidController>())
+    : Session(journal, HostFunctions(), keyOf(device))
 {
-    observe(journal);
-    controller_->selectDevice(keyOf(device));
     if (!journal.isOpen())
         throw Failure(
             kNoAccess, idsText(device) + " cannot be opened: " + openFailure(journal, device));
 }
 
-Session::Session(Journal& journal, std::unique_ptr<HidController> controller, const QString& id)
-    : controller_(std::move(controller))
+Session::Session(Journal& journal, HostFunctions functions, const QString& id)
+    : tap_(journal, std::move(functions))
+    , controller_(tap_.makeController())
 {
-    observe(journal);
-    controller_->selectDevice(id);
-}
-
-void Session::observe(Journal& journal)
-{
-    using Kind = Entry::Kind;
-    const auto onCommand = [&journal](KXCommand command) {
-        journal.add({.kind = command == KXCommand::Accept ? Kind::kAccept : Kind::kReject});
-    };
-    const auto onState = [&journal](KXState, int muted) {
-        journal.add({.kind = muted ? Kind::kMute : Kind::kUnmute});
-    };
     const QStringListModel* const log = LogRecorder::instance().logListModel();
-    const auto onLine = [&journal, log](const QModelIndex& row) {
-        journal.add({.kind = Kind::kLog, .text = log->data(row).toString().toStdString()});
+    const auto addLine = [&journal, log](const QModelIndex& row) {
+        journal.add({.kind = Entry::Kind::kLog, .text = log->data(row).toString().toStdString()});
     };
-    QObject::connect(controller_.get(), &HidController::sig_OnCommandChanged, &context_, onCommand,
-        Qt::DirectConnection);
-    QObject::connect(controller_.get(), &HidController::sig_OnStateChanged, &context_, onState,
-        Qt::DirectConnection);
-    QObject::connect(log, &QStringListModel::dataChanged, &context_, onLine, Qt::DirectConnection);
+    QObject::connect(log, &QStringListModel::dataChanged, &context_, addLine, Qt::DirectConnection);
+    controller_->selectDevice(id);
 }
 
 } // namespace ctl

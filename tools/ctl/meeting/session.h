@@ -1,8 +1,7 @@
 // A meeting on one device, as the window plays it.
 #pragma once
 
-#include "app/hidcontroller.h"
-#include "tools/ctl/meeting/journal.h"
+#include "tools/ctl/meeting/event_tap.h"
 #include "tools/ctl/usb/device_list.h"
 
 #include <memory>
@@ -13,16 +12,16 @@ namespace ctl {
 // ids comes first.
 void requireUsable(const DeviceEntry& device);
 
-// Owns a controller. Its events and log lines become entries of the journal, at the time when they
-// happen: events on the host's reader thread.
+// Owns a controller. Its events and log lines become entries of the journal when they happen:
+// events on the host's reader thread. One at a time in a process.
 class Session {
 public:
     // Opens the device. Blocks as HidController::selectDevice() does. Throws Failure with the
     // reason if the device cannot be opened.
     Session(Journal& journal, const DeviceEntry& device);
 
-    // The same with a controller that makes a host of its own. Does not fail.
-    Session(Journal& journal, std::unique_ptr<HidController> controller, const QString& id);
+    // The same with other hosts. Does not fail.
+    Session(Journal& journal, HostFunctions functions, const QString& id);
 
     // Sets the device on-hook and closes it, which blocks.
     ~Session() = default;
@@ -32,11 +31,10 @@ public:
     [[nodiscard]] HidController& meeting() { return *controller_; }
 
 private:
-    void observe(Journal& journal);
-
-    QObject
-        context_; // of the connections: what the controller's destructor causes is observed, too
-    std::unique_ptr<HidController> controller_;
+    // The first two outlive the controller, so that what its destructor causes is observed, too.
+    QObject context_; // of the connection to the log
+    EventTap tap_;
+    const std::unique_ptr<HidController> controller_;
 };
 
 } // namespace ctl

@@ -1,0 +1,60 @@
+#include "tools/ctl/meeting/event_tap.h"
+
+#include <cassert>
+#include <utility>
+
+namespace ctl {
+namespace {
+
+EventTap* current = nullptr; // for the function that makes a host: it has no argument for a tap
+
+} // namespace
+
+class EventTap::Controller final : public HidController {
+public:
+    Controller()
+    {
+        m_createHost = EventTap::createHost;
+        m_destroyHost = current->functions_.destroy;
+    }
+};
+
+EventTap::EventTap(Journal& journal, HostFunctions functions)
+    : journal_(journal)
+    , functions_(std::move(functions))
+{
+    assert(!current);
+    current = this;
+}
+
+EventTap::~EventTap()
+{
+    current = nullptr;
+}
+
+std::unique_ptr<HidController> EventTap::makeController()
+{
+    return std::make_unique<Controller>();
+}
+
+IKXHost* EventTap::createHost(IKXHostCallback* callback)
+{
+    current->controller_ = callback;
+    return current->functions_.create(current);
+}
+
+void EventTap::OnCommand(KXCommand command, void* reserved)
+{
+    using Kind = Entry::Kind;
+    journal_.add({.kind = command == KXCommand::Accept ? Kind::kAccept : Kind::kReject});
+    controller_->OnCommand(command, reserved);
+}
+
+void EventTap::OnState(KXState state, const uint8_t* value)
+{
+    using Kind = Entry::Kind;
+    journal_.add({.kind = *value ? Kind::kMute : Kind::kUnmute}); // the only state that it sends
+    controller_->OnState(state, value);
+}
+
+} // namespace ctl
