@@ -1,7 +1,7 @@
 // The readers of all descriptor formats. Input: the content of a file.
 #include "fuzz/error_place.h"
-#include "report/descriptor_source.h"
-#include "report/recording.h"
+#include "report/format/descriptor_source.h"
+#include "report/format/recording.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // A recording, read, written and read again. Input: its text.
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "fuzz/error_place.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "sim/device/profiles.h"
 
-#include "report/descriptor_file.h"
+#include "report/format/descriptor_file.h"
 
 #include <algorithm>
 #include <cstdlib>

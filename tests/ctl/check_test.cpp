@@ -1,6 +1,6 @@
 // kelprobectl check as a process, on the simulated bus of this one: a right device passes, and of
 // each wrong device the fault is named.
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "tests/ctl/ctl_bus_test.h"
 #include "tests/ctl/pressed_device.h"
 

@@ -1,6 +1,6 @@
 // kelprobectl doctor.
 #include "tests/ctl/ctl_bus_test.h"
-#include "tools/ctl/usb/udev_rule.h"
+#include "tools/ctl/doctor/udev_rule.h"
 
 #include <hidapi/hidapi.h>
 #include <json/json.h>

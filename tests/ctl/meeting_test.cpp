@@ -1,5 +1,5 @@
 // kelprobectl meeting as a process, on the simulated bus of this one.
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "tests/ctl/ctl_bus_test.h"
 #include "tests/ctl/pressed_device.h"
 

@@ -1,5 +1,5 @@
 // kelprobectl monitor as a process.
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "tests/ctl/ctl_bus_test.h"
 #include "tools/ctl/traffic/recording_file.h"
 

@@ -1,6 +1,6 @@
 // kelprobectl lamp and send as processes, and the reports that switch lamps.
 #include "tests/ctl/ctl_bus_test.h"
-#include "tools/ctl/traffic/hidraw.h"
+#include "tools/ctl/trace/hidraw.h"
 #include "tools/ctl/traffic/lamp_report.h"
 
 namespace {

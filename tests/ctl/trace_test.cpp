@@ -1,5 +1,5 @@
 // kelprobectl trace as a process.
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "tests/ctl/ctl_bus_test.h"
 
 #include <json/json.h>

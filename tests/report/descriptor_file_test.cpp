@@ -1,4 +1,4 @@
-#include "report/descriptor_file.h"
+#include "report/format/descriptor_file.h"
 #include "tests/support/device_file.h"
 #include "tests/support/temp_directory.h"
 

@@ -1,5 +1,5 @@
-#include "report/descriptor_source.h"
-#include "report/recording.h"
+#include "report/format/descriptor_source.h"
+#include "report/format/recording.h"
 #include "tests/support/temp_directory.h"
 
 #include <array>

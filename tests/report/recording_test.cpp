@@ -1,4 +1,4 @@
-#include "report/recording.h"
+#include "report/format/recording.h"
 
 #include <gtest/gtest.h>
 

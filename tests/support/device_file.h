@@ -1,7 +1,7 @@
 // Report descriptors for tests: of devices on the market, and given as text.
 #pragma once
 
-#include "report/descriptor_file.h"
+#include "report/format/descriptor_file.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -3,13 +3,13 @@
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/convert/convert.h"
+#include "tools/ctl/doctor/doctor_command.h"
 #include "tools/ctl/explain/describe_command.h"
 #include "tools/ctl/meeting/meeting.h"
+#include "tools/ctl/trace/trace_command.h"
 #include "tools/ctl/traffic/lamp_command.h"
 #include "tools/ctl/traffic/monitor_command.h"
 #include "tools/ctl/traffic/send_command.h"
-#include "tools/ctl/traffic/trace_command.h"
-#include "tools/ctl/usb/doctor_command.h"
 #include "tools/ctl/usb/list_command.h"
 
 #include <array>

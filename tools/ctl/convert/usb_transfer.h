@@ -1,7 +1,7 @@
 // The USB transfers that a recording stands for. Pure.
 #pragma once
 
-#include "report/recording.h"
+#include "report/format/recording.h"
 
 namespace ctl {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "report/annotation.h"
-#include "report/descriptor_file.h"
+#include "report/format/descriptor_file.h"
 #include "tools/ctl/explain/control_map.h"
 #include "tools/ctl/usb/device_list.h"
 

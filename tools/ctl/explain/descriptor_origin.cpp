@@ -1,4 +1,4 @@
-#include "report/descriptor_source.h"
+#include "report/format/descriptor_source.h"
 #include "tools/ctl/cli/failure.h"
 #include "tools/ctl/explain/description.h"
 #include "tools/ctl/explain/phrases.h"

@@ -1,7 +1,7 @@
 // A recording that is written as the reports arrive.
 #pragma once
 
-#include "report/recording.h"
+#include "report/format/recording.h"
 #include "tools/ctl/cli/output_file.h"
 
 namespace ctl {

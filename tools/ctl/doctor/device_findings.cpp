@@ -1,0 +1,148 @@
+#include "tools/ctl/doctor/device_findings.h"
+
+#include "tools/ctl/doctor/node_users.h"
+#include "tools/ctl/doctor/udev_rule.h"
+#include "tools/ctl/usb/sysfs.h"
+
+#include <array>
+#include <unistd.h>
+#include <utility>
+
+namespace ctl {
+namespace {
+
+using Level = Finding::Level;
+
+std::string joined(const std::vector<std::string>& words)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+Finding busy(const HidInterface& interface)
+{
+    const std::vector<std::string> users = usersOfNode(interface.node);
+    if (users.empty())
+        return {Level::kProblem, "busy", "another program has the interface",
+            geteuid() == 0 ? "none has the device open; plug it in again"
+                           : "close that program; as root, this command shows its name"};
+    return {Level::kProblem, "busy", "another program has the interface",
+        "close it; these have the device open: " + joined(users)};
+}
+
+Finding access(const DeviceEntry& entry, const HidInterface& interface)
+{
+    switch (entry.access) {
+    case Access::kOpen:
+        return {Level::kFine, "open", "this user can open it", ""};
+    case Access::kNotTried:
+        return {Level::kNote, "not-tried",
+            "it is a keyboard or mouse, which would stop working while Kelprobe has it open", ""};
+    case Access::kNoPermission:
+        return {Level::kProblem, "no-permission",
+            "no permission to open " + interface.node.native(),
+            permissionRemedy(entry, hasInterface(interface.device.get(), LIBUSB_CLASS_AUDIO),
+                udevRuleState(udevRuleDirectories()))};
+    case Access::kBusy:
+        return busy(interface);
+    case Access::kOtherError:
+        break;
+    }
+    return {Level::kProblem, "open-fails", entry.accessText, ""};
+}
+
+void addTelephony(Findings& findings, const DeviceEntry& entry)
+{
+    if (!entry.descriptor.empty() && !entry.telephony)
+        findings.push_back({Level::kProblem, "no-telephony",
+            "it has no telephony collection, so Kelprobe finds no controls in it", ""});
+    else if (entry.descriptor.empty() && entry.access == Access::kOpen)
+        findings.push_back({Level::kProblem, "no-descriptor",
+            "it does not return its report descriptor", "plug it in again"});
+}
+
+void addDriver(Findings& findings, const DeviceEntry& entry, const HidInterface& interface)
+{
+    if (entry.access != Access::kOpen || !entry.telephony)
+        return;
+    if (!sysfsDescriptor(interface.sys).empty())
+        findings.push_back({Level::kNote, "driver",
+            "while Kelprobe has it open, the kernel's driver is detached: volume keys and other "
+            "keys of the device have no effect",
+            ""});
+    else
+        findings.push_back({Level::kNote, "no-driver",
+            "the kernel's driver does not have the interface, so volume keys have no effect",
+            "plug it in again"});
+}
+
+// A hidraw node is what other programs use, and often what users have made accessible.
+void addHidraw(Findings& findings, const DeviceEntry& entry, const HidInterface& interface)
+{
+    if (entry.access != Access::kNoPermission)
+        return;
+    for (const std::string& name : hidrawNames(interface.sys)) {
+        const std::string node = "/dev/" + name;
+        if (::access(node.c_str(), R_OK | W_OK) == 0)
+            findings.push_back({Level::kNote, "hidraw",
+                "this user can open " + node
+                    + ", but that does not help: Kelprobe uses libusb, which opens "
+                    + interface.node.native(),
+                ""});
+    }
+}
+
+void addSameIds(Findings& findings, const DeviceEntry& entry)
+{
+    if (!entry.firstOfItsIds)
+        findings.push_back({Level::kNote, "same-ids",
+            "an earlier interface has the same ids; the window opens that one",
+            "plug in only one of several equal devices; kelprobectl takes the path " + entry.path});
+}
+
+// Why a string cannot be read, or nothing. Waits for the device for at most 2 s.
+std::string nameProblem(libusb_device_handle* handle, uint8_t index)
+{
+    std::array<unsigned char, 256> text{};
+    const int result = libusb_get_string_descriptor_ascii(
+        handle, index, text.data(), static_cast<int>(text.size()));
+    if (result == LIBUSB_ERROR_TIMEOUT)
+        return "it does not respond; the window waits for it, too";
+    return result < 0 ? libusb_strerror(result) : "";
+}
+
+void addNames(Findings& findings, const DeviceEntry& entry, const HidInterface& interface)
+{
+    libusb_device_handle* opened = nullptr;
+    if (entry.access == Access::kNoPermission
+        || libusb_open(interface.device.get(), &opened) != LIBUSB_SUCCESS)
+        return;
+    const UsbDeviceHandle handle(opened);
+    libusb_device_descriptor descriptor{};
+    (void)libusb_get_device_descriptor(interface.device.get(), &descriptor); // cannot fail
+    for (const auto& [index, what] : {std::pair{descriptor.iManufacturer, "manufacturer"},
+             {descriptor.iProduct, "product"}, {descriptor.iSerialNumber, "serial number"}}) {
+        const std::string problem = index ? nameProblem(opened, index) : "";
+        if (!problem.empty())
+            findings.push_back({Level::kNote, "no-name",
+                std::string("its ") + what + " cannot be read: " + problem, ""});
+    }
+}
+
+} // namespace
+
+Findings deviceFindings(const ScannedDevice& device)
+{
+    const auto& [entry, interface] = device;
+    Findings findings = {access(entry, interface)};
+    addTelephony(findings, entry);
+    addDriver(findings, entry, interface);
+    addHidraw(findings, entry, interface);
+    addSameIds(findings, entry);
+    addNames(findings, entry, interface);
+    return findings;
+}
+
+} // namespace ctl

@@ -1,0 +1,114 @@
+#include "tools/ctl/trace/traced_program.h"
+
+#include "tools/ctl/cli/failure.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <system_error>
+
+namespace ctl {
+namespace {
+
+constexpr int kNotFound = 127;
+constexpr int kCannotRun = 126;
+constexpr int kSignalled = 128;
+
+[[noreturn]] void fail(const char* what)
+{
+    throw Failure(kNoAccess, std::string(what) + ": " + std::generic_category().message(errno));
+}
+
+sigset_t handledSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD})
+        sigaddset(&signals, number);
+    return signals;
+}
+
+// In the child: returns only if the program cannot be run.
+void run(char* const* command, const std::map<std::string, std::string>& environment,
+    const sigset_t& inheritedMask)
+{
+    for (const auto& [name, value] : environment)
+        setenv(name.c_str(), value.c_str(), 1);
+    pthread_sigmask(SIG_SETMASK, &inheritedMask, nullptr);
+    execvp(command[0], command);
+}
+
+// The errno of the child's exec(), 0 if it succeeded.
+int execError(int fd)
+{
+    int error = 0;
+    while (read(fd, &error, sizeof error) < 0 && errno == EINTR) { }
+    return error;
+}
+
+} // namespace
+
+TracedProgram::TracedProgram(
+    std::vector<std::string> command, const std::map<std::string, std::string>& environment)
+{
+    std::vector<char*> arguments;
+    for (std::string& word : command)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+        fail("no pipe");
+    const UniqueFd readEnd(ends[0]);
+    UniqueFd writeEnd(ends[1]);
+    // If it stayed ignored, there would be no exit status.
+    const auto inheritedAction = std::signal(SIGCHLD, SIG_DFL);
+    const sigset_t handled = handledSignals();
+    sigset_t inheritedMask;
+    pthread_sigmask(SIG_BLOCK, &handled, &inheritedMask);
+    signals_ = UniqueFd(signalfd(-1, &handled, SFD_CLOEXEC | SFD_NONBLOCK));
+    pid_ = signals_.get() < 0 ? -1 : fork();
+    if (pid_ < 0)
+        fail(command[0].c_str());
+    if (pid_ == 0) {
+        std::signal(SIGCHLD, inheritedAction);
+        run(arguments.data(), environment, inheritedMask);
+        const int error = errno;
+        [[maybe_unused]] const ssize_t written = write(writeEnd.get(), &error, sizeof error);
+        _exit(kCannotRun);
+    }
+    writeEnd = UniqueFd();
+    if (const int error = execError(readEnd.get())) {
+        waitpid(pid_, nullptr, 0);
+        throw StartError{error == ENOENT ? kNotFound : kCannotRun,
+            command[0] + ": " + std::generic_category().message(error)};
+    }
+}
+
+bool TracedProgram::handleSignals()
+{
+    signalfd_siginfo signal{};
+    bool ended = false;
+    while (read(signals_.get(), &signal, sizeof signal) == sizeof signal) {
+        const bool fromTerminal = signal.ssi_code == SI_KERNEL;
+        if (signal.ssi_signo == SIGCHLD)
+            ended = collect() || ended;
+        else if (!fromTerminal && !ended)
+            kill(pid_, static_cast<int>(signal.ssi_signo));
+    }
+    return ended;
+}
+
+bool TracedProgram::collect()
+{
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) != pid_)
+        return false;
+    exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status);
+    return true;
+}
+
+} // namespace ctl
