@@ -2,7 +2,7 @@
 #include "app/hidcontroller.h"
 #include "app/logrecorder.h"
 #include "app/quitsignals.h"
-#include "app/standardstreams.h"
+#include "base/src/util/standard_streams.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -30,7 +30,7 @@ int runWindow()
 
 int main(int argc, char* argv[])
 {
-    protectStandardStreams();
+    rkb::protect_standard_streams();
     // Deliberately fixed: the tool always uses this home and ignores the user's RKB_HOME.
     qputenv("RKB_HOME", "/home/tarnu/.mivo");
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);

@@ -1,4 +1,4 @@
-#include "app/standardstreams.h"
+#include "base/src/util/standard_streams.h"
 
 #include <cerrno>
 #include <csignal>
@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <unistd.h>
 
-void protectStandardStreams()
+void rkb::protect_standard_streams()
 {
     // open() takes the lowest free number, so the stream that is closed. A program that is started
     // finds it closed again.
