@@ -104,11 +104,13 @@ private:
     {
         const std::set<Element> pressed = elementsOf(now);
         const std::set<Element> pressedBefore = elementsOf(before);
+        const bool input = now.front().field->kind == ReportKind::kInput;
         for (const Element& element : pressed)
-            words_.push_back({nameOf(element) + " pressed", !pressedBefore.contains(element)});
+            words_.push_back(
+                {nameOf(element) + (input ? " pressed" : " on"), !pressedBefore.contains(element)});
         for (const Element& element : pressedBefore) {
             if (!pressed.contains(element))
-                words_.push_back({nameOf(element) + " released", true});
+                words_.push_back({nameOf(element) + (input ? " released" : " off"), true});
         }
     }
 

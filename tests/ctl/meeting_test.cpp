@@ -175,7 +175,7 @@ TEST_F(Meeting, TakesItsCommandsFromAnyInput)
 TEST_F(Meeting, LeavesTheDeviceOnHookHoweverItEnds)
 {
     auto& usb = plug();
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         auto process = start();
         say("ring\npickup\n");
         EXPECT_EQ(lines(*process, 5).find("03 01 00") != std::string::npos, true);
@@ -218,6 +218,28 @@ TEST_F(Meeting, SaysThatTheDeviceDoesNotTakeReports)
     EXPECT_NE(err_.find("kelprobectl: the device does not take reports: the device refused it; "),
         std::string::npos)
         << err_;
+}
+
+TEST_F(Meeting, SaysThatTheDeviceGetsNoReports)
+{
+    plug().faults().stallReportDescriptor.arm();
+    EXPECT_EQ(run("meeting </dev/null"), 1);
+    EXPECT_NE(err_.find("kelprobectl: this device gets no reports: "), std::string::npos) << err_;
+}
+
+TEST_F(Meeting, SwitchesAMuteLedInItsOwnReportOff)
+{
+    auto& usb = plug("led-per-report");
+    for (const char* const script : {"ring\npickup\nmute\n", "ring\npickup\nmute\nring\n"}) {
+        EXPECT_EQ(run("meeting <" + directory_.file("script", script)), 0) << err_;
+        const auto outputs = usb.takeOutputs();
+        std::map<uint8_t, Bytes> last;
+        for (const Bytes& report : outputs)
+            last[report.front()] = report;
+        EXPECT_EQ(std::count(outputs.begin(), outputs.end(), Bytes{9, 1}), 1);
+        for (const auto& [id, report] : last)
+            EXPECT_EQ(report, (Bytes{id, 0})) << script;
+    }
 }
 
 TEST_F(Meeting, EndsWhenTheDeviceHasGone)

@@ -69,6 +69,11 @@ int catch_stop_signals(std::span<const int> signals)
     return pipe_ends[0];
 }
 
+int stop_signal_fd()
+{
+    return pipe_ends[0];
+}
+
 bool stop_signal_arrived()
 {
     return first_signal != 0;

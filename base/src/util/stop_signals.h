@@ -16,6 +16,9 @@ namespace rkb {
 // To be called at most once per process.
 [[nodiscard]] int catch_stop_signals(std::span<const int> signals);
 
+// The descriptor that catch_stop_signals() returned, -1 before.
+[[nodiscard]] int stop_signal_fd();
+
 // Whether a caught signal has arrived. Any thread, and in signal handlers.
 [[nodiscard]] bool stop_signal_arrived();
 

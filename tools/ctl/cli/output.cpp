@@ -1,12 +1,14 @@
 #include "tools/ctl/cli/output.h"
 
 #include "tools/ctl/cli/failure.h"
+#include "tools/ctl/cli/write_all.h"
 
 #include <json/json.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdlib>
 #include <mutex>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -17,11 +19,30 @@ constexpr std::string_view kEraseLine = "\r\033[K";
 
 std::mutex mutex; // one for both streams, which are often the same terminal
 
+// Whether the stream is a terminal that obeys control sequences.
+bool obeysSequences(int fd)
+{
+    const char* const terminal = std::getenv("TERM");
+    return isatty(fd) == 1 && terminal && std::string_view(terminal) != "dumb";
+}
+
 bool wantsColours()
 {
     const char* const noColour = std::getenv("NO_COLOR");
-    const char* const terminal = std::getenv("TERM");
-    return !(noColour && *noColour) && terminal && std::string_view(terminal) != "dumb";
+    return !(noColour && *noColour);
+}
+
+// The part that fits into one row of the terminal: a longer line could not be erased.
+std::string_view firstRow(int fd, std::string_view text)
+{
+    winsize size{};
+    if (ioctl(fd, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
+        return text;
+    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; };
+    size_t columns = 0;
+    const auto end = std::find_if(
+        text.begin(), text.end(), [&](char c) { return begins(c) && ++columns == size.ws_col; });
+    return {text.begin(), end};
 }
 
 std::string_view sequence(Style style)
@@ -58,7 +79,7 @@ std::string jsonLineText(const Json::Value& value)
 
 Output::Output(int fd)
     : fd_(fd)
-    , terminal_(isatty(fd) == 1)
+    , terminal_(obeysSequences(fd))
     , colours_(terminal_ && wantsColours())
 {
 }
@@ -108,21 +129,14 @@ void Output::progress(std::string_view text)
         return;
     const std::lock_guard lock(mutex);
     hasProgress_ = true;
-    write(std::string(kEraseLine) + std::string(text));
+    write(std::string(kEraseLine) + std::string(firstRow(fd_, text)));
 }
 
 void Output::write(std::string_view text)
 {
-    while (!text.empty()) {
-        const ssize_t size = ::write(fd_, text.data(), text.size());
-        if (size >= 0) {
-            text.remove_prefix(static_cast<size_t>(size));
-        } else if (errno != EINTR) {
-            if (fd_ == STDERR_FILENO)
-                return;
-            throw Failure(kNoAccess, "standard output: " + std::generic_category().message(errno));
-        }
-    }
+    const int error = writeAll(fd_, text);
+    if (error && fd_ != STDERR_FILENO)
+        throw Failure(kNoAccess, "standard output: " + std::generic_category().message(error));
 }
 
 } // namespace ctl

@@ -16,7 +16,8 @@ namespace ctl {
 enum class Style { kPlain, kStrong, kGood, kBad, kFaint };
 
 // Prints whole lines. Each goes to the operating system at once, so that a reader at the other end
-// of a pipe has it. Any thread may use an object; lines are not mixed.
+// of a pipe has it. Any thread may use an object; lines are not mixed. When a stop signal has
+// arrived, what nobody reads is dropped, so that the command can end.
 class Output {
 public:
     // The standard streams. Colours are on if the stream is a terminal, NO_COLOR is unset or empty
@@ -35,7 +36,8 @@ public:
     // The text between the control sequences of the style, if colours are on.
     [[nodiscard]] std::string styled(Style style, std::string_view text) const;
 
-    // A line that the next line replaces, for progress. Printed only on a terminal.
+    // A line that the next line replaces, for progress, cut to the width of the terminal. Not
+    // printed if the stream is no terminal or TERM is "dumb".
     void progress(std::string_view text);
 
 private:
@@ -43,7 +45,7 @@ private:
     void write(std::string_view text);
 
     const int fd_;
-    const bool terminal_;
+    const bool terminal_; // one that obeys control sequences
     const bool colours_;
     bool hasProgress_ = false;
 };

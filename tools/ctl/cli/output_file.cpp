@@ -1,6 +1,7 @@
 #include "tools/ctl/cli/output_file.h"
 
 #include "tools/ctl/cli/failure.h"
+#include "tools/ctl/cli/write_all.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -98,13 +99,8 @@ OutputFile::~OutputFile()
 
 void OutputFile::write(std::string_view bytes)
 {
-    while (!bytes.empty()) {
-        const ssize_t size = ::write(fd_, bytes.data(), bytes.size());
-        if (size >= 0)
-            bytes.remove_prefix(static_cast<size_t>(size));
-        else if (errno != EINTR)
-            fail(errno);
-    }
+    if (const int error = writeAll(fd_, bytes))
+        fail(error);
 }
 
 std::FILE* OutputFile::openStream() const

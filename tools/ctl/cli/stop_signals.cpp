@@ -10,7 +10,7 @@
 namespace ctl {
 namespace {
 
-constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSignals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 
 } // namespace
 

@@ -3,10 +3,10 @@
 
 namespace ctl {
 
-// From the creation of the object, SIGINT, SIGTERM and SIGHUP set a flag instead of ending the
-// process. A signal that was ignored when the program started stays ignored. A second signal more
-// than a second after the first ends the process at once, in case a device does not respond. The
-// handlers stay when the object is destroyed. A process has at most one object.
+// From the creation of the object, SIGINT, SIGQUIT, SIGTERM and SIGHUP set a flag instead of ending
+// the process. A signal that was ignored when the program started stays ignored. A second signal
+// more than a second after the first ends the process at once, in case a device does not respond.
+// The handlers stay when the object is destroyed. A process has at most one object.
 class StopSignals {
 public:
     // Throws Failure.

@@ -90,9 +90,13 @@ std::chrono::microseconds EntryWords::sinceFirst(const Entry& entry)
 
 std::vector<report::ReportWords::Word> EntryWords::words(const Entry& entry)
 {
-    return words_.describe(entry.kind == Kind::kSent
-            ? report::sentReport(report::ReportKind::kOutput, entry.report)
-            : report::wireReport(layout_, report::ReportKind::kInput, entry.report));
+    const report::ReportView view = entry.kind == Kind::kSent
+        ? report::sentReport(report::ReportKind::kOutput, entry.report)
+        : report::wireReport(layout_, report::ReportKind::kInput, entry.report);
+    if (!hasFailed(entry))
+        return words_.describe(view);
+    report::ReportWords unchanged = words_; // the device did not get it
+    return unchanged.describe(view);
 }
 
 std::string failureText(const Entry& entry)

@@ -40,7 +40,8 @@ std::unique_ptr<HidController> EventTap::makeController()
 IKXHost* EventTap::createHost(IKXHostCallback* callback)
 {
     current->controller_ = callback;
-    return current->functions_.create(current);
+    current->host_ = current->functions_.create(current);
+    return current->host_;
 }
 
 void EventTap::OnCommand(KXCommand command, void* reserved)

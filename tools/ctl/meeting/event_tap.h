@@ -27,6 +27,9 @@ public:
     // Makes a controller whose host calls the tap. The tap must outlive it.
     [[nodiscard]] std::unique_ptr<HidController> makeController();
 
+    // The controller's host, null before there is one.
+    [[nodiscard]] IKXHost* host() const { return host_; }
+
     // On the host's reader thread.
     void OnCommand(KXCommand command, void* reserved) override;
     void OnState(KXState state, const uint8_t* value) override;
@@ -39,6 +42,7 @@ private:
     Journal& journal_;
     const HostFunctions functions_;
     IKXHostCallback* controller_ = nullptr; // set before there is a host
+    IKXHost* host_ = nullptr;               // the controller owns it
 };
 
 } // namespace ctl

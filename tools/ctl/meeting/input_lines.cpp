@@ -8,6 +8,7 @@
 namespace ctl {
 namespace {
 
+constexpr size_t kMaxWaiting = 1000; // lines
 constexpr std::string_view kBlanks = " \t\r\v\f";
 
 std::string trimmed(std::string_view text)
@@ -32,7 +33,20 @@ std::optional<std::string> InputLines::take()
         return std::nullopt;
     std::string line = std::move(lines_.front());
     lines_.pop_front();
+    limit();
     return line;
+}
+
+void InputLines::discard()
+{
+    lines_.clear();
+    limit();
+}
+
+// Lines that come faster than they are taken wait in the pipe.
+void InputLines::limit()
+{
+    notifier_.setEnabled(lines_.size() < kMaxWaiting && !ended_);
 }
 
 void InputLines::read()
@@ -42,11 +56,11 @@ void InputLines::read()
     if (size > 0) {
         add({buffer.data(), static_cast<size_t>(size)});
     } else if (size == 0 || (errno != EINTR && errno != EAGAIN)) {
-        notifier_.setEnabled(false);
         ended_ = true;
         if (!begun_.empty())
             endLine();
     }
+    limit();
 }
 
 void InputLines::add(std::string_view text)

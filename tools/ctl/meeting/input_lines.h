@@ -29,10 +29,11 @@ public:
     [[nodiscard]] bool ended() const { return ended_; }
 
     // Forgets the lines that have not been taken.
-    void discard() { lines_.clear(); }
+    void discard();
 
 private:
     void read();
+    void limit();
     void add(std::string_view text);
     void endLine();
 

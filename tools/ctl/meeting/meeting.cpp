@@ -21,8 +21,8 @@ constexpr const char* kFooter = R"(Commands on standard input, a line each:
 Prints every report in both directions, every event from the device and every log line, in the
 order in which they happen. At the end the device is on-hook with its lamps off.
 
-Exit status: 0 fine, 1 the device did not take a report, 2 wrong use, 3 it cannot be opened or has
-gone.
+Exit status: 0 fine, 1 the device did not take a report or gets none, 2 wrong use, 3 it cannot be
+opened or has gone.
 
 Example: (echo ring; sleep 20) | kelprobectl meeting 1209:0001)";
 

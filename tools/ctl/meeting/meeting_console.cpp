@@ -2,7 +2,9 @@
 
 #include "tools/ctl/cli/failure.h"
 #include "tools/ctl/cli/output.h"
+#include "tools/ctl/traffic/failure_words.h"
 #include "tools/ctl/usb/device_words.h"
+#include "tools/text/lower_case.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
@@ -18,6 +20,11 @@ namespace {
 constexpr std::array<std::string_view, 6> kCommands{
     "ring", "pickup", "hangup", "mute", "quit", "help"};
 
+// An opened device is set on-hook, if the stack has found any of its LEDs.
+constexpr const char* kNothingSent
+    = "this device gets no reports: Kelprobe uses none of its LEDs, or could not read its report "
+      "descriptor; kelprobectl describe explains why";
+
 void complain(const std::string& text)
 {
     Output::err().line("kelprobectl: " + text);
@@ -25,7 +32,7 @@ void complain(const std::string& text)
 
 void complainAbout(const std::string& word)
 {
-    const std::string_view suggestion = text::nearest(word, kCommands);
+    const std::string_view suggestion = text::nearest(text::lowerCase(word), kCommands);
     complain("unknown command " + text::printable(word)
         + (suggestion.empty() ? "; type help" : "; did you mean " + std::string(suggestion) + '?'));
 }
@@ -70,6 +77,8 @@ int MeetingConsole::run()
     Output::err().progress("opening " + idsText(device_)); // may take some seconds
     try {
         Session session(journal_, device_);
+        if (!sent_)
+            complain(kNothingSent);
         play(session.meeting());
     } catch (const EventLoop::Stopped&) {
         // The device is on-hook now, as after quit.
@@ -79,16 +88,18 @@ int MeetingConsole::run()
         (void)recording_->finish(); // it has a device
     if (gone_)
         throw Failure(kNoAccess, "the device has gone; plug it in and start the meeting again");
-    return refused_ ? kFellShort : kFine;
+    return refused_ || !sent_ ? kFellShort : kFine;
 }
 
 void MeetingConsole::handle(const Entry& entry)
 {
     if (!std::exchange(started_, true))
         Output::err().progress("");
-    if (entry.kind == Entry::Kind::kGone)
+    const bool sent = entry.kind == Entry::Kind::kSent;
+    sent_ = sent_ || sent;
+    if (entry.kind == Entry::Kind::kGone || (sent && entry.failed && meansGone(entry.usbError)))
         gone_ = true;
-    else if (entry.kind == Entry::Kind::kSent && entry.failed && !gone_)
+    else if (sent && entry.failed && !gone_)
         refuse(entry);
     if (recording_)
         record(entry);
@@ -135,8 +146,9 @@ void MeetingConsole::play(HidController& meeting)
     }
 }
 
-void MeetingConsole::obey(HidController& meeting, const std::string& line)
+void MeetingConsole::obey(HidController& meeting, const std::string& input)
 {
+    const std::string line = text::lowerCase(input);
     if (line.empty())
         return;
     if (const std::string reason = obstacle(meeting, line); !reason.empty())
@@ -154,7 +166,7 @@ void MeetingConsole::obey(HidController& meeting, const std::string& line)
     else if (line == "help")
         complain("commands: ring, pickup, hangup, mute, quit, help");
     else
-        complainAbout(line);
+        complainAbout(input);
 }
 
 } // namespace ctl

@@ -31,7 +31,7 @@ private:
     void refuse(const Entry& entry);
     void record(const Entry& entry);
     void play(HidController& meeting);
-    void obey(HidController& meeting, const std::string& line);
+    void obey(HidController& meeting, const std::string& input);
 
     const bool json_;
     const DeviceEntry device_;
@@ -41,6 +41,7 @@ private:
     std::optional<RecordingFile> recording_;
     std::optional<std::chrono::microseconds> firstReport_; // when it was exchanged
     bool started_ = false;                                 // there was an entry
+    bool sent_ = false;                                    // at least one report
     bool gone_ = false;
     bool refused_ = false; // a report was not taken
     bool quit_ = false;

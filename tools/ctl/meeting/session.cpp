@@ -55,4 +55,20 @@ Session::Session(Journal& journal, HostFunctions functions, const QString& id)
     controller_->selectDevice(id);
 }
 
+// The stack does not unmute when it goes on-hook. A Mute LED in a report of its own would stay lit.
+Session::~Session()
+{
+    IKXHost* const host = tap_.host();
+    uint8_t muted = 0;
+    if (!host || !host->GetState(KXState::Mute, &muted) || !muted)
+        return;
+    uint8_t call = KXCallUnknown;
+    if (host->GetState(KXState::Call, &call) && call != KXCallActive) {
+        const uint8_t active = KXCallActive; // the stack unmutes only in a call
+        host->SetState(KXState::Call, &active);
+    }
+    const uint8_t unmuted = 0;
+    host->SetState(KXState::Mute, &unmuted);
+}
+
 } // namespace ctl

@@ -23,8 +23,8 @@ public:
     // The same with other hosts. Does not fail.
     Session(Journal& journal, HostFunctions functions, const QString& id);
 
-    // Sets the device on-hook and closes it, which blocks.
-    ~Session() = default;
+    // Switches the mute lamp off, sets the device on-hook and closes it, which blocks.
+    ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 

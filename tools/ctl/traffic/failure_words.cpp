@@ -36,6 +36,11 @@ FailureWords usbFailure(int usbError)
     }
 }
 
+bool meansGone(int usbError)
+{
+    return usbError == LIBUSB_ERROR_NO_DEVICE;
+}
+
 // hidapi looks for a device in the list of those that it can see. With its hidraw version the paths
 // are device nodes, and why one cannot be opened is unknown.
 FailureWords failureOf(const Call& call)

@@ -15,6 +15,9 @@ struct FailureWords {
 // Of libusb's error, which is negative, or 0 if there is none.
 [[nodiscard]] FailureWords usbFailure(int usbError);
 
+// Whether libusb's error says that the device was unplugged.
+[[nodiscard]] bool meansGone(int usbError);
+
 // Of a call whose result is negative.
 [[nodiscard]] FailureWords failureOf(const Call& call);
 

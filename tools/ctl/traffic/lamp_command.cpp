@@ -4,6 +4,7 @@
 #include "tools/ctl/traffic/lamp_report.h"
 #include "tools/ctl/traffic/send_target.h"
 #include "tools/ctl/usb/device_words.h"
+#include "tools/text/lower_case.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
@@ -27,6 +28,7 @@ struct Options {
     std::string action;
     std::optional<std::string> device;
     double seconds = 0; // no limit if 0
+    bool json = false;
 };
 
 std::string namesOf(const std::vector<Lamp>& lamps)
@@ -34,22 +36,24 @@ std::string namesOf(const std::vector<Lamp>& lamps)
     std::string text;
     for (const Lamp& lamp : lamps)
         text += (text.empty() ? "" : ", ") + lamp.name;
-    return text.empty() ? "none" : text;
+    return text;
 }
 
 [[noreturn]] void failUnknown(
     const std::string& name, const std::vector<Lamp>& lamps, const SendTarget& target)
 {
-    const std::string has = "; it has " + namesOf(lamps);
+    const std::string ids = idsText(target.entry);
+    if (lamps.empty())
+        throw Failure(kFellShort, ids + " has no lamps");
     if (isLampName(name, target.names))
-        throw Failure(kFellShort, idsText(target.entry) + " has no " + name + " lamp" + has);
+        throw Failure(kFellShort, ids + " has no " + name + " lamp; it has " + namesOf(lamps));
     std::vector<std::string_view> names;
     for (const Lamp& lamp : lamps)
         names.push_back(lamp.name);
     const std::string_view nearest = text::nearest(name, names);
     throw Failure(kWrongUse,
-        "unknown lamp " + text::printable(name)
-            + (nearest.empty() ? "; " + idsText(target.entry) + " has " + namesOf(lamps)
+        "unknown lamp \"" + text::printable(name) + '"'
+            + (nearest.empty() ? "; " + ids + " has " + namesOf(lamps)
                                : "; did you mean " + std::string(nearest) + '?'));
 }
 
@@ -66,9 +70,10 @@ Lamp findLamp(const std::string& name, const SendTarget& target)
 // A lamp of a device that is open. The destructor switches it off if it may be lit.
 class LampSwitch {
 public:
-    LampSwitch(const SendTarget& target, Lamp lamp)
+    LampSwitch(const SendTarget& target, Lamp lamp, bool json)
         : target_(target)
         , lamp_(std::move(lamp))
+        , json_(json)
         , connection_(target.entry)
     {
     }
@@ -89,7 +94,7 @@ public:
     void set(bool on)
     {
         const report::Bytes& report = on ? lamp_.on : lamp_.off;
-        Output::out().line(target_.describe(report::ReportKind::kOutput, report));
+        target_.print(report::ReportKind::kOutput, report, json_);
         lit_ = lit_ || on;
         connection_.write(report);
         lit_ = on;
@@ -107,6 +112,7 @@ public:
 private:
     const SendTarget& target_;
     const Lamp lamp_;
+    const bool json_;
     HidConnection connection_;
     bool lit_ = false;
 };
@@ -138,9 +144,19 @@ void checkAction(const std::string& action)
         return;
     const std::string_view nearest = text::nearest(action, kActions);
     throw Failure(kWrongUse,
-        "unknown action " + text::printable(action) + "; "
-            + (nearest.empty() ? "a lamp can be switched on, off or blink"
+        "unknown action \"" + text::printable(action) + "\"; "
+            + (nearest.empty() ? "write on, off or blink"
                                : "did you mean " + std::string(nearest) + '?'));
+}
+
+// The error of --for, empty if there is none.
+std::string limitOf(const std::string& text)
+{
+    constexpr double kDay = 86400;
+    double seconds = 0;
+    if (CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kDay)
+        return {};
+    return '"' + text::printable(text) + "\" is not a number of seconds above 0, at most 86400";
 }
 
 int run(const Options& options)
@@ -148,7 +164,7 @@ int run(const Options& options)
     checkAction(options.action);
     const StopSignals stop;
     const SendTarget target(options.device);
-    LampSwitch lamp(target, findLamp(options.name, target));
+    LampSwitch lamp(target, findLamp(options.name, target), options.json);
     if (options.action == "off")
         lamp.set(false);
     else
@@ -166,7 +182,8 @@ void addLampCommand(CLI::App& app, Run& run_)
         ->required();
     command.add_option("ACTION", options->action, "on, off or blink")->required();
     command.add_option("--for", options->seconds, "Switch it off after this many seconds")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Validator(limitOf, "SECONDS"));
+    command.add_flag("--json", options->json, "Print one line of JSON for each report");
     command.add_option("--device", options->device, "The device: vvvv:pppp, path or number");
     command.footer(
         "Prints each report before it is sent. The other lamps of the report are switched off.\n"
@@ -175,7 +192,11 @@ void addLampCommand(CLI::App& app, Run& run_)
         "Exit status: 0 fine, 1 the device has no such lamp or does not take the report, 2 wrong\n"
         "use, 3 no device, or it cannot be opened or has gone.\n"
         "Example: kelprobectl lamp ring blink --for 5");
-    command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
+    command.callback([options, &run_] {
+        options->name = text::lowerCase(options->name);
+        options->action = text::lowerCase(options->action);
+        run_ = [options] { return run(*options); };
+    });
 }
 
 } // namespace ctl

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace ctl {
@@ -9,23 +10,54 @@ namespace {
 
 constexpr uint16_t kLedPage = 0x08;
 constexpr uint16_t kLastLed = 0xff; // the usage tables end well before
+constexpr size_t kIdBits = 8;
 
 constexpr std::array<std::pair<uint16_t, const char*>, 4> kCallLamps{
     {{0x17, "off-hook"}, {0x09, "mute"}, {0x18, "ring"}, {0x20, "hold"}}};
 
-void setBits(report::Bytes& payload, size_t offset, uint32_t size, uint64_t value)
+void setBits(report::Bytes& report, size_t offset, uint32_t size, uint64_t value)
 {
-    for (uint32_t bit = 0; bit < std::min<uint32_t>(size, 64); ++bit, ++offset)
-        if (value >> bit & 1)
-            payload[offset / 8] |= static_cast<uint8_t>(1u << offset % 8);
+    for (uint32_t bit = 0; bit < std::min<uint32_t>(size, 64); ++bit, ++offset) {
+        const auto mask = static_cast<uint8_t>(1u << offset % 8);
+        uint8_t& byte = report[offset / 8];
+        byte = static_cast<uint8_t>(value >> bit & 1 ? byte | mask : byte & ~mask);
+    }
 }
 
-// With the id first.
-report::Bytes emptyReport(const report::Layout& layout, const report::Field& field)
+// An array element that stands for no lamp has a value outside of the logical range.
+std::optional<int64_t> nullValue(const report::Field& array)
 {
-    const uint32_t bits = layout.reportBits.at({field.kind, field.reportId});
+    const int64_t minimum = array.logicalMinimum;
+    const int64_t maximum = array.logicalMaximum;
+    const uint32_t bits = std::min<uint32_t>(array.size, 32);
+    if (minimum > 0 || maximum < 0)
+        return 0;
+    const int64_t largest = (int64_t{1} << (minimum < 0 ? bits - 1 : bits)) - 1;
+    if (maximum < largest)
+        return maximum + 1;
+    if (minimum < 0 && minimum > -largest - 1)
+        return minimum - 1;
+    return std::nullopt;
+}
+
+bool isArray(const report::Field& field)
+{
+    return !field.isVariable() && !field.isConstant() && field.size > 0;
+}
+
+// Nothing on, with the id first.
+report::Bytes emptyReport(const report::Layout& layout, const report::Field& lamp)
+{
+    const uint32_t bits = layout.reportBits.at({lamp.kind, lamp.reportId});
     report::Bytes report(1 + (bits + 7) / 8);
-    report[0] = field.reportId;
+    report[0] = lamp.reportId;
+    for (const report::Field& field : layout.fields) {
+        if (field.kind != lamp.kind || field.reportId != lamp.reportId || !isArray(field))
+            continue;
+        for (uint64_t i = 0; i < field.count; ++i)
+            setBits(report, kIdBits + field.bitOffset + i * field.size, field.size,
+                static_cast<uint64_t>(nullValue(field).value_or(0)));
+    }
     return report;
 }
 
@@ -39,7 +71,6 @@ uint64_t brightest(const report::Field& field)
 
 report::Bytes litReport(const report::Layout& layout, const report::Field& field, uint64_t index)
 {
-    constexpr size_t kIdBits = 8;
     report::Bytes report = emptyReport(layout, field);
     if (field.isVariable())
         setBits(
@@ -50,11 +81,14 @@ report::Bytes litReport(const report::Layout& layout, const report::Field& field
     return report;
 }
 
-// How many of the field's usages its values can have.
+// How many of the field's usages its values can have. An array without a null value is left out: a
+// lamp in it could not be switched off.
 uint64_t usableUsages(const report::Field& field)
 {
     if (field.isVariable())
         return std::min<uint64_t>(field.count, field.usageCount());
+    if (!isArray(field) || !nullValue(field))
+        return 0;
     const int64_t values = field.logicalMaximum - field.logicalMinimum + 1;
     return std::min(static_cast<uint64_t>(std::max<int64_t>(values, 0)), field.usageCount());
 }

@@ -21,7 +21,8 @@ struct Lamp {
 // "off-hook", "mute", "ring" and "hold" for the lamps of a call.
 [[nodiscard]] std::string lampName(report::Usage usage, const report::UsageNames& names);
 
-// The LED usages in output reports, in the order of the descriptor, each once.
+// The LED usages in output reports, in the order of the descriptor, each once. Without those that
+// cannot be switched off.
 [[nodiscard]] std::vector<Lamp> lampsOf(
     const report::Layout& layout, const report::UsageNames& names);
 

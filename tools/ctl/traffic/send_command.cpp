@@ -1,5 +1,6 @@
 #include "tools/ctl/traffic/send_command.h"
 
+#include "tools/ctl/cli/stop_signals.h"
 #include "tools/ctl/traffic/send_target.h"
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
@@ -14,15 +15,25 @@ using report::ReportKind;
 struct Options {
     std::vector<std::string> hex;
     bool feature = false;
+    bool json = false;
     std::optional<std::string> device;
 };
 
+// Also takes the form of C, "0x03, 0x08".
 report::Bytes parseHex(const std::vector<std::string>& words)
 {
     std::string text;
     for (const std::string& word : words)
         text += word + ' ';
-    const auto bytes = report::fromHex(text);
+    std::string digits;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool beginsWord = digits.empty() || digits.back() == ' ';
+        if (beginsWord && text.compare(i, 2, "0x") == 0)
+            ++i;
+        else
+            digits += text[i] == ',' ? ' ' : text[i];
+    }
+    const auto bytes = report::fromHex(digits);
     if (!bytes || bytes->empty())
         throw Failure(kWrongUse,
             '"' + text::printable(text.substr(0, text.size() - 1))
@@ -79,10 +90,13 @@ int run(const Options& options)
 {
     const report::Bytes report = parseHex(options.hex);
     const ReportKind kind = options.feature ? ReportKind::kFeature : ReportKind::kOutput;
+    const StopSignals stop; // a signal must not leave the device without its kernel driver
     const SendTarget target(options.device);
     check(target, kind, report);
     HidConnection connection(target.entry);
-    Output::out().line(target.describe(kind, report));
+    target.print(kind, report, options.json);
+    if (stop.stopped())
+        throw Failure(kFellShort, "interrupted; the report was not sent");
     if (options.feature)
         connection.sendFeature(report);
     else
@@ -99,11 +113,12 @@ void addSendCommand(CLI::App& app, Run& run_)
     command.add_option("HEX", options->hex, "The report, its id first (00 if there are no ids)")
         ->required();
     command.add_flag("--feature", options->feature, "A feature report instead of an output report");
+    command.add_flag("--json", options->json, "Print a line of JSON");
     command.add_option("--device", options->device, "The device: vvvv:pppp, path or number");
     command.footer("Prints what the report means before it is sent. A report that the device's\n"
                    "descriptor does not have, or that is too long, is not sent.\n"
-                   "Exit status: 0 fine, 1 the device does not take the report, 2 wrong use, 3 no\n"
-                   "device, or it cannot be opened or has gone.\n"
+                   "Exit status: 0 fine, 1 the device does not take the report or a signal came\n"
+                   "first, 2 wrong use, 3 no device, or it cannot be opened or has gone.\n"
                    "Example: kelprobectl send 03 08 00");
     command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
 }

@@ -2,6 +2,8 @@
 
 #include "tools/ctl/usb/device_words.h"
 
+#include <json/json.h>
+
 namespace ctl {
 
 SendTarget::SendTarget(const std::optional<std::string>& choice)
@@ -15,13 +17,22 @@ SendTarget::SendTarget(const std::optional<std::string>& choice)
                 + (entry.accessText.empty() ? "" : ": " + entry.accessText));
 }
 
-std::string SendTarget::describe(report::ReportKind kind, std::span<const uint8_t> report) const
+void SendTarget::print(report::ReportKind kind, std::span<const uint8_t> report, bool json) const
 {
     Words words = report::ReportWords(layout, names).describe(report::sentReport(kind, report));
     for (auto& word : words)
         word.changed = false; // there is no report before it
-    const char* const name = kind == report::ReportKind::kFeature ? "feature  " : "output  ";
-    return name + reportText(report, words, nullptr);
+    const std::string name = kind == report::ReportKind::kFeature ? "feature" : "output";
+    if (!json) {
+        Output::out().line(name + "  " + reportText(report, words, nullptr));
+        return;
+    }
+    Json::Value object;
+    object["kind"] = name;
+    object["report"] = report::toHex(report, "");
+    addWords(object, words);
+    object.removeMember("changed");
+    Output::out().jsonLine(object);
 }
 
 } // namespace ctl

@@ -14,9 +14,9 @@ struct SendTarget {
     // cannot be read.
     explicit SendTarget(const std::optional<std::string>& choice);
 
-    // One line: the kind of the report, its bytes, report id first, and what they mean.
-    [[nodiscard]] std::string describe(
-        report::ReportKind kind, std::span<const uint8_t> report) const;
+    // Prints one line: the kind of the report, its bytes, report id first, and what they mean.
+    // Throws as Output::line() does.
+    void print(report::ReportKind kind, std::span<const uint8_t> report, bool json) const;
 
     const DeviceEntry entry;
     const report::Layout layout;
