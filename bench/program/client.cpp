@@ -10,6 +10,7 @@
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -117,6 +118,12 @@ int64_t Client::await(Moment moment) const
 void Client::settle() const
 {
     while (next(kQuiet)) { }
+}
+
+void Client::endInput()
+{
+    shutdown(channel_, SHUT_WR);
+    static_cast<void>(awaitEnd());
 }
 
 int64_t Client::awaitEnd()

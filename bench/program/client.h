@@ -35,6 +35,9 @@ public:
     // it ends with an exit status other than 0. To be called last.
     int64_t awaitEnd();
 
+    // Tells the program that no more commands come, then does the same.
+    void endInput();
+
     // Of captured output: the number of lines so far. awaitLines() blocks until there are as many,
     // and throws std::runtime_error if they do not come within 20 s.
     size_t lines() const;

@@ -1,4 +1,4 @@
-// peer-exchange PATH: a hidapi program that writes a report per command and reads the answer.
+// peer-exchange PATH: a hidapi program that writes a report per command, then waits for one.
 #include "bench/program/channel.h"
 
 #include <hidapi/hidapi.h>
@@ -17,11 +17,9 @@ int main(int argc, char* argv[])
     for (bench::Command command; bench::receive(channel, command);) {
         const int64_t begin = bench::now();
         static_cast<void>(hid_write(device, ledsOff.data(), ledsOff.size()));
-        const int64_t written = bench::now();
+        bench::tell(channel, bench::Moment::Acted, bench::now() - begin);
         static_cast<void>(hid_read(device, report.data(), report.size()));
-        const int64_t read = bench::now();
-        bench::tell(channel, bench::Moment::Acted, written - begin);
-        bench::tell(channel, bench::Moment::Report, read - written);
+        bench::tell(channel, bench::Moment::Report, bench::now());
     }
     hid_close(device);
     return EXIT_SUCCESS;
