@@ -115,6 +115,11 @@ int64_t Client::await(Moment moment) const
     throw std::runtime_error("the program does not respond");
 }
 
+void Client::discardEvents() const
+{
+    while (next(std::chrono::milliseconds::zero())) { }
+}
+
 void Client::settle() const
 {
     while (next(kQuiet)) { }
@@ -123,6 +128,12 @@ void Client::settle() const
 void Client::endInput()
 {
     shutdown(channel_, SHUT_WR);
+    static_cast<void>(awaitEnd());
+}
+
+void Client::interrupt()
+{
+    kill(pid_, SIGINT);
     static_cast<void>(awaitEnd());
 }
 

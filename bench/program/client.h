@@ -35,13 +35,17 @@ public:
     // it ends with an exit status other than 0. To be called last.
     int64_t awaitEnd();
 
-    // Tells the program that no more commands come, then does the same.
+    // Tell the program that no more commands come, or send it SIGINT, then do the same.
     void endInput();
+    void interrupt();
 
     // Of captured output: the number of lines so far. awaitLines() blocks until there are as many,
     // and throws std::runtime_error if they do not come within 20 s.
     size_t lines() const;
     void awaitLines(size_t count) const;
+
+    // Drops the events that have arrived.
+    void discardEvents() const;
 
     // Blocks until no event has arrived for a few milliseconds. Drops events.
     void settle() const;
