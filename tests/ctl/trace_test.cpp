@@ -70,6 +70,28 @@ TEST_F(Trace, PrintsWhatTheDeviceSendsUntilItHasGone)
 )");
 }
 
+TEST_F(Trace, LeavesProgramsThatLoadHidapiThemselvesAlone)
+{
+    const std::string used
+        = std::string(kOpened) + "#1  output       03 01 00       Off-Hook on*\n";
+    struct {
+        const char* use;
+        std::string trace;
+    } const cases[] = {
+        {"private", ": " LOADING_CLIENT " made no hidapi calls that could be seen; "},
+        {"twice",
+            used + "#1  close\n" + kOpened
+                + "#1  output       03 01 00       Off-Hook on*\n#1  close\n"},
+        {"signal", used + "#1  input        03 01 00       Hook Switch on*\n#1  close\n"},
+    };
+    auto& device = plug();
+    device.setOutputCallback([&device](const Bytes&) { EXPECT_TRUE(device.inject({3, 1, 0})); });
+    for (const auto& [use, expected] : cases) {
+        EXPECT_EQ(run(std::string("trace -- " LOADING_CLIENT " ") + use), 0) << use;
+        EXPECT_TRUE(trace().starts_with(expected)) << trace();
+    }
+}
+
 TEST_F(Trace, SaysWhyADeviceCannotBeOpened)
 {
     EXPECT_EQ(traceClient("fail"), 0);
@@ -98,9 +120,10 @@ TEST_F(Trace, EndsAsTheProgramDoes)
         int status;
         const char* message;
     } const cases[] = {
-        {"true", 0, "kelprobectl: true made no hidapi calls; "},
-        {"sh -c 'exit 7'", 7, "kelprobectl: sh made no hidapi calls; "},
-        {"sh -c 'kill -9 $$'", 128 + SIGKILL, "kelprobectl: sh made no hidapi calls; "},
+        {"true", 0, "kelprobectl: true made no hidapi calls that could be seen; "},
+        {"sh -c 'exit 7'", 7, "kelprobectl: sh made no hidapi calls that could be seen; "},
+        {"sh -c 'kill -9 $$'", 128 + SIGKILL,
+            "kelprobectl: sh made no hidapi calls that could be seen; "},
         {"no-such-program", 127, "kelprobectl: no-such-program: No such file or directory\n"},
         {"/dev/null", 126, "kelprobectl: /dev/null: Permission denied\n"},
     };

@@ -15,38 +15,53 @@ void hid_calls_observe(hid_call_observer observer)
     atomic_store(&current_observer, observer);
 }
 
-static int64_t microseconds(clockid_t clock)
+/* Microseconds on CLOCK_MONOTONIC. */
+static int64_t now(void)
 {
     struct timespec time;
-    clock_gettime(clock, &time);
+    clock_gettime(CLOCK_MONOTONIC, &time);
     return (int64_t)time.tv_sec * 1000000 + time.tv_nsec / 1000;
 }
 
-/* hidapi's functions call each other. Only the outermost call of a thread is reported. */
-static _Thread_local int depth;
-
 struct observation {
+    bool inner;                 /* a part of another call, which is reported */
+    bool in_place;              /* reported in place of the hid_open() that it is a part of */
     hid_call_observer observer; /* null if the call is not reported */
-    int64_t start;              /* microseconds on CLOCK_MONOTONIC */
+    struct usb_activity outer;  /* of the call that this one interrupts or is a part of */
     struct hid_call call;
 };
 
-static struct observation begin(
-    enum usb_call usb, enum hid_call_kind kind, const struct open_device* device)
+/* hidapi's functions call each other. If such a call is a tail call, `caller` is the wrapper of the
+ * first. A program that has found hidapi's functions with dlsym() does not call the wrappers, and
+ * then there are only hidapi's own calls. Other calls during a call are those of a signal handler.
+ */
+static bool is_of_hidapi(enum usb_call outer, const void* caller, any_function next)
 {
-    struct observation observation = {.call = {.kind = kind}};
-    if (++depth > 1)
+    if (outer == USB_OUTSIDE)
+        return in_hidapi(caller);
+    return in_same_library(caller, (const void*)(uintptr_t)next) || in_this_library(caller);
+}
+
+static struct observation begin(enum usb_call usb, enum hid_call_kind kind,
+    const struct open_device* device, const void* caller, any_function next)
+{
+    struct observation observation = {.outer = *usb_activity(), .call = {.kind = kind}};
+    if (is_of_hidapi(observation.outer.call, caller, next)) {
+        observation.in_place = observation.outer.by_ids && kind == HID_CALL_OPEN;
+        observation.inner = !observation.in_place;
+    }
+    if (observation.inner)
         return observation;
     begin_usb_activity(usb);
-    observation.observer = atomic_load(&current_observer);
+    if (kind == HID_CALL_OPEN || device) /* else its open was not seen */
+        observation.observer = atomic_load(&current_observer);
     if (!observation.observer)
         return observation;
     if (device) {
         observation.call.device = device->number;
         observation.call.opener = device->opener;
     }
-    observation.call.begin = microseconds(CLOCK_REALTIME);
-    observation.start = microseconds(CLOCK_MONOTONIC);
+    observation.call.begin = now();
     return observation;
 }
 
@@ -61,22 +76,25 @@ static void report(const struct observation* observation)
     errno = error;
 }
 
-static void end(struct observation* observation, int result)
+static void report_result(struct observation* observation, int result)
 {
-    if (--depth > 0)
+    struct hid_call* const call = &observation->call;
+    if (!observation->observer)
         return;
-    struct usb_activity* const activity = usb_activity();
-    if (observation->observer) {
-        observation->call.duration = microseconds(CLOCK_MONOTONIC) - observation->start;
-        observation->call.result = result;
-        if (result < 0 && observation->call.usb_error == 0)
-            observation->call.usb_error = activity->error;
-        report(observation);
-    }
-    activity->call = USB_OUTSIDE;
+    call->duration = now() - call->begin;
+    call->result = result;
+    if (result < 0 && call->usb_error == 0)
+        call->usb_error = usb_activity()->error;
+    report(observation);
 }
 
-static _Thread_local unsigned opens; /* calls of end_open() */
+static void end(struct observation* observation, int result)
+{
+    if (observation->inner)
+        return;
+    report_result(observation, result);
+    *usb_activity() = observation->outer;
+}
 
 static void report_descriptor(struct observation* observation, const void* caller)
 {
@@ -91,7 +109,8 @@ static void report_descriptor(struct observation* observation, const void* calle
 
 static hid_device* end_open(struct observation* observation, hid_device* hid, const void* caller)
 {
-    ++opens;
+    if (observation->inner)
+        return hid;
     struct usb_activity* const activity = usb_activity();
     struct open_device* device = activity->device;
     struct hid_call* const call = &observation->call;
@@ -108,10 +127,12 @@ static hid_device* end_open(struct observation* observation, hid_device* hid, co
         call->vendor_id = activity->vendor_id;
         call->product_id = activity->product_id;
     }
-    end(observation, hid ? 0 : -1);
+    report_result(observation, hid ? 0 : -1);
     if (hid && observation->observer)
         report_descriptor(observation, caller);
-    activity->device = NULL;
+    *activity = observation->outer;
+    if (observation->in_place)
+        activity->reported = true;
     return hid;
 }
 
@@ -123,41 +144,45 @@ DECLARE_NEXT(hid_close);
 EXPORT hid_device* hid_open(
     unsigned short vendor_id, unsigned short product_id, const wchar_t* serial_number)
 {
-    const unsigned before = opens;
-    struct observation observation = begin(USB_OPENING, HID_CALL_OPEN, NULL);
+    __typeof__(&hid_open) next = NEXT(hid_open);
+    struct observation observation
+        = begin(USB_OPENING, HID_CALL_OPEN, NULL, CALLER, (any_function)next);
     observation.call.vendor_id = vendor_id;
     observation.call.product_id = product_id;
-    __typeof__(&hid_open) next = NEXT(hid_open);
-    --depth; /* report the call of hid_open_path() in its place, which has the path */
+    usb_activity()->by_ids = true;
     hid_device* const hid = next ? next(vendor_id, product_id, serial_number) : NULL;
-    if (opens != before)
+    if (usb_activity()->reported) {
+        *usb_activity() = observation.outer;
         return hid;
-    ++depth;
+    }
     return end_open(&observation, hid, CALLER);
 }
 
 EXPORT hid_device* hid_open_path(const char* path)
 {
-    struct observation observation = begin(USB_OPENING, HID_CALL_OPEN, NULL);
-    observation.call.path = path;
     __typeof__(&hid_open_path) next = NEXT(hid_open_path);
+    struct observation observation
+        = begin(USB_OPENING, HID_CALL_OPEN, NULL, CALLER, (any_function)next);
+    observation.call.path = path;
     return end_open(&observation, next ? next(path) : NULL, CALLER);
 }
 
 EXPORT hid_device* hid_libusb_wrap_sys_device(intptr_t sys_device, int interface)
 {
-    struct observation observation = begin(USB_OPENING, HID_CALL_OPEN, NULL);
     __typeof__(&hid_libusb_wrap_sys_device) next = NEXT(hid_libusb_wrap_sys_device);
+    struct observation observation
+        = begin(USB_OPENING, HID_CALL_OPEN, NULL, CALLER, (any_function)next);
     return end_open(&observation, next ? next(sys_device, interface) : NULL, CALLER);
 }
 
 EXPORT void hid_close(hid_device* hid)
 {
     struct open_device* const device = find_hid(hid);
-    struct observation observation = begin(USB_OUTSIDE, HID_CALL_CLOSE, device);
+    __typeof__(&hid_close) next = NEXT(hid_close);
+    struct observation observation
+        = begin(USB_OUTSIDE, HID_CALL_CLOSE, device, CALLER, (any_function)next);
     if (device)
         atomic_store(&device->hid, NULL); /* hidapi may give another device this address */
-    __typeof__(&hid_close) next = NEXT(hid_close);
     if (next)
         next(hid);
     if (device)
@@ -165,13 +190,12 @@ EXPORT void hid_close(hid_device* hid)
     end(&observation, 0);
 }
 
-static int end_sending(
+static void end_sending(
     struct observation* observation, const unsigned char* data, size_t length, int result)
 {
     observation->call.data = data;
     observation->call.size = data ? length : 0;
     end(observation, result);
-    return result;
 }
 
 static int end_receiving(struct observation* observation, const unsigned char* data, int result)
@@ -198,17 +222,21 @@ static int end_reading(struct observation* observation, const struct open_device
     DECLARE_NEXT(name);                                                                            \
     EXPORT int name(hid_device* hid, const unsigned char* data, size_t length)                     \
     {                                                                                              \
-        struct observation observation = begin(USB_TRANSFERRING, kind, find_hid(hid));             \
         __typeof__(&name) next = NEXT(name);                                                       \
-        return end_sending(&observation, data, length, next ? next(hid, data, length) : -1);       \
+        struct observation observation                                                             \
+            = begin(USB_TRANSFERRING, kind, find_hid(hid), CALLER, (any_function)next);            \
+        const int result = next ? next(hid, data, length) : -1;                                    \
+        end_sending(&observation, data, length, result);                                           \
+        return result;                                                                             \
     }
 
 #define WRAP_RECEIVING(name, kind)                                                                 \
     DECLARE_NEXT(name);                                                                            \
     EXPORT int name(hid_device* hid, unsigned char* data, size_t length)                           \
     {                                                                                              \
-        struct observation observation = begin(USB_TRANSFERRING, kind, find_hid(hid));             \
         __typeof__(&name) next = NEXT(name);                                                       \
+        struct observation observation                                                             \
+            = begin(USB_TRANSFERRING, kind, find_hid(hid), CALLER, (any_function)next);            \
         return end_receiving(&observation, data, next ? next(hid, data, length) : -1);             \
     }
 
@@ -228,16 +256,18 @@ DECLARE_NEXT(hid_read_timeout);
 EXPORT int hid_read(hid_device* hid, unsigned char* data, size_t length)
 {
     struct open_device* const device = find_hid(hid);
-    struct observation observation = begin(USB_TRANSFERRING, HID_CALL_READ, device);
     __typeof__(&hid_read) next = NEXT(hid_read);
+    struct observation observation
+        = begin(USB_TRANSFERRING, HID_CALL_READ, device, CALLER, (any_function)next);
     return end_reading(&observation, device, data, next ? next(hid, data, length) : -1);
 }
 
 EXPORT int hid_read_timeout(hid_device* hid, unsigned char* data, size_t length, int milliseconds)
 {
     struct open_device* const device = find_hid(hid);
-    struct observation observation = begin(USB_TRANSFERRING, HID_CALL_READ, device);
     __typeof__(&hid_read_timeout) next = NEXT(hid_read_timeout);
+    struct observation observation
+        = begin(USB_TRANSFERRING, HID_CALL_READ, device, CALLER, (any_function)next);
     return end_reading(
         &observation, device, data, next ? next(hid, data, length, milliseconds) : -1);
 }

@@ -2,7 +2,8 @@
  *
  * The functions of hid_calls.c have the names of hidapi's functions. They call hidapi's own and
  * pass arguments, results and errno through unchanged. A program that contains them, or has them
- * preloaded, can observe what it opens, writes and reads. They also pass through the functions of
+ * preloaded, can observe what it opens, writes and reads. Calls that hidapi makes itself are not
+ * observed, nor are those for a device whose open was not. They also pass through the functions of
  * libusb that hidapi calls, because only those know the reason of a failure.
  *
  * The report descriptor is the one that the thread read last, if it was this interface's: some
@@ -35,7 +36,7 @@ struct hid_call {
     enum hid_call_kind kind;
     uint32_t device;     /* number of the open device in its opener, from 1; 0 if it did not open */
     int32_t opener;      /* process that opened the device: after fork() it may be an earlier one */
-    int64_t begin;       /* microseconds on CLOCK_REALTIME */
+    int64_t begin;       /* microseconds on CLOCK_MONOTONIC */
     int64_t duration;    /* microseconds */
     int result;          /* of the call; of an open 0, or -1 if it failed */
     int usb_error;       /* libusb's error (negative) that made the call fail; 0 if there was none,
@@ -48,8 +49,8 @@ struct hid_call {
 };
 
 /* Called after each call, on the thread that made it and before it returns to its caller; any
- * number of threads at once. May
- * change errno. The thread cannot be cancelled meanwhile. Must not call hidapi. */
+ * number of threads at once, and in a signal handler that calls hidapi. May change errno.
+ * The thread cannot be cancelled meanwhile. Must not call hidapi. */
 typedef void (*hid_call_observer)(const struct hid_call* call);
 
 /* Sets the observer of the process; null switches observing off. Any thread. Calls that are being

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <stdatomic.h>
+#include <stdbool.h>
+#include <stdint.h>
 
 typedef void (*any_function)(void);
 
@@ -12,9 +14,16 @@ struct next_function {
 
 /* The definition that the program would use without ours: the next one in the order in which
  * libraries are searched. If there is none, that of the library that contains `caller` or of those
- * that it needs: plug-ins can load libraries that only they can use. Null if there is none either.
- * Any thread. Keeps errno. */
+ * that it needs: plug-ins can load libraries that only they can use. If there is none either, that
+ * of any loaded library: after a tail call, `caller` is the caller of the function that made the
+ * call. Null if no library has it. Any thread. Keeps errno. */
 any_function find_next_function(struct next_function* next, const void* caller);
+
+/* Whether addresses of functions or return addresses lie in the same library or program, in the one
+ * that contains the wrappers, and in hidapi's shared library. Async-signal-safe. */
+bool in_same_library(const void* one, const void* other);
+bool in_this_library(const void* address);
+bool in_hidapi(const void* address);
 
 #define DECLARE_NEXT(name) static struct next_function next_##name = {#name, NULL}
 

@@ -13,6 +13,10 @@ struct usb_activity {
     enum usb_call call; /* of hidapi, that this thread is in */
     int error;          /* libusb's last error in it, 0 if there was none */
 
+    /* In hid_open(): the call of hid_open_path() in it, which has the path, is reported instead. */
+    bool by_ids;
+    bool reported;
+
     /* While opening: of the last libusb_open(). */
     uint16_t vendor_id;
     uint16_t product_id;
@@ -20,7 +24,8 @@ struct usb_activity {
     int interface;              /* the one that was claimed last, -1 before */
 };
 
-/* The activity of this thread. Begins anew with each call of hidapi. */
+/* The activity of this thread. Begins anew with each call of hidapi, after which the caller
+ * restores the earlier one: a signal handler may make calls during others. */
 struct usb_activity* begin_usb_activity(enum usb_call call);
 struct usb_activity* usb_activity(void);
 

@@ -19,7 +19,7 @@ std::atomic<Journal*> current = nullptr;
 microseconds now()
 {
     return std::chrono::duration_cast<microseconds>(
-        std::chrono::system_clock::now().time_since_epoch());
+        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 std::optional<Entry::Kind> kindOf(const hid_call& call)

@@ -32,7 +32,7 @@ struct Entry {
     };
 
     Kind kind = Kind::kLog;
-    std::chrono::microseconds time{}; // since 1970-01-01, UTC; of a call its end
+    std::chrono::microseconds time{}; // on the steady clock; of a call its end
     std::chrono::steady_clock::time_point arrival = std::chrono::steady_clock::now();
     report::Bytes report = {};            // of kSent and kReceived
     bool failed = false;                  // kSent: the device did not take the report

@@ -8,7 +8,7 @@ namespace {
 std::chrono::microseconds now()
 {
     return std::chrono::duration_cast<std::chrono::microseconds>(
-        std::chrono::system_clock::now().time_since_epoch());
+        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 } // namespace
@@ -30,7 +30,7 @@ void Trace::add(const Call& call)
     TracedCall traced{call};
     empty_ = false;
     traced.otherProcess = call.process != program_;
-    // The clock may have been set back.
+    // A process in a time namespace may have another clock.
     traced.time = std::max(call.time() - start_, std::chrono::microseconds());
     if (TrafficDevice* const device = devices_.take(call)) {
         traced.device = device;

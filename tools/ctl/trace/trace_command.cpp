@@ -27,8 +27,8 @@ void explainEnd(const Options& options, const Trace& trace, const TraceServer& s
         Output::err().line(program + " has ended; processes that it started continue untraced");
     if (trace.empty())
         Output::err().line(program
-            + " made no hidapi calls; only programs that are linked to the shared library of"
-              " hidapi can be traced");
+            + " made no hidapi calls that could be seen; programs that contain hidapi, that load it"
+              " with dlopen(), or that run as another user cannot be traced");
 }
 
 int run(const Options& options)

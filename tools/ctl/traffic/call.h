@@ -18,7 +18,7 @@ struct Call {
     std::string program; // that it runs
     uint32_t device = 0;
     int32_t opener = 0;
-    std::chrono::microseconds begin{}; // since 1970
+    std::chrono::microseconds begin{}; // on the steady clock
     std::chrono::microseconds duration{};
     int result = 0;
     int usbError = 0;

@@ -3,7 +3,6 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
-#include <algorithm>
 
 namespace ctl {
 
@@ -47,7 +46,7 @@ struct Monitor::Reports {
 Monitor::Monitor(const Options& options)
     : options_(options)
     , names_(report::UsageNames::load())
-    , start_(std::chrono::system_clock::now())
+    , start_(std::chrono::steady_clock::now())
 {
     if (!options.record.empty())
         recording_.emplace(options.record);
@@ -108,7 +107,7 @@ void Monitor::showDevice(const DeviceEntry& entry)
 void Monitor::print(Reports& device, const Report& report)
 {
     ++count_;
-    const std::chrono::microseconds time = sinceStart(report.time);
+    const auto time = std::chrono::duration_cast<std::chrono::microseconds>(report.time - start_);
     if (recording_)
         recording_->add({.device = device.index, .time = time, .bytes = report.bytes});
     const Words words = device.describe(report.bytes);
@@ -125,13 +124,6 @@ void Monitor::print(Reports& device, const Report& report)
     Output& out = Output::out();
     out.line(timeText(time) + "  "
         + (device.hasDescriptor ? reportText(report.bytes, words, &out) : bytesText(report.bytes)));
-}
-
-// The clock may have been set back.
-std::chrono::microseconds Monitor::sinceStart(std::chrono::system_clock::time_point time) const
-{
-    const auto difference = std::chrono::duration_cast<std::chrono::microseconds>(time - start_);
-    return std::max(difference, std::chrono::microseconds());
 }
 
 } // namespace ctl

@@ -35,12 +35,10 @@ private:
     [[nodiscard]] End end(const DeviceEntry& entry, bool gone) const;
     void showDevice(const DeviceEntry& entry);
     void print(Reports& device, const ReportReader::Report& report);
-    [[nodiscard]] std::chrono::microseconds sinceStart(
-        std::chrono::system_clock::time_point time) const;
 
     const Options options_;
     const report::UsageNames names_;
-    const std::chrono::system_clock::time_point start_;
+    const std::chrono::steady_clock::time_point start_;
     std::optional<RecordingFile> recording_;
     size_t count_ = 0;
 };

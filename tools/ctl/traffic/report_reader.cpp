@@ -54,7 +54,7 @@ bool ReportReader::readOne()
     const std::span<const uint8_t> bytes = connection_.read(kWaitMs);
     const std::lock_guard lock(mutex_);
     if (!bytes.empty()) {
-        reports_.push_back({std::chrono::system_clock::now(), {bytes.begin(), bytes.end()}});
+        reports_.push_back({std::chrono::steady_clock::now(), {bytes.begin(), bytes.end()}});
         changed_.notify_one();
     }
     return !abandoned_;

@@ -16,7 +16,7 @@ namespace ctl {
 class ReportReader {
 public:
     struct Report {
-        std::chrono::system_clock::time_point time; // when it was read
+        std::chrono::steady_clock::time_point time; // when it was read
         report::Bytes bytes;                        // as on the wire
     };
 
