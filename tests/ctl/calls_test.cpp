@@ -154,6 +154,29 @@ TEST_F(HidCalls, KeepTheNumberOfADeviceInAForkedProcess)
     hid_close(hid);
 }
 
+TEST_F(HidCalls, AreObservedInTheOrderInWhichReportsAreSent)
+{
+    auto& device = plug();
+    hid_device* const hid = hid_open_path("1-1:1.0");
+    story_.take();
+    const auto writeAll = [hid](uint8_t lamp) {
+        for (int i = 0; i < 200; ++i) {
+            const std::array<uint8_t, 3> report{3, lamp, static_cast<uint8_t>(i)};
+            EXPECT_EQ(hid_write(hid, report.data(), report.size()), 3);
+        }
+    };
+    std::thread one(writeAll, uint8_t{1});
+    std::thread two(writeAll, uint8_t{8});
+    one.join();
+    two.join();
+    EXPECT_TRUE(device.waitForOutputs(400));
+    std::string sent;
+    for (const Bytes& report : device.takeOutputs())
+        sent += "write " + report::toHex(report) + "; ";
+    EXPECT_EQ(story_.take(), sent);
+    hid_close(hid);
+}
+
 TEST_F(HidCalls, MayBeMadeByAnyThread)
 {
     constexpr int kCalls = 200;

@@ -1,3 +1,4 @@
+#define _GNU_SOURCE /* PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP */
 #include "tools/ctl/calls/hid_calls.h"
 
 #include "tools/ctl/calls/next_function.h"
@@ -216,6 +217,24 @@ static int end_reading(struct observation* observation, const struct open_device
     return end_receiving(observation, data, result);
 }
 
+/* With HID_CALLS_IN_ORDER, reports are sent one after another, and observed in this order. */
+#ifdef HID_CALLS_IN_ORDER
+static pthread_mutex_t sending = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
+
+static void begin_sending(void)
+{
+    pthread_mutex_lock(&sending);
+}
+
+static void finish_sending(void)
+{
+    pthread_mutex_unlock(&sending);
+}
+#else
+static void begin_sending(void) { }
+static void finish_sending(void) { }
+#endif
+
 /* A missing function, which an older hidapi does not have, fails. */
 
 #define WRAP_SENDING(name, kind)                                                                   \
@@ -223,10 +242,12 @@ static int end_reading(struct observation* observation, const struct open_device
     EXPORT int name(hid_device* hid, const unsigned char* data, size_t length)                     \
     {                                                                                              \
         __typeof__(&name) next = NEXT(name);                                                       \
+        begin_sending();                                                                           \
         struct observation observation                                                             \
             = begin(USB_TRANSFERRING, kind, find_hid(hid), CALLER, (any_function)next);            \
         const int result = next ? next(hid, data, length) : -1;                                    \
         end_sending(&observation, data, length, result);                                           \
+        finish_sending();                                                                          \
         return result;                                                                             \
     }
 

@@ -49,8 +49,9 @@ struct hid_call {
 };
 
 /* Called after each call, on the thread that made it and before it returns to its caller; any
- * number of threads at once, and in a signal handler that calls hidapi. May change errno.
- * The thread cannot be cancelled meanwhile. Must not call hidapi. */
+ * number of threads at once, and in a signal handler that calls hidapi. In kelprobectl itself, one
+ * thread at a time sends a report and has it observed, so their order is that of the device. May
+ * change errno. The thread cannot be cancelled meanwhile. Must not call hidapi. */
 typedef void (*hid_call_observer)(const struct hid_call* call);
 
 /* Sets the observer of the process; null switches observing off. Any thread. Calls that are being
