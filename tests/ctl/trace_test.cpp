@@ -4,6 +4,7 @@
 
 #include <json/json.h>
 
+#include <fcntl.h>
 #include <sstream>
 
 namespace {
@@ -144,11 +145,12 @@ TEST_F(Trace, LeavesStandardStreamsAndSignalActionsAlone)
     EXPECT_EQ(out_, "the input\n");
     EXPECT_TRUE(err_.starts_with("error\nkelprobectl: ")) << err_;
     // Closed streams are closed for the program, too, and signals have their actions: those up to
-    // 32, of which each has a bit in the last 8 digits.
+    // 32, of which each has a bit in the last 8 digits. 200 is the trace's own descriptor.
     const std::string plain = files_.path() + "plain";
     const std::string traced = files_.path() + "traced";
-    const std::string script = "sh -c '{ ls /proc/self/fd; grep -E \"Sig(Blk|Ign|Cgt)\" "
-                               "/proc/self/status | grep -oE \".{8}$\"; } >\"$0\"' ";
+    const std::string script
+        = "sh -c '{ ls /proc/self/fd | grep -v 200; grep -E \"Sig(Blk|Ign|Cgt)\" "
+          "/proc/self/status | grep -oE \".{8}$\"; } >\"$0\"' ";
     EXPECT_EQ(system(("exec 3>&- <&- >&- 2>/dev/null; " + script + plain).c_str()), 0);
     EXPECT_EQ(run("trace -- " + script + traced + " 3>&- <&- >&-"), 0);
     EXPECT_EQ(test::content(traced), test::content(plain));
@@ -187,6 +189,41 @@ TEST_F(Trace, LosesNothingWhileItCannotKeepUp)
     EXPECT_EQ(process.end(), 0);
     const std::string lines = test::content(errorFile());
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 602);
+}
+
+TEST_F(Trace, LosesNothingIfItsReaderIsSlow)
+{
+    auto& device = plug();
+    const std::string pipe = files_.path() + "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GT(fcntl(reader, F_SETPIPE_SZ, 4096), 0);
+    CtlProcess process(std::string("trace -- ") + kClient + "open flood 200", pipe);
+    ASSERT_TRUE(device.waitForOutputs(200));
+    EXPECT_TRUE(eventually([&] { return device.driverBound(); })) << "the program ends";
+    ASSERT_EQ(fcntl(reader, F_SETFL, 0), 0);
+    char bytes[4096];
+    std::string lines(bytes, static_cast<size_t>(read(reader, bytes, sizeof bytes)));
+    (void)device.waitForOutputs(201, std::chrono::milliseconds(1200)); // nobody reads
+    for (ssize_t size = 0; (size = read(reader, bytes, sizeof bytes)) > 0;)
+        lines.append(bytes, static_cast<size_t>(size));
+    close(reader);
+    EXPECT_EQ(process.end(), 0);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 202);
+}
+
+TEST_F(Trace, CanBeReachedFromAnyDirectory)
+{
+    plug();
+    const char* const variable = "XDG_RUNTIME_DIR";
+    const std::string earlier = getenv(variable) ? getenv(variable) : "";
+    const auto directory = std::filesystem::current_path();
+    setenv(variable, ".", 1);
+    std::filesystem::current_path(files_.path());
+    EXPECT_EQ(run(std::string("trace -- sh -c 'cd /; exec ") + kClient + "open'"), 0);
+    EXPECT_EQ(trace(), std::string(kOpened) + "#1  close\n");
+    std::filesystem::current_path(directory);
+    setenv(variable, earlier.c_str(), 1);
 }
 
 TEST_F(Trace, LetsTheProgramContinueWhenItIsKilled)

@@ -1,6 +1,7 @@
 /* kelprobe-trace-preload.so: preloaded into a program, reports its calls to kelprobectl trace.
  *
- * Connects at the first call. A call returns when its message is in the socket's buffer, so the
+ * Connects at the first call, or at the start if the program may give up root's rights later: only
+ * this user may connect. A call returns when its message is in the socket's buffer, so the
  * program waits if kelprobectl cannot keep up. Without kelprobectl nothing is reported. Nothing is
  * printed and no signal is raised. There are no locks, so the program can fork at any time. */
 #define _GNU_SOURCE /* program_invocation_short_name, secure_getenv() */
@@ -67,8 +68,9 @@ static void stop_reporting(void)
         close(descriptor_of(used));
 }
 
-/* Replaces a connection that the program has closed. NOT_CONNECTED if that fails. */
-static uint64_t connect_again(uint64_t closed)
+/* Makes a connection, also to replace one that the program has closed. NOT_CONNECTED if that fails.
+ */
+static uint64_t make_connection(uint64_t closed)
 {
     const int descriptor = open_socket();
     if (descriptor < 0)
@@ -94,7 +96,7 @@ static bool send_message(const struct msghdr* message)
 {
     uint64_t socket = atomic_load(&connection);
     if (!is_ours(socket))
-        socket = connect_again(socket);
+        socket = make_connection(socket);
     if (socket == NOT_CONNECTED)
         return true;
     ssize_t sent = 0;
@@ -150,4 +152,6 @@ __attribute__((constructor)) static void start(void)
     memcpy(server.sun_path, path, strlen(path));
     strncpy(program, program_invocation_short_name, sizeof program - 1);
     hid_calls_observe(send_call);
+    if (geteuid() == 0)
+        (void)make_connection(NOT_CONNECTED);
 }

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 namespace ctl {
 namespace {
 
-constexpr std::chrono::seconds kRestLimit{1};
+constexpr int kRestLimit = 4096; // messages; more than the buffer of a socket holds
 constexpr const char* kSocketName = "socket";
 
 [[noreturn]] void fail(const std::string& what)
@@ -37,7 +37,8 @@ fs::path makeDirectory()
         const char* const value = *variable ? std::getenv(variable) : "/tmp";
         if (!value || !*value)
             continue;
-        std::string name = fs::path(value) / "kelprobe-trace.XXXXXX";
+        // The program may be in another directory when it connects.
+        std::string name = fs::absolute(value) / "kelprobe-trace.XXXXXX";
         if (fits(fs::path(name) / kSocketName) && mkdtemp(name.data()))
             return name;
     }
@@ -86,25 +87,31 @@ void TraceServer::receiveUntilReadable(int other, const Callback& callback)
 
 void TraceServer::receiveRest(const Callback& callback)
 {
-    const auto limit = std::chrono::steady_clock::now() + kRestLimit;
     pollfd none{-1, POLLIN, 0};
-    while (receive(none, 0, callback) && std::chrono::steady_clock::now() < limit) { }
+    for (int i = 0; i < kRestLimit && receive(none, 0, callback); ++i) { }
+}
+
+bool TraceServer::isConnected() const
+{
+    return std::any_of(connections_.begin(), connections_.end(),
+        [](const Connection& connection) { return connection.used; });
 }
 
 bool TraceServer::receive(pollfd& other, int milliseconds, const Callback& callback)
 {
-    std::vector<pollfd> entries{{listener_.get(), POLLIN, 0}, other};
-    for (const UniqueFd& connection : connections_)
-        entries.push_back({connection.get(), POLLIN, 0});
+    std::vector<pollfd> entries{{full_ ? -1 : listener_.get(), POLLIN, 0}, other};
+    for (const Connection& connection : connections_)
+        entries.push_back({connection.socket.get(), POLLIN, 0});
     const int ready = ::poll(entries.data(), entries.size(), milliseconds);
     other.revents = entries[1].revents;
     if (ready <= 0)
         return false;
-    std::vector<UniqueFd> open;
+    std::vector<Connection> open;
     for (size_t i = 0; i < connections_.size(); ++i) {
         if (entries[i + 2].revents == 0 || receive(connections_[i], callback))
             open.push_back(std::move(connections_[i]));
     }
+    full_ = full_ && open.size() == connections_.size();
     connections_ = std::move(open);
     accept();
     return true;
@@ -115,23 +122,27 @@ void TraceServer::accept()
     for (;;) {
         UniqueFd connection(
             accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (connection.get() < 0)
+        if (connection.get() < 0) {
+            full_ = errno == EMFILE || errno == ENFILE;
             return;
-        connections_.push_back(std::move(connection));
+        }
+        connections_.push_back({std::move(connection)});
     }
 }
 
-bool TraceServer::receive(const UniqueFd& connection, const Callback& callback)
+bool TraceServer::receive(Connection& connection, const Callback& callback)
 {
-    const ssize_t size = recv(connection.get(), buffer_.data(), buffer_.size(), 0);
+    const ssize_t size = recv(connection.socket.get(), buffer_.data(), buffer_.size(), 0);
     if (size < 0)
         return errno == EAGAIN || errno == EINTR;
     if (size == 0)
         return false;
     const auto call = parseTraceMessage({buffer_.data(), static_cast<size_t>(size)});
-    if (call)
-        callback(*call);
-    return call.has_value();
+    if (!call)
+        return false;
+    connection.used = true;
+    callback(*call);
+    return true;
 }
 
 } // namespace ctl

@@ -30,23 +30,29 @@ public:
     // readable.
     void receiveUntilReadable(int other, const Callback& callback);
 
-    // Calls back for the calls that were made until now.
+    // Calls back for the calls that were made until now, and perhaps for some later ones.
     void receiveRest(const Callback& callback);
 
-    // Whether a process that has been traced is still running.
-    [[nodiscard]] bool isConnected() const { return !connections_.empty(); }
+    // Whether a process that has made calls is still running.
+    [[nodiscard]] bool isConnected() const;
 
 private:
+    struct Connection {
+        UniqueFd socket;
+        bool used = false; // a call was received
+    };
+
     // Waits for at most that long, negative for no limit, and receives one message from each
     // connection that has some. Sets `other.revents`. Returns whether anything happened.
     bool receive(pollfd& other, int milliseconds, const Callback& callback);
     // Returns false if the connection has ended or sends something else.
-    [[nodiscard]] bool receive(const UniqueFd& connection, const Callback& callback);
+    [[nodiscard]] bool receive(Connection& connection, const Callback& callback);
     void accept();
 
     const std::filesystem::path directory_;
     UniqueFd listener_;
-    std::vector<UniqueFd> connections_;
+    std::vector<Connection> connections_;
+    bool full_ = false; // no file can be opened until a connection ends; processes wait
     std::vector<uint8_t> buffer_;
 };
 
