@@ -5,6 +5,7 @@
 #include <json/json.h>
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sstream>
 
 namespace {
@@ -134,6 +135,10 @@ TEST_F(Trace, EndsAsTheProgramDoes)
         EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
     }
     EXPECT_EQ(run("trace"), 2);
+    const std::string file = files_.path() + "file";
+    EXPECT_EQ(run("trace --output " + file + " --record " + files_.path() + "./file -- true"), 2);
+    EXPECT_EQ(err_, "kelprobectl: --output and --record need different files\n");
+    EXPECT_EQ(run("trace --output /dev/null --record /dev/null -- true"), 0);
     EXPECT_EQ(run("trace --output /no/file -- touch " + files_.path() + "started"), 3);
     EXPECT_FALSE(std::filesystem::exists(files_.path() + "started"));
 }
@@ -154,6 +159,10 @@ TEST_F(Trace, LeavesStandardStreamsAndSignalActionsAlone)
     EXPECT_EQ(system(("exec 3>&- <&- >&- 2>/dev/null; " + script + plain).c_str()), 0);
     EXPECT_EQ(run("trace -- " + script + traced + " 3>&- <&- >&-"), 0);
     EXPECT_EQ(test::content(traced), test::content(plain));
+    // A program that closes its output ends it for the reader.
+    EXPECT_EQ(run("trace -- sh -c 'for i in $(seq 1000); do"
+                  " [ \"$(readlink /proc/$PPID/fd/1)\" = /dev/null ] && exit; done; exit 1'"),
+        0);
 }
 
 TEST_F(Trace, FollowsProcessesThatTheProgramStarts)
@@ -237,9 +246,32 @@ TEST_F(Trace, LetsTheProgramContinueWhenItIsKilled)
 TEST_F(Trace, PassesSignalsOn)
 {
     auto& device = plug();
-    CtlProcess process(std::string("trace -- ") + kClient + "open w 030800 gone", errorFile());
+    for (const int signal : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2, SIGALRM}) {
+        (void)device.takeOutputs();
+        CtlProcess process(std::string("trace -- ") + kClient + "open w 030800 gone", errorFile());
+        ASSERT_TRUE(device.waitForOutputs(1));
+        EXPECT_EQ(process.end(signal), 128 + signal);
+    }
+}
+
+TEST_F(Trace, EndsTheProgramWhenItsTerminalIsClosed)
+{
+    auto& device = plug();
+    int terminal = -1;
+    const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (process == 0) {
+        execl(KELPROBECTL, "kelprobectl", "trace", "--", SIM_CLIENT, "open", "w", "030800", "gone",
+            nullptr);
+        _exit(1);
+    }
     ASSERT_TRUE(device.waitForOutputs(1));
-    EXPECT_EQ(process.end(SIGTERM), 128 + SIGTERM);
+    close(terminal);
+    int status = 0;
+    const bool ended = eventually([&] { return waitpid(process, &status, WNOHANG) == process; });
+    EXPECT_TRUE(ended);
+    EXPECT_EQ(WEXITSTATUS(status), 128 + SIGHUP);
+    if (!ended)
+        kill(process, SIGKILL);
 }
 
 TEST_F(Trace, RecordsTheReportsOfAllDevices)

@@ -10,6 +10,8 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+namespace fs = std::filesystem;
+
 namespace ctl {
 namespace {
 
@@ -31,14 +33,27 @@ void explainEnd(const Options& options, const Trace& trace, const TraceServer& s
               " with dlopen(), or that run as another user cannot be traced");
 }
 
+// Not of files that are written directly, such as /dev/null.
+bool isSameFile(const std::string& one, const std::string& other)
+{
+    if (one.empty() || other.empty())
+        return false;
+    const fs::path target = fs::weakly_canonical(fs::absolute(one));
+    const bool isSpecial = fs::exists(target) && !fs::is_regular_file(target);
+    return !isSpecial && target == fs::weakly_canonical(fs::absolute(other));
+}
+
 int run(const Options& options)
 {
+    if (isSameFile(options.trace.output, options.trace.record))
+        throw Failure(kWrongUse, "--output and --record need different files");
+    TracedProgram program; // first, so that no signal leaves the server's directory behind
     TraceServer server;
     const std::string library = preload::libraryPath(kPreloadLibrary, server.directory());
     Trace trace(options.trace);
     const auto add = [&trace](const Call& call) { trace.add(call); };
     try {
-        TracedProgram program(options.command,
+        program.start(options.command,
             {{TRACE_SOCKET_VARIABLE, server.socketPath()},
                 {"LD_PRELOAD", preload::appended(library)}});
         trace.setProgram(program.pid());

@@ -26,7 +26,8 @@ sigset_t handledSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD})
+    for (const int number :
+        {SIGALRM, SIGCHLD, SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH})
         sigaddset(&signals, number);
     return signals;
 }
@@ -49,9 +50,38 @@ int execError(int fd)
     return error;
 }
 
+// Files of this process itself are closed in programs that it starts; the others are inherited.
+void releaseStandardStreams()
+{
+    const UniqueFd none(open("/dev/null", O_RDWR | O_CLOEXEC));
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO}) {
+        const int flags = fcntl(fd, F_GETFD);
+        if (flags >= 0 && !(flags & FD_CLOEXEC))
+            dup2(none.get(), fd);
+    }
+}
+
+// Whether the kernel has sent the signal to the program, too. If the terminal is closed, it sends
+// SIGHUP only to the leader of the session. SIGALRM is from a timer of this process.
+bool isSentToProgram(const signalfd_siginfo& signal)
+{
+    const bool isForThisProcess
+        = signal.ssi_signo == SIGALRM || (signal.ssi_signo == SIGHUP && getsid(0) == getpid());
+    return signal.ssi_code == SI_KERNEL && !isForThisProcess;
+}
+
 } // namespace
 
-TracedProgram::TracedProgram(
+TracedProgram::TracedProgram()
+{
+    const sigset_t handled = handledSignals();
+    pthread_sigmask(SIG_BLOCK, &handled, &inheritedMask_);
+    signals_ = UniqueFd(signalfd(-1, &handled, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (signals_.get() < 0)
+        fail("no signals can be received");
+}
+
+void TracedProgram::start(
     std::vector<std::string> command, const std::map<std::string, std::string>& environment)
 {
     std::vector<char*> arguments;
@@ -66,16 +96,12 @@ TracedProgram::TracedProgram(
     UniqueFd writeEnd(ends[1]);
     // If it stayed ignored, there would be no exit status.
     const auto inheritedAction = std::signal(SIGCHLD, SIG_DFL);
-    const sigset_t handled = handledSignals();
-    sigset_t inheritedMask;
-    pthread_sigmask(SIG_BLOCK, &handled, &inheritedMask);
-    signals_ = UniqueFd(signalfd(-1, &handled, SFD_CLOEXEC | SFD_NONBLOCK));
-    pid_ = signals_.get() < 0 ? -1 : fork();
+    pid_ = fork();
     if (pid_ < 0)
         fail(command[0].c_str());
     if (pid_ == 0) {
         std::signal(SIGCHLD, inheritedAction);
-        run(arguments.data(), environment, inheritedMask);
+        run(arguments.data(), environment, inheritedMask_);
         const int error = errno;
         [[maybe_unused]] const ssize_t written = write(writeEnd.get(), &error, sizeof error);
         _exit(kCannotRun);
@@ -86,6 +112,7 @@ TracedProgram::TracedProgram(
         throw StartError{error == ENOENT ? kNotFound : kCannotRun,
             command[0] + ": " + std::generic_category().message(error)};
     }
+    releaseStandardStreams();
 }
 
 bool TracedProgram::handleSignals()
@@ -93,10 +120,9 @@ bool TracedProgram::handleSignals()
     signalfd_siginfo signal{};
     bool ended = false;
     while (read(signals_.get(), &signal, sizeof signal) == sizeof signal) {
-        const bool fromTerminal = signal.ssi_code == SI_KERNEL;
         if (signal.ssi_signo == SIGCHLD)
             ended = collect() || ended;
-        else if (!fromTerminal && !ended)
+        else if (!ended && !isSentToProgram(signal))
             kill(pid_, static_cast<int>(signal.ssi_signo));
     }
     return ended;

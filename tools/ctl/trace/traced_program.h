@@ -11,8 +11,9 @@
 namespace ctl {
 
 // The program has this process's group and standard streams. A process has at most one object, and
-// one thread when it is created. From then on SIGINT, SIGQUIT, SIGTERM and SIGHUP do not end this
-// process: the terminal sends its signals to the program, too, and others are passed on to it.
+// one thread until start() returns. While it exists, signals that would end this process do not:
+// the terminal sends its signals to the program, too, and others are passed on to it. Those that
+// come before start() wait for it.
 class TracedProgram {
 public:
     struct StartError {
@@ -20,12 +21,17 @@ public:
         std::string text;
     };
 
-    // `command` is the program, which is searched for in PATH, and its arguments; `environment` is
-    // added to this process's. Throws StartError; Failure if there are no resources.
-    TracedProgram(
-        std::vector<std::string> command, const std::map<std::string, std::string>& environment);
+    // Blocks the signals, for good. Throws Failure if there are no resources.
+    TracedProgram();
     TracedProgram(const TracedProgram&) = delete;
     TracedProgram& operator=(const TracedProgram&) = delete;
+
+    // To be called once. `command` is the program, which is searched for in PATH, and its
+    // arguments; `environment` is added to this process's. From then on standard input and output
+    // are the program's only: when it closes them, nobody has them open. Throws StartError; Failure
+    // if there are no resources.
+    void start(
+        std::vector<std::string> command, const std::map<std::string, std::string>& environment);
 
     [[nodiscard]] pid_t pid() const { return pid_; }
 
@@ -41,6 +47,7 @@ public:
 private:
     [[nodiscard]] bool collect();
 
+    sigset_t inheritedMask_{};
     UniqueFd signals_;
     pid_t pid_ = -1;
     int exitStatus_ = 0;
