@@ -112,6 +112,17 @@ TEST_F(Monitor, WaitsForTheDevice)
     EXPECT_TRUE(eventually([&] { return device.driverBound(); }));
 }
 
+TEST_F(Monitor, WaitsUntilTheDeviceIsFree)
+{
+    auto& device = plug();
+    device.faults().refuseClaim.arm();
+    CtlProcess monitor("monitor --wait 1209:0001", errorFile());
+    ASSERT_TRUE(says({"Waiting", "\n1209:0001: another program has the interface; "}));
+    device.faults().refuseClaim.arm(0);
+    EXPECT_TRUE(says({"Waiting", "\nInput reports of 1209:0001"}));
+    EXPECT_EQ(monitor.end(SIGINT), 0);
+}
+
 TEST_F(Monitor, LosesNothingInBursts)
 {
     constexpr int kBursts = 40;

@@ -3,6 +3,7 @@
 #include "tools/ctl/cli/failure.h"
 #include "tools/ctl/cli/output.h"
 #include "tools/ctl/usb/device_scan.h"
+#include "tools/ctl/usb/device_words.h"
 #include "tools/ctl/usb/hotplug.h"
 
 #include <chrono>
@@ -14,7 +15,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kSettleTime{2};
-constexpr int kRetryMs = 100;
+constexpr int kSettlingMs = 100; // between two tries
+constexpr int kSettledMs = 1000; // no message says that a program has freed a device
 
 std::optional<DeviceEntry> findDevice(const std::optional<std::string>& choice)
 {
@@ -38,14 +40,18 @@ std::optional<DeviceEntry> waitForDevice(
     // One that is leaving or has just come is in the list, but cannot be opened.
     Clock::time_point settled = Clock::now() + kSettleTime;
     bool announced = false;
+    bool explained = false;
     while (!stop.stopped()) {
         const bool settling = Clock::now() < settled;
         std::optional<DeviceEntry> entry = findDevice(choice);
-        if (entry && (entry->access == Access::kOpen || !settling))
+        const bool busy = entry && entry->access == Access::kBusy;
+        if (entry && (entry->access == Access::kOpen || (!settling && !busy)))
             return entry;
         if (!std::exchange(announced, true))
             Output::err().line("Waiting for the device. Ctrl-C ends.");
-        hotplug.wait({&signal, 1}, settling ? kRetryMs : -1);
+        if (busy && !settling && !std::exchange(explained, true))
+            Output::err().line(idsText(*entry) + ": " + entry->accessText);
+        hotplug.wait({&signal, 1}, settling ? kSettlingMs : kSettledMs);
         if (!hotplug.take().empty())
             settled = Clock::now() + kSettleTime;
     }

@@ -1,4 +1,4 @@
-// Waits until a device is plugged in.
+// Waits until a device is plugged in and free.
 #pragma once
 
 #include "tools/ctl/cli/stop_signals.h"
@@ -6,8 +6,9 @@
 
 namespace ctl {
 
-// As chooseDevice(), but if the device is not present, says so on standard error and waits for it.
-// A device that is present and cannot be opened is returned after 2 s: the system may still be
+// As chooseDevice(), but says on standard error that the device is not present or that another
+// program has it, and waits for it. Tries again when a device is plugged in, and each second. A
+// device that cannot be opened for another reason is returned after 2 s: the system may still be
 // setting its permissions. No value if a signal arrives. Throws Failure as chooseDevice() does for
 // a wrong choice.
 [[nodiscard]] std::optional<DeviceEntry> waitForDevice(
