@@ -3,7 +3,6 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
-
 namespace ctl {
 
 using Report = ReportReader::Report;
