@@ -78,10 +78,16 @@ bool useAndUnload()
     dlclose(library);
     // So that it is loaded at another place the next time.
     constexpr size_t kPage = 4096;
-    void* const page = reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(address) & ~(kPage - 1));
+    void* const page = static_cast<char*>(address) - reinterpret_cast<uintptr_t>(address) % kPage;
     const void* const taken
         = mmap(page, kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
     return right && taken == page;
+}
+
+bool useTwice()
+{
+    const bool right = useAndUnload();
+    return right && useAndUnload();
 }
 
 bool useInSignalHandler()
@@ -107,7 +113,7 @@ int main(int, char** argv)
 {
     const std::string_view use = argv[1];
     const bool right = use == "private" ? usePrivately()
-        : use == "twice"                ? useAndUnload() && useAndUnload()
+        : use == "twice"                ? useTwice()
                                         : useInSignalHandler();
     return right ? 0 : 1;
 }
