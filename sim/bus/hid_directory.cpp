@@ -34,13 +34,23 @@ HidDirectory::HidDirectory(const fs::path& device, const UsbDeviceInfo& info)
     std::ofstream file(shown_ / "report_descriptor", std::ios::binary);
     for (const uint8_t byte : info.reportDescriptor)
         file.put(static_cast<char>(byte));
+    file.close();
+    setDriver("usbhid");
 }
 
-void HidDirectory::setBound(bool bound) const
+void HidDirectory::setDriver(const char* name)
 {
+    const std::string driver = name ? name : "";
+    if (shown_.empty() || driver == driver_)
+        return;
+    driver_ = driver;
+    const fs::path link = shown_.parent_path() / "driver";
     std::error_code ignored;
-    if (!shown_.empty())
-        fs::rename(bound ? hidden_ : shown_, bound ? shown_ : hidden_, ignored);
+    fs::remove(link, ignored);
+    if (!driver.empty())
+        fs::create_symlink("../../../../bus/usb/drivers/" + driver, link, ignored);
+    const bool bound = driver == "usbhid";
+    fs::rename(bound ? hidden_ : shown_, bound ? shown_ : hidden_, ignored);
 }
 
 } // namespace sim

@@ -195,8 +195,6 @@ void Usbfs::driverChanged()
 {
     if (owner_.driverBound())
         urbs_.dropInput(); // the driver reads it
-    if (directory_)
-        directory_->setBound(owner_.driverBound());
 }
 
 long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
@@ -277,8 +275,11 @@ long Usbfs::reap(UMockdevIoctlClient* client, UMockdevIoctlData* target)
 
 void Usbfs::stateChanged()
 {
-    if (connected_)
+    if (connected_) {
         node_.setReady(urbs_.anyFinished());
+        if (directory_)
+            directory_->setDriver(owner_.driverName());
+    }
     if (urbs_.allInputReaped())
         changed_.notify_all();
 }
