@@ -10,8 +10,9 @@
 namespace report {
 namespace {
 
-constexpr size_t kMaxFileSize = size_t{16} * 1024 * 1024;
-constexpr size_t kMaxNameSize = 255; // longer ones are ignored
+constexpr std::streamoff kMaxFileSize = 16 * 1024 * 1024;
+constexpr size_t kFirstRead = size_t{32} * 1024; // the pages and what is after them
+constexpr size_t kMaxNameSize = 255;             // longer ones are ignored
 constexpr uint16_t kButtonPage = 0x09;
 constexpr std::string_view kPagePrefix = "HUT ";
 constexpr std::string_view kLaterPage = "\nHUT ";
@@ -60,36 +61,71 @@ std::string hexadecimal(uint16_t number)
     return text.data();
 }
 
+// Sorts by key and keeps the first entry of each.
+template <typename Entry>
+void order(std::vector<Entry>& entries)
+{
+    const auto less = [](const Entry& a, const Entry& b) { return a.key < b.key; };
+    const auto equal = [](const Entry& a, const Entry& b) { return a.key == b.key; };
+    if (!std::is_sorted(entries.begin(), entries.end(), less))
+        std::stable_sort(entries.begin(), entries.end(), less);
+    entries.erase(std::unique(entries.begin(), entries.end(), equal), entries.end());
+}
+
+// The pages follow each other, so those of a file are complete if a line of another section comes
+// before them.
+bool hasAllPages(std::string_view endOfFile)
+{
+    constexpr std::string_view otherLines = "\t#\r\n"; // begin like this
+    const size_t first = endOfFile.find(kLaterPage);
+    if (first == endOfFile.npos)
+        return false;
+    for (size_t at = endOfFile.find('\n'); at < first; at = endOfFile.find('\n', at + 1)) {
+        if (otherLines.find(endOfFile[at + 1]) == otherLines.npos)
+            return true;
+    }
+    return false;
+}
+
+// As much of the end of the file as has all pages.
+std::string readPages(std::istream& file)
+{
+    const std::streamoff end = file.seekg(0, std::ios::end).tellg();
+    const auto limit = static_cast<size_t>(std::clamp<std::streamoff>(end, 0, kMaxFileSize));
+    std::string text;
+    for (size_t size = kFirstRead; text.size() < limit && !hasAllPages(text); size *= 4) {
+        text.resize(std::min(size, limit));
+        file.seekg(end - static_cast<std::streamoff>(text.size()));
+        if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
+            return {};
+    }
+    return text;
+}
+
 } // namespace
 
-UsageNames UsageNames::load()
+UsageNames UsageNames::load(Part part)
 {
     for (const char* const path : {"/usr/share/misc/usb.ids", "/var/lib/usbutils/usb.ids"}) {
-        UsageNames names = load(path);
+        UsageNames names = load(path, part);
         if (!names.empty())
             return names;
     }
     return {};
 }
 
-UsageNames UsageNames::load(const std::filesystem::path& file)
+UsageNames UsageNames::load(const std::filesystem::path& file, Part part)
 {
     std::ifstream stream(file, std::ios::binary);
-    std::string text;
-    std::error_code error;
-    const auto size = std::filesystem::file_size(file, error);
-    text.reserve(error ? 0 : std::min<size_t>(size, kMaxFileSize));
-    std::array<char, 65'536> buffer;
-    while (stream && text.size() < kMaxFileSize) {
-        stream.read(buffer.data(), buffer.size());
-        text.append(buffer.data(), static_cast<size_t>(stream.gcount()));
-    }
-    return parse(text);
+    stream.rdbuf()->pubsetbuf(nullptr, 0); // it is read in large parts
+    return parse(readPages(stream), part);
 }
 
-UsageNames UsageNames::parse(std::string_view text)
+UsageNames UsageNames::parse(std::string file, Part part)
 {
     UsageNames names;
+    names.text_ = std::move(file);
+    std::string_view text = names.text_;
     // The vendors come first and are most of the file.
     const size_t before = text.find(kLaterPage);
     if (before != text.npos && !text.starts_with(kPagePrefix))
@@ -101,9 +137,10 @@ UsageNames UsageNames::parse(std::string_view text)
         if (line.empty() || line.starts_with('#'))
             continue;
         if (line.starts_with('\t')) {
-            const auto entry = readEntry(line.substr(1));
-            if (inPage && entry)
-                names.usages_.try_emplace(keyOf({page, entry->number}), entry->name);
+            if (!inPage || part == Part::kPages)
+                continue;
+            if (const auto entry = readEntry(line.substr(1)))
+                names.add(names.usages_, keyOf({page, entry->number}), entry->name);
             continue;
         }
         inPage = false;
@@ -112,16 +149,31 @@ UsageNames UsageNames::parse(std::string_view text)
         if (const auto entry = readEntry(line.substr(kPagePrefix.size()))) {
             inPage = true;
             page = entry->number;
-            names.pages_.try_emplace(page, entry->name);
+            names.add(names.pages_, page, entry->name);
         }
     }
+    order(names.pages_);
+    order(names.usages_);
     return names;
+}
+
+void UsageNames::add(Entries& entries, uint32_t key, std::string_view name) const
+{
+    entries.push_back({key, static_cast<size_t>(name.data() - text_.data()), name.size()});
+}
+
+std::optional<std::string> UsageNames::find(const Entries& entries, uint32_t key) const
+{
+    const auto found = std::lower_bound(entries.begin(), entries.end(), key,
+        [](const Entry& entry, uint32_t wanted) { return entry.key < wanted; });
+    if (found == entries.end() || found->key != key)
+        return std::nullopt;
+    return text_.substr(found->begin, found->size);
 }
 
 std::string UsageNames::page(uint16_t page) const
 {
-    const auto found = pages_.find(page);
-    return found == pages_.end() ? "Page " + hexadecimal(page) : found->second;
+    return find(pages_, page).value_or("Page " + hexadecimal(page));
 }
 
 std::string UsageNames::usage(Usage usage) const
@@ -136,8 +188,8 @@ std::string UsageNames::fullUsage(Usage usage) const
 
 std::optional<std::string> UsageNames::name(Usage usage) const
 {
-    if (const auto found = usages_.find(keyOf(usage)); found != usages_.end())
-        return found->second;
+    if (auto found = find(usages_, keyOf(usage)))
+        return found;
     if (usage.page == kButtonPage && usage.id != 0)
         return "Button " + std::to_string(usage.id);
     return std::nullopt;

@@ -4,8 +4,10 @@
 #include "report/layout.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace report {
 
@@ -15,12 +17,14 @@ public:
     // Knows no names.
     UsageNames() = default;
 
-    // Reads usb.ids, which the package of that name installs in one of two places. Without the file
-    // the object knows no names; of a longer file than 16 MiB it knows those in that part. Blocks
-    // for some milliseconds.
-    [[nodiscard]] static UsageNames load();
-    [[nodiscard]] static UsageNames load(const std::filesystem::path& file);
-    [[nodiscard]] static UsageNames parse(std::string_view text); // of usb.ids; takes any bytes
+    // Reads usb.ids, which the package of that name installs in one of two places, from its end,
+    // where the usages are. Without the file the object knows no names; of a longer file than 16
+    // MiB it knows those in the last part of that size. Blocks for some 100 microseconds, with
+    // kPages for less.
+    enum class Part { kAll, kPages };
+    [[nodiscard]] static UsageNames load(Part part = Part::kAll);
+    [[nodiscard]] static UsageNames load(const std::filesystem::path& file, Part part = Part::kAll);
+    [[nodiscard]] static UsageNames parse(std::string file, Part part = Part::kAll); // any bytes
 
     [[nodiscard]] bool empty() const { return pages_.empty(); }
 
@@ -34,10 +38,20 @@ public:
     [[nodiscard]] std::string fullUsage(Usage usage) const;
 
 private:
+    struct Entry {
+        uint32_t key = 0;
+        size_t begin = 0; // of the name, in text_
+        size_t size = 0;
+    };
+    using Entries = std::vector<Entry>; // each key once, in ascending order
+
+    void add(Entries& entries, uint32_t key, std::string_view name) const;
+    [[nodiscard]] std::optional<std::string> find(const Entries& entries, uint32_t key) const;
     [[nodiscard]] std::optional<std::string> name(Usage usage) const;
 
-    std::unordered_map<uint16_t, std::string> pages_;
-    std::unordered_map<uint32_t, std::string> usages_; // page in the upper half
+    std::string text_;
+    Entries pages_;
+    Entries usages_; // keys with the page in the upper half
 };
 
 } // namespace report

@@ -73,14 +73,24 @@ TEST(UsageNames, AreHexadecimalWithoutAUsableFile)
     EXPECT_EQ(UsageNames::load(path).usage({0x0b, 0x20}), "0x0020");
 }
 
-TEST(UsageNames, AreReadFromTheFirstPartOfAHugeFile)
+TEST(UsageNames, AreReadFromTheEndOfAFile)
 {
+    constexpr size_t block = size_t{32} * 1024; // what is read first
     constexpr size_t limit = size_t{16} * 1024 * 1024;
+    const std::string pages = "HUT 08  LEDs\n\t017  Off-Hook\nHUT 0b  Telephony\n";
     const test::TempDirectory directory;
-    directory.file("usb.ids", "HUT 0b  Telephony\n" + std::string(limit, ' ') + "\nHUT 08  LEDs\n");
-    const UsageNames names = UsageNames::load(directory.path() + "usb.ids");
-    EXPECT_EQ(names.page(0x0b), "Telephony");
-    EXPECT_EQ(names.page(0x08), "Page 0x0008");
+    const auto load = [&](size_t before, size_t after) {
+        const auto blanks = [](size_t size) { return std::string(size, ' ') + '\n'; };
+        const std::string text = (before ? blanks(before) : "") + pages + blanks(after);
+        const UsageNames names = UsageNames::load(directory.file("usb.ids", text));
+        return names.usage({0x08, 0x17}) + ", " + names.page(0x0b);
+    };
+    const size_t boundary = block - pages.size(); // the first read begins where the pages do
+    for (const size_t before : {size_t{0}, size_t{1}, 3 * block, limit}) {
+        for (size_t after = boundary - 8; after < boundary + 8; ++after)
+            EXPECT_EQ(load(before, after), "Off-Hook, Telephony") << before << ' ' << after;
+    }
+    EXPECT_EQ(load(1, limit), "0x0017, Page 0x000b");
 }
 
 TEST(UsageNames, OfThisSystemHaveTheTelephonyPage)
