@@ -6,6 +6,7 @@
 #include <json/json.h>
 
 #include <sstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -116,6 +117,24 @@ TEST_F(Doctor, NamesTheProgramThatHasTheInterface)
     EXPECT_TRUE(device.claimed()) << "the other program keeps it";
     hid_close(opened);
     EXPECT_EQ(run("", {}), 0);
+}
+
+// Signals come at any moment of the program.
+TEST_F(Doctor, LeavesTheDriverAttachedWhenASignalEndsIt)
+{
+    auto& device = plug();
+    hideDescriptor(device);
+    for (int i = 0; i < 40; ++i) {
+        const int claims = device.counters().claims;
+        CtlProcess process("doctor", errorFile());
+        if (i % 2)
+            (void)eventually([&] { return device.counters().claims != claims; });
+        std::this_thread::sleep_for(std::chrono::milliseconds(i / 4));
+        const int status = process.end(i % 4 < 2 ? SIGINT : SIGTERM);
+        EXPECT_TRUE(status == 0 || status > 128) << status;
+        EXPECT_TRUE(eventually([&] { return !device.claimed(); }));
+        EXPECT_TRUE(device.driverBound()) << i;
+    }
 }
 
 TEST_F(Doctor, PrintsTheUdevRule)

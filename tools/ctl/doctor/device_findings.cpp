@@ -41,8 +41,7 @@ Finding access(const DeviceEntry& entry, const HidInterface& interface)
         return {Level::kNote, "not-tried",
             "it is a keyboard or mouse, which would stop working while Kelprobe has it open", ""};
     case Access::kNoPermission:
-        return {Level::kProblem, "no-permission",
-            "no permission to open " + interface.node.native(),
+        return {Level::kProblem, "no-permission", "no permission to open " + interface.node,
             permissionRemedy(entry, hasInterface(interface.device.get(), LIBUSB_CLASS_AUDIO),
                 udevRuleState(udevRuleDirectories()))};
     case Access::kBusy:
@@ -89,7 +88,7 @@ void addHidraw(Findings& findings, const DeviceEntry& entry, const HidInterface&
             findings.push_back({Level::kNote, "hidraw",
                 "this user can open " + node
                     + ", but that does not help: Kelprobe uses libusb, which opens "
-                    + interface.node.native(),
+                    + interface.node,
                 ""});
     }
 }

@@ -14,7 +14,7 @@ using Level = Finding::Level;
 
 void addDevice(Diagnosis& diagnosis, ScannedDevice& device)
 {
-    examine(device, Detail::kDescriptorAndAccess);
+    examine(device, Detail::kClaimed);
     diagnosis.devices.push_back({device.entry, deviceFindings(device)});
 }
 

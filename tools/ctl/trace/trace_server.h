@@ -1,7 +1,7 @@
 // Receives the calls of traced programs.
 #pragma once
 
-#include "tools/ctl/trace/unique_fd.h"
+#include "tools/ctl/cli/unique_fd.h"
 #include "tools/ctl/traffic/call.h"
 
 #include <filesystem>

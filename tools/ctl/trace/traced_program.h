@@ -1,7 +1,7 @@
 // A program that this process starts, waits for and passes signals on to.
 #pragma once
 
-#include "tools/ctl/trace/unique_fd.h"
+#include "tools/ctl/cli/unique_fd.h"
 
 #include <csignal>
 #include <map>

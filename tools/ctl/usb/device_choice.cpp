@@ -176,7 +176,7 @@ DeviceEntry chooseDevice(const std::optional<std::string>& choice)
     const UsbContext context = startUsb();
     Devices devices = scanDevices(context.get());
     ScannedDevice& device = choose(devices, choice);
-    examine(device, Detail::kDescriptorAndAccess);
+    examine(device, Detail::kClaimed);
     return device.entry;
 }
 

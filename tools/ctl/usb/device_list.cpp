@@ -9,7 +9,7 @@ std::vector<DeviceEntry> listDevices()
     const UsbContext context = startUsb();
     std::vector<DeviceEntry> entries;
     for (ScannedDevice& device : scanDevices(context.get())) {
-        examine(device, Detail::kDescriptorAndAccess);
+        examine(device, Detail::kUnclaimed);
         entries.push_back(std::move(device.entry));
     }
     return entries;

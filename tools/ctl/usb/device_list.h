@@ -16,7 +16,7 @@ enum class Access {
     kNoPermission, // the device node cannot be opened
     kBusy,         // another program has claimed the interface
     kOtherError,
-    kNotTried, // would detach a keyboard or mouse from the kernel's driver
+    kNotTried, // a keyboard or mouse, which is not taken from the kernel's driver
 };
 
 struct DeviceEntry {
@@ -36,16 +36,18 @@ struct DeviceEntry {
     bool firstOfItsIds = true; // the stack opens only the first device of equal ids
 };
 
-// The HID interfaces of all devices. Opens each node. Claims telephony interfaces and gives them
-// back, and claims others that are no keyboard or mouse if their report descriptor is not in sysfs.
-// Blocks for some milliseconds per device, for seconds if a device that has to be claimed does not
-// respond. Throws Failure if USB cannot be used.
+// The HID interfaces of all devices. Opens each node, but claims nothing: the descriptor is empty
+// unless the kernel's HID driver has the interface. Blocks for less than a millisecond per device.
+// Throws Failure if USB cannot be used.
 [[nodiscard]] std::vector<DeviceEntry> listDevices();
 
 // The device that the user means: "vvvv:pppp" (the first with these ids, as in the window), a path
-// or a number of the list. Without a choice it is the only telephony device. Claims only the chosen
-// device, as listDevices() does. Throws Failure (kNoAccess: there is none; kWrongUse: the choice is
-// malformed or does not decide), with a text that lists the devices and how to choose.
+// or a number of the list. Without a choice it is the only telephony device. Claims the chosen
+// interface and gives it back, which also finds the descriptor if it is not in sysfs. Without a
+// choice claims others whose descriptor is not in sysfs, but never a keyboard or mouse. Blocks for
+// seconds if a claimed device does not respond. Throws Failure (kNoAccess: there is none;
+// kWrongUse: the choice is malformed or does not decide), with a text that lists the devices and
+// how to choose.
 [[nodiscard]] DeviceEntry chooseDevice(const std::optional<std::string>& choice);
 
 // Whether `text` has the form of a device choice. Others may be names of files.

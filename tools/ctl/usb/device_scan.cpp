@@ -89,9 +89,9 @@ void examine(ScannedDevice& device, Detail detail)
     const bool unknown = entry.descriptor.empty();
     if (!unknown && detail == Detail::kDescriptor)
         return;
-    const bool mayClaim = !interface.boot && (unknown || entry.telephony);
-    InterfaceCheck check
-        = checkInterface(interface, mayClaim ? Depth::kClaim : Depth::kNode, unknown);
+    const bool claims
+        = detail != Detail::kUnclaimed && !interface.boot && (unknown || entry.telephony);
+    InterfaceCheck check = claims ? checkByClaim(interface, unknown) : checkNode(interface);
     if (unknown)
         setDescriptor(entry, std::move(check.descriptor));
     entry.access = check.access;

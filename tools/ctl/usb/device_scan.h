@@ -25,11 +25,14 @@ struct ScannedDevice {
 // Those of all devices, in hidapi's order and numbered from 1. Throws Failure.
 [[nodiscard]] std::vector<ScannedDevice> scanDevices(libusb_context* context);
 
-enum class Detail { kDescriptor, kDescriptorAndAccess };
+enum class Detail {
+    kUnclaimed,  // the descriptor if it is in sysfs, and the access as far as it can be seen
+    kDescriptor, // the descriptor; claims the interface if it is not in sysfs
+    kClaimed,    // descriptor and access; claims a telephony interface and those that may be one
+};
 
-// Adds the descriptor, and the access if wanted. With kDescriptor the interface is only opened and
-// claimed if the descriptor is not in sysfs. The interface of a keyboard or mouse is never claimed.
-// Also takes a device that was unplugged meanwhile.
+// Adds the descriptor and the access. The interface of a keyboard or mouse is never claimed. Also
+// takes a device that was unplugged meanwhile.
 void examine(ScannedDevice& device, Detail detail);
 
 } // namespace ctl

@@ -15,12 +15,12 @@ using namespace std::chrono_literals;
 constexpr auto kTimeToSettle = 1500ms;
 constexpr int kRetryMs = 50;
 
-// Whether the kernel's driver has the interface and this user may open it. Without the driver, a
-// claim could keep the driver away for good.
+// Whether the kernel's driver has the interface, without which its report descriptor is unknown,
+// and this user may open it.
 bool isSettled(const HidInterface& interface)
 {
     return !sysfsDescriptor(interface.sys).empty()
-        && checkInterface(interface, Depth::kNode, false).access != Access::kNoPermission;
+        && checkNode(interface).access != Access::kNoPermission;
 }
 
 } // namespace
@@ -58,7 +58,7 @@ void DeviceWatch::reportPresent(libusb_context* context)
 
 void DeviceWatch::report(Change change, ScannedDevice& device)
 {
-    examine(device, Detail::kDescriptorAndAccess);
+    examine(device, Detail::kUnclaimed);
     callback_(change, device.entry);
     reported_[keyOf(device.interface.device.get())].push_back(device.entry);
 }

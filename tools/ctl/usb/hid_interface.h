@@ -4,7 +4,6 @@
 #include "tools/ctl/usb/usb_handles.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,12 +13,12 @@ namespace ctl {
 struct HidInterface {
     UsbDeviceRef device;
     int number = 0;
-    bool boot = false;               // a keyboard or mouse that needs no report descriptor
-    size_t announcedLength = 0;      // of the report descriptor, 0 if unknown
-    std::string path;                // hidapi's
-    std::filesystem::path node;      // "/dev/bus/usb/001/002", which libusb opens
-    std::filesystem::path deviceSys; // "/sys/bus/usb/devices/1-2.3"
-    std::filesystem::path sys;       // "/sys/bus/usb/devices/1-2.3/1-2.3:1.0"
+    bool boot = false;          // a keyboard or mouse that needs no report descriptor
+    size_t announcedLength = 0; // of the report descriptor, 0 if unknown
+    std::string path;           // hidapi's
+    std::string node;           // "/dev/bus/usb/001/002", which libusb opens
+    std::string deviceSys;      // "/sys/bus/usb/devices/1-2.3"
+    std::string sys;            // "/sys/bus/usb/devices/1-2.3/1-2.3:1.0"
 };
 
 // The HID interfaces of the device's active configuration in hidapi's order, which has one for each

@@ -1,8 +1,12 @@
 #include "tools/ctl/usb/interface_check.h"
 
+#include "tools/ctl/cli/unique_fd.h"
 #include "tools/ctl/usb/signal_hold.h"
+#include "tools/ctl/usb/sysfs.h"
 
-#include <system_error>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 #include <utility>
 
 namespace ctl {
@@ -57,17 +61,15 @@ private:
 // As in a container that has /sys but not the devices.
 bool isPresentWithoutNode(const HidInterface& interface)
 {
-    std::error_code ignored;
-    return std::filesystem::exists(interface.deviceSys, ignored)
-        && !std::filesystem::exists(interface.node, ignored);
+    return access(interface.deviceSys.c_str(), F_OK) == 0
+        && access(interface.node.c_str(), F_OK) != 0;
 }
 
 InterfaceCheck missingNodeCheck(const HidInterface& interface)
 {
     return {Access::kOtherError,
-        interface.node.native()
-            + " is not there; give this container or sandbox access to /dev/bus/usb",
-        {}, LIBUSB_ERROR_NO_DEVICE};
+        interface.node + " is not there; give this container or sandbox access to /dev/bus/usb", {},
+        LIBUSB_ERROR_NO_DEVICE};
 }
 
 InterfaceCheck goneCheck()
@@ -82,7 +84,7 @@ InterfaceCheck failed(const HidInterface& interface, int error)
         return {};
     case LIBUSB_ERROR_ACCESS:
         return {Access::kNoPermission,
-            "no permission to open " + interface.node.native()
+            "no permission to open " + interface.node
                 + "; install the udev rule: kelprobectl doctor explains how",
             {}, error};
     case LIBUSB_ERROR_BUSY:
@@ -92,6 +94,24 @@ InterfaceCheck failed(const HidInterface& interface, int error)
     default:
         return {Access::kOtherError, std::string(libusb_strerror(error)) + "; plug it in again", {},
             error};
+    }
+}
+
+// As libusb does when it opens the node.
+int usbError(int systemError)
+{
+    switch (systemError) {
+    case EACCES:
+    case EPERM: // a container without the device
+        return LIBUSB_ERROR_ACCESS;
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+        return LIBUSB_ERROR_NO_DEVICE;
+    case ENOMEM:
+        return LIBUSB_ERROR_NO_MEM;
+    default:
+        return LIBUSB_ERROR_IO;
     }
 }
 
@@ -133,14 +153,23 @@ InterfaceCheck claim(libusb_device_handle* handle, const HidInterface& interface
 
 } // namespace
 
-InterfaceCheck checkInterface(const HidInterface& interface, Depth depth, bool wantDescriptor)
+InterfaceCheck checkNode(const HidInterface& interface)
+{
+    const UniqueFd node(open(interface.node.c_str(), O_RDWR | O_CLOEXEC));
+    if (node.get() < 0)
+        return failed(interface, usbError(errno));
+    const bool claimed = sysfsDriver(interface.sys) == kProgramsDriver;
+    return failed(interface, claimed ? LIBUSB_ERROR_BUSY : LIBUSB_SUCCESS);
+}
+
+InterfaceCheck checkByClaim(const HidInterface& interface, bool wantDescriptor)
 {
     const SignalHold hold;
     libusb_device_handle* opened = nullptr;
     if (const int error = libusb_open(interface.device.get(), &opened))
         return failed(interface, error);
     const UsbDeviceHandle handle(opened);
-    return depth == Depth::kClaim ? claim(opened, interface, wantDescriptor) : InterfaceCheck{};
+    return claim(opened, interface, wantDescriptor);
 }
 
 } // namespace ctl

@@ -30,6 +30,11 @@ bool isWanted(const DeviceEntry& entry, const Options& options)
     return !options.telephony || entry.telephony || entry.descriptor.empty();
 }
 
+report::UsageNames loadNames()
+{
+    return report::UsageNames::load(report::UsageNames::Part::kPages);
+}
+
 Json::Value toJson(const Entries& entries, const report::UsageNames& names)
 {
     Json::Value list(Json::arrayValue);
@@ -46,6 +51,10 @@ void printRemarks(const Entries& entries)
         const std::string number = std::to_string(entry.number) + ": ";
         if (!entry.accessText.empty())
             out.line(number + entry.accessText);
+        else if (entry.descriptor.empty())
+            out.line(number
+                + "no driver has it, so its usage pages are not known; kelprobectl describe "
+                + std::to_string(entry.number) + " reads them");
         if (!entry.firstOfItsIds)
             out.line(number + "an earlier line has the same ids; the window opens that one");
     }
@@ -67,7 +76,7 @@ int listOnce(const Options& options)
 {
     Entries entries = listDevices();
     std::erase_if(entries, [&](const DeviceEntry& entry) { return !isWanted(entry, options); });
-    const auto names = entries.empty() ? report::UsageNames() : report::UsageNames::load();
+    const auto names = entries.empty() ? report::UsageNames() : loadNames();
     if (options.json)
         Output::out().json(toJson(entries, names));
     if (entries.empty())
@@ -108,7 +117,7 @@ std::string lineOf(
 int watch(const Options& options)
 {
     const StopSignals stop;
-    const report::UsageNames names = report::UsageNames::load();
+    const report::UsageNames names = loadNames();
     if (!options.json)
         Output::err().line("Waiting for devices to come and go. Ctrl-C ends.");
     const auto print = [&](DeviceWatch::Change change, const DeviceEntry& entry) {
@@ -136,8 +145,7 @@ void addListCommand(CLI::App& app, Run& run)
     command.add_flag("--watch", options->watch, "Follow plug and unplug until Ctrl-C");
     command.add_flag("--telephony", options->telephony, "Leave out devices without telephony");
     command.add_flag("--json", options->json, "Print JSON; with --watch one line for each event");
-    command.footer("Telephony devices are opened and given back, which interrupts their volume\n"
-                   "keys for a moment.\n"
+    command.footer("The devices are not disturbed; kelprobectl doctor really tries to use them.\n"
                    "Exit status: 0 there are devices, 3 there are none or USB cannot be used.\n"
                    "Example: kelprobectl list --telephony");
     command.callback([options, &run] {

@@ -1,39 +1,96 @@
 #include "tools/ctl/usb/sysfs.h"
 
-#include <fstream>
-#include <iterator>
-#include <system_error>
+#include "tools/ctl/cli/unique_fd.h"
+#include "tools/ctl/usb/usb_handles.h"
 
-namespace fs = std::filesystem;
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
 
 namespace ctl {
+namespace {
 
-report::Bytes sysfsDescriptor(const fs::path& interface)
+constexpr std::string_view kUsbHidDevice = "0003:"; // begins its name, "0003:1209:0001.0004"
+
+// Empty if it cannot be read, as without the driver or after an unplug.
+template <typename Content>
+Content contentOf(const std::string& path)
 {
-    std::error_code ignored; // without the directory there is nothing to iterate
-    for (const auto& entry : fs::directory_iterator(interface, ignored)) {
-        std::ifstream file(entry.path() / "report_descriptor", std::ios::binary);
-        if (file)
-            return {std::istreambuf_iterator<char>(file), {}};
+    Content content;
+    std::array<char, 4096> part; // attributes have at most a page
+    const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    while (file.get() >= 0) {
+        const ssize_t size = read(file.get(), part.data(), part.size());
+        if (size > 0)
+            content.insert(content.end(), part.begin(), part.begin() + size);
+        else if (size == 0 || errno != EINTR)
+            break;
     }
-    return {};
+    return content;
 }
 
-std::vector<std::string> hidrawNames(const fs::path& interface)
+std::vector<std::string> namesIn(const std::string& directory)
 {
     std::vector<std::string> names;
-    std::error_code ignored;
-    for (const auto& entry : fs::directory_iterator(interface, ignored)) {
-        for (const auto& node : fs::directory_iterator(entry.path() / "hidraw", ignored))
-            names.push_back(node.path().filename());
+    const std::unique_ptr<DIR, Release<closedir>> opened(opendir(directory.c_str()));
+    while (opened) {
+        const dirent* const entry = readdir(opened.get());
+        if (!entry)
+            break;
+        if (entry->d_name[0] != '.')
+            names.emplace_back(entry->d_name);
     }
     return names;
 }
 
-std::string sysfsAttribute(const fs::path& device, const std::string& name)
+// The kernel's HID driver has one such directory in that of the interface.
+std::vector<std::string> hidDirectories(const std::string& interface)
 {
-    std::ifstream file(device / name, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::vector<std::string> paths;
+    for (const std::string& name : namesIn(interface)) {
+        if (name.starts_with(kUsbHidDevice))
+            paths.push_back(interface + '/' + name);
+    }
+    return paths;
+}
+
+} // namespace
+
+report::Bytes sysfsDescriptor(const std::string& interface)
+{
+    report::Bytes descriptor;
+    for (const std::string& directory : hidDirectories(interface)) {
+        if (descriptor.empty())
+            descriptor = contentOf<report::Bytes>(directory + "/report_descriptor");
+    }
+    return descriptor;
+}
+
+std::vector<std::string> hidrawNames(const std::string& interface)
+{
+    std::vector<std::string> names;
+    for (const std::string& directory : hidDirectories(interface)) {
+        for (std::string& name : namesIn(directory + "/hidraw"))
+            names.push_back(std::move(name));
+    }
+    return names;
+}
+
+std::string sysfsDriver(const std::string& interface)
+{
+    std::array<char, PATH_MAX> target;
+    const ssize_t size = readlink((interface + "/driver").c_str(), target.data(), target.size());
+    const std::string_view path(target.data(), size > 0 ? static_cast<size_t>(size) : 0);
+    return std::string(path.substr(path.rfind('/') + 1)); // npos + 1 is 0
+}
+
+std::string sysfsAttribute(const std::string& device, const std::string& name)
+{
+    auto text = contentOf<std::string>(device + '/' + name);
     if (text.ends_with('\n'))
         text.pop_back();
     return text;
