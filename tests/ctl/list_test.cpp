@@ -24,6 +24,18 @@ Json::Value parse(const std::string& text)
     return value;
 }
 
+const std::string how = "; choose by ids (vvvv:pppp), path or number, see kelprobectl list";
+
+// The path of the chosen device, or exit status and message.
+std::string choose(const std::optional<std::string>& choice)
+{
+    try {
+        return ctl::chooseDevice(choice).path;
+    } catch (const ctl::Failure& failure) {
+        return std::to_string(failure.status) + ' ' + failure.what();
+    }
+}
+
 class List : public CtlBusTest {
 protected:
     // The devices of list --json by their paths.
@@ -274,14 +286,6 @@ TEST_F(List, WatchEndsWhenItsReaderHasGone)
 
 TEST_F(List, ChoosesTheDeviceThatIsMeant)
 {
-    const auto choose = [](const std::optional<std::string>& choice) -> std::string {
-        try {
-            return ctl::chooseDevice(choice).path;
-        } catch (const ctl::Failure& failure) {
-            return std::to_string(failure.status) + ' ' + failure.what();
-        }
-    };
-    const std::string how = "; choose by ids (vvvv:pppp), path or number, see kelprobectl list";
     EXPECT_EQ(choose({}), "3 no HID device is present; plug one in, or try a simulated one");
     plug("no-telephony");
     EXPECT_EQ(choose({}), "3 no device has telephony controls" + how);
@@ -299,16 +303,35 @@ TEST_F(List, ChoosesTheDeviceThatIsMeant)
              {"abcd:ef99",
                  "3 device abcd:ef99 is not present; kelprobectl list shows those that are"},
              {"1-4:1.0", "3 device 1-4:1.0 is not present; did you mean 1-3:1.0?"},
-             {"", "2  does not name a device" + how},
-             {"1209:1", "2 1209:1 does not name a device" + how},
-             {"\n", "2 \\x0a does not name a device" + how},
+             {"", "2 \"\" does not name a device" + how},
+             {"1209:1", "2 \"1209:1\" does not name a device" + how},
+             {"\n", "2 \"\\x0a\" does not name a device" + how},
          })
         EXPECT_EQ(choose(choice), expected);
     EXPECT_EQ(choose({}),
-        "2 several telephony devices are present (1 = 1209:0001 Simulated speakerphone, 2 = "
-        "1209:0001 Simulated speakerphone)"
+        "2 several telephony devices are present (1 = 1209:0001 Kelprobe Simulated speakerphone "
+        "at 1-3:1.0, 2 = 1209:0001 Kelprobe Simulated speakerphone at 1-2:1.0)"
             + how);
     EXPECT_EQ(second.counters().claims, 1) << "only the chosen device is claimed";
+}
+
+TEST_F(List, DoesNotChooseWhileADeviceIsUnknown)
+{
+    auto& busy = plug();
+    plug("no-telephony");
+    hid_device* const claimed = hid_open_path(busy.hidPath().c_str());
+    EXPECT_EQ(choose({}),
+        "3 1209:0001 cannot be opened: another program has the interface; close that program");
+    EXPECT_EQ(choose("1209:0001"), busy.hidPath());
+    plug("webcam");
+    EXPECT_EQ(choose({}),
+        "2 several devices are or may be telephony devices (1 = 1209:0003 Kelprobe Simulated "
+        "webcam at 1-3:1.0, 3 = 1209:0001 Kelprobe Simulated speakerphone at 1-1:1.0 [another "
+        "program has the interface])"
+            + how);
+    hid_close(claimed);
+    busy.unplug();
+    EXPECT_EQ(choose({}), "1-3:1.0");
 }
 
 TEST(DeviceChoice, HasThreeForms)

@@ -1,6 +1,7 @@
 #include "tools/ctl/usb/device_choice.h"
 
 #include "tools/ctl/cli/failure.h"
+#include "tools/ctl/cli/output.h"
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
@@ -117,7 +118,8 @@ ScannedDevice& chosen(Devices& devices, const std::string& choice)
         return byNumber(devices, choice);
     if (!isIds(choice) && !isPath(choice))
         throw Failure(kWrongUse,
-            text::printable(choice) + " does not name a device; " + std::string(kHowToChoose));
+            '"' + text::printable(choice) + "\" does not name a device; "
+                + std::string(kHowToChoose));
     const std::string wanted = lowerCase(choice);
     const auto found
         = std::find_if(devices.begin(), devices.end(), [&](const ScannedDevice& device) {
@@ -135,33 +137,57 @@ ScannedDevice& chosen(Devices& devices, const std::string& choice)
                         : "no device has telephony controls; " + std::string(kHowToChoose));
 }
 
-[[noreturn]] void failUndecided(const Devices& devices)
+// Whether the device cannot be ruled out, as one that another program has.
+bool isUnknown(const ScannedDevice& device)
+{
+    const auto& [entry, interface] = device;
+    return entry.descriptor.empty() && !interface.boot && interface.announcedLength > 0;
+}
+
+std::string whyUnknown(const DeviceEntry& entry)
+{
+    return entry.accessText.empty() ? "it does not return its report descriptor; plug it in again"
+                                    : entry.accessText;
+}
+
+[[noreturn]] void failUndecided(const std::vector<ScannedDevice*>& candidates)
 {
     std::string list;
-    for (const auto& [entry, interface] : devices) {
-        if (entry.telephony)
-            list += (list.empty() ? "" : ", ") + std::to_string(entry.number) + " = "
-                + idsText(entry) + ' ' + text::printable(entry.product);
+    for (const ScannedDevice* const device : candidates) {
+        const DeviceEntry& entry = device->entry;
+        list += (list.empty() ? "" : ", ") + std::to_string(entry.number) + " = " + idsText(entry)
+            + ' ' + shortNameText(entry) + " at " + text::printable(entry.path);
+        if (isUnknown(*device)) {
+            const std::string reason = whyUnknown(entry);
+            list += " [" + reason.substr(0, reason.find(';')) + ']';
+        }
     }
+    const bool known = std::none_of(candidates.begin(), candidates.end(),
+        [](const ScannedDevice* device) { return isUnknown(*device); });
     throw Failure(kWrongUse,
-        "several telephony devices are present (" + list + "); " + std::string(kHowToChoose));
+        (known ? "several telephony devices are present ("
+               : "several devices are or may be telephony devices (")
+            + list + "); " + std::string(kHowToChoose));
 }
 
 ScannedDevice& onlyTelephony(Devices& devices)
 {
-    ScannedDevice* found = nullptr;
-    bool several = false;
+    std::vector<ScannedDevice*> candidates;
     for (ScannedDevice& device : devices) {
+        Output::err().progress("examining " + idsText(device.entry)); // may take some seconds
         examine(device, Detail::kDescriptor);
-        several = several || (found && device.entry.telephony);
-        if (device.entry.telephony && !found)
-            found = &device;
+        if (device.entry.telephony || isUnknown(device))
+            candidates.push_back(&device);
     }
-    if (!found)
+    Output::err().progress("");
+    if (candidates.empty())
         failWithoutTelephony(devices);
-    if (several)
-        failUndecided(devices);
-    return *found;
+    if (candidates.size() > 1)
+        failUndecided(candidates);
+    const DeviceEntry& entry = candidates.front()->entry;
+    if (isUnknown(*candidates.front()))
+        throw Failure(kNoAccess, idsText(entry) + " cannot be opened: " + whyUnknown(entry));
+    return *candidates.front();
 }
 
 } // namespace

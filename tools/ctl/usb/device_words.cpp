@@ -44,7 +44,7 @@ Row rowOf(const DeviceEntry& entry, const report::UsageNames& names)
 {
     const char* const telephony = entry.descriptor.empty() ? "?" : entry.telephony ? "yes" : "no";
     return {std::to_string(entry.number), idsText(entry), text::printable(entry.path),
-        shortened(nameText(entry)), telephony, accessWord(entry.access), pagesText(entry, names)};
+        shortNameText(entry), telephony, accessWord(entry.access), pagesText(entry, names)};
 }
 
 std::string lineOf(const Row& row, const std::array<size_t, kColumns>& widths)
@@ -101,6 +101,11 @@ std::string nameText(const DeviceEntry& entry)
     const bool both = !entry.manufacturer.empty() && !entry.product.empty();
     const std::string name = entry.manufacturer + (both ? " " : "") + entry.product;
     return name.empty() ? "(no name)" : text::printable(name);
+}
+
+std::string shortNameText(const DeviceEntry& entry)
+{
+    return shortened(nameText(entry));
 }
 
 std::string pagesText(const DeviceEntry& entry, const report::UsageNames& names)

@@ -18,6 +18,9 @@ namespace ctl {
 // "Maker Product" in one printable line, "(no name)" without either.
 [[nodiscard]] std::string nameText(const DeviceEntry& entry);
 
+// The same with at most 40 characters.
+[[nodiscard]] std::string shortNameText(const DeviceEntry& entry);
+
 // "Telephony, Consumer", "unknown" without a descriptor.
 [[nodiscard]] std::string pagesText(const DeviceEntry& entry, const report::UsageNames& names);
 
