@@ -5,6 +5,8 @@
 #include <hidapi/hidapi.h>
 #include <json/json.h>
 
+#include <array>
+#include <list>
 #include <sstream>
 #include <thread>
 
@@ -78,12 +80,21 @@ TEST_F(Doctor, SaysWhatToDoAboutEachDevice)
 TEST_F(Doctor, NamesEachKindOfFinding)
 {
     auto& device = plug();
+    const std::string hid = sysDirectory(device) + device.hidPath() + "/0003:1209:0001.0001";
     EXPECT_EQ(findings(device), "open:ok driver:note ");
+    device.faults().shortLength = 10;
+    device.faults().shortenReportDescriptor.arm();
+    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem driver:note ");
+    device.faults().clear();
+    device.faults().stallReportDescriptor.arm();
+    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem driver:note ") << "sysfs has one";
+    device.faults().clear();
+    std::ofstream(hid + "/report_descriptor", std::ios::app) << "x";
+    EXPECT_EQ(findings(device), "open:ok other-descriptor:note driver:note ");
     device.faults().refuseDetach.arm();
     EXPECT_EQ(findings(device), "open-fails:problem ");
     device.faults().clear();
 
-    const std::string hid = sysDirectory(device) + device.hidPath() + "/0003:1209:0001.0001";
     fs::create_directories(hid + "/hidraw/hidraw7");
     std::ofstream(busDirectory() + "/dev/hidraw7") << "";
     device.setOpenable(false);
@@ -100,7 +111,10 @@ TEST_F(Doctor, NamesEachKindOfFinding)
     auto& nameless = plug(info);
     nameless.faults().stallStrings.arm();
     EXPECT_EQ(findings(nameless), "open:ok driver:note no-name:note no-name:note ");
-    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem same-ids:note ");
+    EXPECT_EQ(findings(device), "open:ok no-descriptor:problem same-ids:problem ");
+    EXPECT_EQ(run(device.hidPath(), {"Kelprobe can use no device."}), 3);
+    device.faults().clear();
+    EXPECT_EQ(run(device.hidPath(), {"Kelprobe can use no device."}), 3) << "the first is opened";
     info.boot = true;
     EXPECT_EQ(findings(plug(info)), "not-tried:note ");
 }
@@ -117,6 +131,21 @@ TEST_F(Doctor, NamesTheProgramThatHasTheInterface)
     EXPECT_TRUE(device.claimed()) << "the other program keeps it";
     hid_close(opened);
     EXPECT_EQ(run("", {}), 0);
+}
+
+TEST_F(Doctor, LeavesTheDriverAttachedIfSeveralRunAtOnce)
+{
+    auto& device = plug();
+    for (int i = 0; i < 10; ++i) {
+        std::list<CtlProcess> processes;
+        for (int k = 0; k < 4; ++k)
+            processes.emplace_back("doctor", errorFile());
+        for (CtlProcess& process : processes) {
+            EXPECT_NE(process.rest().find("Kelprobe can use Kelprobe"), std::string::npos);
+            EXPECT_EQ(process.end(), 0);
+        }
+        ASSERT_TRUE(device.driverBound()) << i;
+    }
 }
 
 // Signals come at any moment of the program.
@@ -159,20 +188,24 @@ TEST(UdevRule, IsFoundInTheFirstDirectoryThatHasIt)
 
 TEST(UdevRule, RemedyDependsOnTheDeviceAndTheRule)
 {
+    const test::TempDirectory directory;
     ctl::DeviceEntry entry;
     entry.vendorId = 0x47f;
     entry.productId = 0xc056;
-    const auto remedy = [&](bool covered, ctl::RuleState state) {
-        return ctl::permissionRemedy(entry, covered, state);
+    const auto remedy = [&](bool covered) {
+        return ctl::permissionRemedy(entry, covered, std::array{fs::path(directory.path())});
     };
-    EXPECT_NE(remedy(true, ctl::RuleState::kMissing)
-                  .find("doctor --udev-rule | sudo tee /etc/udev/rules.d/70-kelprobe.rules\n"),
+    EXPECT_NE(
+        remedy(true).find("doctor --udev-rule | sudo tee /etc/udev/rules.d/70-kelprobe.rules\n"),
         std::string::npos);
-    EXPECT_TRUE(remedy(true, ctl::RuleState::kInstalled).starts_with("the udev rule is installed"));
-    EXPECT_NE(remedy(false, ctl::RuleState::kInstalled)
-                  .find(R"(echo 'SUBSYSTEM=="usb", ATTR{idVendor}=="047f", )"
-                        R"(ATTR{idProduct}=="c056", TAG+="uaccess"')"),
+    (void)directory.file("70-kelprobe.rules", ctl::udevRule());
+    EXPECT_TRUE(remedy(true).starts_with("the udev rule is installed"));
+    EXPECT_NE(remedy(false).find(R"(echo 'SUBSYSTEM=="usb", ATTR{idVendor}=="047f", )"
+                                 R"(ATTR{idProduct}=="c056", TAG+="uaccess"' | sudo tee )"
+                                 "/etc/udev/rules.d/70-kelprobe-047f-c056.rules\n"),
         std::string::npos);
+    (void)directory.file("70-kelprobe-047f-c056.rules", "");
+    EXPECT_TRUE(remedy(false).starts_with("the udev rule is installed"));
 }
 
 } // namespace

@@ -32,6 +32,15 @@ Finding busy(const HidInterface& interface)
         "close it; these have the device open: " + joined(users)};
 }
 
+// As the udev rule does.
+bool isCoveredByRule(libusb_device* device)
+{
+    const auto isAudio = [](const libusb_interface_descriptor& interface) {
+        return interface.bInterfaceClass == LIBUSB_CLASS_AUDIO;
+    };
+    return hasInterface(device, isAudio) && !hasInterface(device, isBootInterface);
+}
+
 Finding access(const DeviceEntry& entry, const HidInterface& interface)
 {
     switch (entry.access) {
@@ -42,8 +51,8 @@ Finding access(const DeviceEntry& entry, const HidInterface& interface)
             "it is a keyboard or mouse, which would stop working while Kelprobe has it open", ""};
     case Access::kNoPermission:
         return {Level::kProblem, "no-permission", "no permission to open " + interface.node,
-            permissionRemedy(entry, hasInterface(interface.device.get(), LIBUSB_CLASS_AUDIO),
-                udevRuleState(udevRuleDirectories()))};
+            permissionRemedy(
+                entry, isCoveredByRule(interface.device.get()), udevRuleDirectories())};
     case Access::kBusy:
         return busy(interface);
     case Access::kOtherError:
@@ -57,9 +66,29 @@ void addTelephony(Findings& findings, const DeviceEntry& entry)
     if (!entry.descriptor.empty() && !entry.telephony)
         findings.push_back({Level::kProblem, "no-telephony",
             "it has no telephony collection, so Kelprobe finds no controls in it", ""});
-    else if (entry.descriptor.empty() && entry.access == Access::kOpen)
+}
+
+// The stack asks the device, so sysfs does not help.
+void addDescriptor(Findings& findings, const ScannedDevice& device)
+{
+    if (!device.sent)
+        return;
+    const size_t size = device.sent->size();
+    const size_t announced = device.interface.announcedLength;
+    if (size == 0)
         findings.push_back({Level::kProblem, "no-descriptor",
             "it does not return its report descriptor", "plug it in again"});
+    else if (size < announced)
+        findings.push_back({Level::kProblem, "no-descriptor",
+            "it returns only " + std::to_string(size) + " of " + std::to_string(announced)
+                + " bytes of its report descriptor",
+            "plug it in again"});
+    else if (const auto shown = sysfsDescriptor(device.interface.sys);
+             !shown.empty() && shown != *device.sent)
+        findings.push_back({Level::kNote, "other-descriptor",
+            "the kernel shows another report descriptor than the device returns; Kelprobe uses "
+            "that of the device",
+            ""});
 }
 
 void addDriver(Findings& findings, const DeviceEntry& entry, const HidInterface& interface)
@@ -93,12 +122,17 @@ void addHidraw(Findings& findings, const DeviceEntry& entry, const HidInterface&
     }
 }
 
-void addSameIds(Findings& findings, const DeviceEntry& entry)
+void addSameIds(Findings& findings, const ScannedDevice& device)
 {
-    if (!entry.firstOfItsIds)
-        findings.push_back({Level::kNote, "same-ids",
-            "an earlier interface has the same ids; the window opens that one",
-            "plug in only one of several equal devices; kelprobectl takes the path " + entry.path});
+    if (device.entry.firstOfItsIds)
+        return;
+    if (device.firstIsOwn)
+        findings.push_back({Level::kProblem, "same-ids",
+            "another interface of this device comes first; Kelprobe opens only that one", ""});
+    else
+        findings.push_back({Level::kProblem, "same-ids",
+            "another device with the same ids comes first; Kelprobe opens only that one",
+            "plug in only one of several equal devices"});
 }
 
 // Why a string cannot be read, or nothing. Waits for the device for at most 2 s.
@@ -134,12 +168,14 @@ void addNames(Findings& findings, const DeviceEntry& entry, const HidInterface& 
 
 Findings deviceFindings(const ScannedDevice& device)
 {
-    const auto& [entry, interface] = device;
+    const DeviceEntry& entry = device.entry;
+    const HidInterface& interface = device.interface;
     Findings findings = {access(entry, interface)};
     addTelephony(findings, entry);
+    addDescriptor(findings, device);
     addDriver(findings, entry, interface);
     addHidraw(findings, entry, interface);
-    addSameIds(findings, entry);
+    addSameIds(findings, device);
     addNames(findings, entry, interface);
     return findings;
 }

@@ -1,9 +1,11 @@
 #include "tools/ctl/doctor/diagnosis.h"
 
 #include "tools/ctl/cli/failure.h"
+#include "tools/ctl/cli/output.h"
 #include "tools/ctl/doctor/device_findings.h"
 #include "tools/ctl/doctor/system_findings.h"
 #include "tools/ctl/usb/device_choice.h"
+#include "tools/ctl/usb/device_words.h"
 
 #include <algorithm>
 
@@ -14,8 +16,10 @@ using Level = Finding::Level;
 
 void addDevice(Diagnosis& diagnosis, ScannedDevice& device)
 {
-    examine(device, Detail::kClaimed);
+    Output::err().progress("examining " + idsText(device.entry)); // may take some seconds
+    examine(device, Detail::kTested);
     diagnosis.devices.push_back({device.entry, deviceFindings(device)});
+    Output::err().progress("");
 }
 
 // Devices that sysfs shows to have no telephony are left alone.
@@ -44,7 +48,7 @@ void addTelephonyDevices(Diagnosis& diagnosis, std::vector<ScannedDevice>& devic
 
 bool DeviceDiagnosis::usable() const
 {
-    return device.telephony && device.access == Access::kOpen
+    return device.telephony && device.access == Access::kOpen && device.firstOfItsIds
         && std::none_of(findings.begin(), findings.end(),
             [](const Finding& finding) { return finding.level == Level::kProblem; });
 }
@@ -61,7 +65,7 @@ Diagnosis diagnose(const std::optional<std::string>& choice)
     diagnosis.system = systemFindings();
     UsbContext context;
     try {
-        context = startUsb();
+        context = startUsb("");
     } catch (const Failure& failure) {
         diagnosis.system.push_back({Level::kProblem, "usb", failure.what(), ""});
         return diagnosis;

@@ -1,10 +1,12 @@
 #include "tools/ctl/doctor/udev_rule.h"
 
-#include <array>
+#include "tools/ctl/usb/device_words.h"
+
+#include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 namespace fs = std::filesystem;
 
@@ -25,13 +27,29 @@ std::string effectivePart(std::istream&& lines)
 }
 
 // A rule for the devices with these ids alone.
-std::string ruleFor(uint16_t vendorId, uint16_t productId)
+std::string ruleFor(const DeviceEntry& entry)
 {
-    std::array<char, 128> line{};
-    std::snprintf(line.data(), line.size(),
-        R"(SUBSYSTEM=="usb", ATTR{idVendor}=="%04x", ATTR{idProduct}=="%04x", TAG+="uaccess")",
-        unsigned{vendorId}, unsigned{productId});
-    return line.data();
+    const std::string ids = idsText(entry);
+    return R"(SUBSYSTEM=="usb", ATTR{idVendor}==")" + ids.substr(0, ids.find(':'))
+        + R"(", ATTR{idProduct}==")" + ids.substr(ids.find(':') + 1) + R"(", TAG+="uaccess")";
+}
+
+std::string fileNameFor(const DeviceEntry& entry)
+{
+    std::string ids = idsText(entry);
+    std::replace(ids.begin(), ids.end(), ':', '-');
+    return "70-kelprobe-" + ids + ".rules";
+}
+
+// The file that counts, or an empty path.
+fs::path findRule(std::span<const fs::path> directories, const std::string& name)
+{
+    const auto found
+        = std::find_if(directories.begin(), directories.end(), [&](const fs::path& directory) {
+              std::error_code ignored;
+              return fs::exists(directory / name, ignored);
+          });
+    return found == directories.end() ? fs::path() : *found / name;
 }
 
 std::string installation(const std::string& command, const std::string& file)
@@ -51,27 +69,27 @@ std::vector<fs::path> udevRuleDirectories()
 
 RuleState udevRuleState(std::span<const fs::path> directories)
 {
-    for (const fs::path& directory : directories) {
-        std::ifstream file(directory / kFileName);
-        if (!file)
-            continue;
-        const std::string ours = effectivePart(std::istringstream(std::string(udevRule())));
-        return effectivePart(std::move(file)) == ours ? RuleState::kInstalled : RuleState::kDiffers;
-    }
-    return RuleState::kMissing;
+    const fs::path file = findRule(directories, kFileName);
+    if (file.empty())
+        return RuleState::kMissing;
+    const std::string ours = effectivePart(std::istringstream(std::string(udevRule())));
+    return effectivePart(std::ifstream(file)) == ours ? RuleState::kInstalled : RuleState::kDiffers;
 }
 
-std::string permissionRemedy(const DeviceEntry& entry, bool covered, RuleState state)
+std::string permissionRemedy(
+    const DeviceEntry& entry, bool covered, std::span<const fs::path> directories)
 {
-    if (!covered)
-        return "it has no audio, so Kelprobe's udev rule does not cover it; "
-            + installation("echo '" + ruleFor(entry.vendorId, entry.productId) + '\'',
-                "70-kelprobe-device.rules");
-    if (state != RuleState::kInstalled)
-        return installation(
-            std::string(program_invocation_name) + " doctor --udev-rule", kFileName);
-    return "the udev rule is installed; plug the device in again\n"
-           "the rule is for the user who sits at the machine; over ssh, run the program as root";
+    const std::string file = covered ? kFileName : fileNameFor(entry);
+    const bool installed = covered ? udevRuleState(directories) == RuleState::kInstalled
+                                   : !findRule(directories, file).empty();
+    if (installed)
+        return "the udev rule is installed (" + file + "); plug the device in again\n"
+            + "the rule is for the user who sits at the machine; over ssh, run the program as root";
+    if (covered)
+        return installation(std::string(program_invocation_name) + " doctor --udev-rule", file);
+    return "Kelprobe's udev rule is for devices with audio that are no keyboard or mouse, so this "
+           "one needs its own; "
+        + installation("echo '" + ruleFor(entry) + '\'', file);
 }
 
 } // namespace ctl

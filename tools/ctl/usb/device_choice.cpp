@@ -140,8 +140,8 @@ ScannedDevice& chosen(Devices& devices, const std::string& choice)
 // Whether the device cannot be ruled out, as one that another program has.
 bool isUnknown(const ScannedDevice& device)
 {
-    const auto& [entry, interface] = device;
-    return entry.descriptor.empty() && !interface.boot && interface.announcedLength > 0;
+    return device.entry.descriptor.empty() && !device.interface.boot
+        && device.interface.announcedLength > 0;
 }
 
 std::string whyUnknown(const DeviceEntry& entry)

@@ -11,11 +11,10 @@
 namespace ctl {
 namespace {
 
-[[noreturn]] void failWithoutUsb(int error)
+[[noreturn]] void failWithoutUsb(int error, const std::string& remedy)
 {
     throw Failure(kNoAccess,
-        std::string("USB cannot be used on this machine: ") + libusb_strerror(error)
-            + "; kelprobectl doctor explains more");
+        std::string("USB cannot be used on this machine: ") + libusb_strerror(error) + remedy);
 }
 
 void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
@@ -28,13 +27,13 @@ void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
 
 } // namespace
 
-UsbContext startUsb()
+UsbContext startUsb(const std::string& remedy)
 {
     // libusb's thread must not take the signals that are held during a check.
     const SignalHold hold;
     libusb_context* context = nullptr;
     if (const int error = libusb_init(&context))
-        failWithoutUsb(error);
+        failWithoutUsb(error, remedy);
     return UsbContext(context);
 }
 
@@ -53,7 +52,7 @@ std::vector<ScannedDevice> scanDevice(libusb_device* device)
         entry.product = sysfsAttribute(interface.deviceSys, "product");
         entry.serialNumber = sysfsAttribute(interface.deviceSys, "serial");
         entry.firstOfItsIds = found.empty();
-        found.push_back({std::move(entry), std::move(interface)});
+        found.push_back({.entry = std::move(entry), .interface = std::move(interface)});
     }
     return found;
 }
@@ -63,18 +62,21 @@ std::vector<ScannedDevice> scanDevices(libusb_context* context)
     libusb_device** list = nullptr;
     const ssize_t count = libusb_get_device_list(context, &list);
     if (count < 0)
-        failWithoutUsb(static_cast<int>(count));
+        failWithoutUsb(static_cast<int>(count), kDoctorExplains);
     const UsbDeviceList owner(list);
     std::vector<ScannedDevice> all;
     for (libusb_device* const device : std::span(list, static_cast<size_t>(count))) {
         for (ScannedDevice& found : scanDevice(device)) {
             DeviceEntry& entry = found.entry;
             entry.number = all.size() + 1;
-            entry.firstOfItsIds
-                = std::none_of(all.begin(), all.end(), [&](const ScannedDevice& earlier) {
+            const auto first
+                = std::find_if(all.begin(), all.end(), [&](const ScannedDevice& earlier) {
                       return earlier.entry.vendorId == entry.vendorId
                           && earlier.entry.productId == entry.productId;
                   });
+            entry.firstOfItsIds = first == all.end();
+            found.firstIsOwn
+                = first == all.end() || first->interface.deviceSys == found.interface.deviceSys;
             all.push_back(std::move(found));
         }
     }
@@ -83,7 +85,8 @@ std::vector<ScannedDevice> scanDevices(libusb_context* context)
 
 void examine(ScannedDevice& device, Detail detail)
 {
-    auto& [entry, interface] = device;
+    DeviceEntry& entry = device.entry;
+    const HidInterface& interface = device.interface;
     if (entry.descriptor.empty())
         setDescriptor(entry, sysfsDescriptor(interface.sys));
     const bool unknown = entry.descriptor.empty();
@@ -91,8 +94,13 @@ void examine(ScannedDevice& device, Detail detail)
         return;
     const bool claims
         = detail != Detail::kUnclaimed && !interface.boot && (unknown || entry.telephony);
-    InterfaceCheck check = claims ? checkByClaim(interface, unknown) : checkNode(interface);
-    if (unknown)
+    const bool reads = unknown || detail == Detail::kTested;
+    InterfaceCheck check = claims ? checkByClaim(interface, reads) : checkNode(interface);
+    if (claims && reads && check.access == Access::kOpen)
+        device.sent = check.descriptor;
+    const bool complete
+        = !check.descriptor.empty() && check.descriptor.size() == interface.announcedLength;
+    if (unknown || complete)
         setDescriptor(entry, std::move(check.descriptor));
     entry.access = check.access;
     entry.accessText = check.text;

@@ -10,13 +10,17 @@
 
 namespace ctl {
 
-// Throws Failure if USB cannot be used.
-[[nodiscard]] UsbContext startUsb();
+constexpr const char* kDoctorExplains = "; kelprobectl doctor explains more";
+
+// Throws Failure if USB cannot be used. Its text ends with the remedy.
+[[nodiscard]] UsbContext startUsb(const std::string& remedy = kDoctorExplains);
 
 // An interface with what is known without opening it: ids, path and names.
 struct ScannedDevice {
     DeviceEntry entry;
     HidInterface interface;
+    bool firstIsOwn = false;                // the first interface of these ids is of this device
+    std::optional<report::Bytes> sent = {}; // the descriptor that the device returned when asked
 };
 
 // The HID interfaces of one device, numbered from 0.
@@ -29,6 +33,7 @@ enum class Detail {
     kUnclaimed,  // the descriptor if it is in sysfs, and the access as far as it can be seen
     kDescriptor, // the descriptor; claims the interface if it is not in sysfs
     kClaimed,    // descriptor and access; claims a telephony interface and those that may be one
+    kTested,     // the same, but the descriptor of a claimed interface is the one that it returns
 };
 
 // Adds the descriptor and the access. The interface of a keyboard or mouse is never claimed. Also

@@ -74,8 +74,7 @@ HidInterface makeInterface(libusb_device* device, const libusb_config_descriptor
         + std::to_string(number);
     const std::string sys = "/sys/bus/usb/devices/" + port;
     const std::span classDescriptor(setting.extra, static_cast<size_t>(setting.extra_length));
-    return {UsbDeviceRef(libusb_ref_device(device)), number,
-        setting.bInterfaceSubClass == kBootSubclass,
+    return {UsbDeviceRef(libusb_ref_device(device)), number, isBootInterface(setting),
         KX::AnnouncedDescriptorLength(classDescriptor).value_or(0), hidPath(device, name, number),
         nodeOf(device), sys, sys + '/' + name};
 }
@@ -94,13 +93,20 @@ std::vector<HidInterface> hidInterfaces(libusb_device* device)
     return interfaces;
 }
 
-bool hasInterface(libusb_device* device, libusb_class_code interfaceClass)
+bool hasInterface(libusb_device* device,
+    const std::function<bool(const libusb_interface_descriptor& interface)>& isSuch)
 {
     bool found = false;
     forEachSetting(device, [&](const auto&, const libusb_interface_descriptor& setting) {
-        found = found || setting.bInterfaceClass == interfaceClass;
+        found = found || isSuch(setting);
     });
     return found;
+}
+
+bool isBootInterface(const libusb_interface_descriptor& interface)
+{
+    return interface.bInterfaceClass == LIBUSB_CLASS_HID
+        && interface.bInterfaceSubClass == kBootSubclass;
 }
 
 } // namespace ctl

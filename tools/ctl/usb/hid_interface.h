@@ -4,6 +4,7 @@
 #include "tools/ctl/usb/usb_handles.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,7 +26,11 @@ struct HidInterface {
 // alternate setting.
 [[nodiscard]] std::vector<HidInterface> hidInterfaces(libusb_device* device);
 
-// Whether the device's active configuration has an interface of that class.
-[[nodiscard]] bool hasInterface(libusb_device* device, libusb_class_code interfaceClass);
+// Whether the device's active configuration has such an interface.
+[[nodiscard]] bool hasInterface(libusb_device* device,
+    const std::function<bool(const libusb_interface_descriptor& interface)>& isSuch);
+
+// Whether the interface is one of a keyboard or mouse that needs no report descriptor.
+[[nodiscard]] bool isBootInterface(const libusb_interface_descriptor& interface);
 
 } // namespace ctl

@@ -5,17 +5,25 @@
 #include "tools/ctl/usb/sysfs.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
 namespace ctl {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr uint8_t kFromInterface = 0x81;          // device to host, standard, interface
 constexpr uint16_t kReportDescriptor = 0x22 << 8; // type Report, index 0
 constexpr int kAttempts = 4;                      // as the stack makes
 constexpr unsigned kTimeoutMs = 1000;
+constexpr auto kPause = 10ms; // between attempts
+constexpr int kAttachAttempts = 10;
+constexpr int kLockAttempts = 500; // 5 s, longer than a check takes
 
 // Has the interface without the kernel's driver. The destructor undoes both.
 class ClaimedInterface {
@@ -24,10 +32,12 @@ public:
         : handle_(handle)
         , number_(number)
     {
-        const bool hasDriver = libusb_kernel_driver_active(handle, number) == 1;
-        if (hasDriver)
-            detachError_ = libusb_detach_kernel_driver(handle, number);
-        detached_ = hasDriver && !detachError_;
+        const int error = libusb_kernel_driver_active(handle, number) == 1
+            ? libusb_detach_kernel_driver(handle, number)
+            : LIBUSB_ERROR_NOT_FOUND;
+        detached_ = error == LIBUSB_SUCCESS;
+        if (!detached_ && error != LIBUSB_ERROR_NOT_FOUND) // another program may detach it, too
+            detachError_ = error;
         if (!detachError_)
             claimError_ = libusb_claim_interface(handle, number);
         claimed_ = !detachError_ && !claimError_;
@@ -45,11 +55,22 @@ public:
     {
         if (std::exchange(claimed_, false))
             libusb_release_interface(handle_, number_);
-        return std::exchange(detached_, false) ? libusb_attach_kernel_driver(handle_, number_)
-                                               : LIBUSB_SUCCESS;
+        return std::exchange(detached_, false) ? attach() : LIBUSB_SUCCESS;
     }
 
 private:
+    // Another program may have the interface for a moment.
+    [[nodiscard]] int attach() const
+    {
+        int error = LIBUSB_ERROR_BUSY;
+        for (int attempt = 0; attempt < kAttachAttempts && error == LIBUSB_ERROR_BUSY; ++attempt) {
+            if (attempt > 0)
+                std::this_thread::sleep_for(kPause);
+            error = libusb_attach_kernel_driver(handle_, number_);
+        }
+        return error;
+    }
+
     libusb_device_handle* const handle_;
     const int number_;
     bool detached_ = false;
@@ -58,10 +79,31 @@ private:
     int claimError_ = LIBUSB_SUCCESS;
 };
 
-// As in a container that has /sys but not the devices.
+// Keeps other instances of this program from checking the device at the same time: one would detach
+// the driver, and the other would have the interface when the driver is to be attached again.
+class DeviceLock {
+public:
+    // Waits for some seconds, then continues without the lock.
+    explicit DeviceLock(const HidInterface& interface)
+        : node_(open(interface.node.c_str(), O_RDWR | O_CLOEXEC))
+    {
+        for (int i = 0; i < kLockAttempts && node_.get() >= 0; ++i) {
+            if (flock(node_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+                break;
+            std::this_thread::sleep_for(kPause);
+        }
+    }
+
+private:
+    const UniqueFd node_;
+};
+
+// As in a container that has /sys but not the devices. A device that was plugged in again has
+// another number and node.
 bool isPresentWithoutNode(const HidInterface& interface)
 {
-    return access(interface.deviceSys.c_str(), F_OK) == 0
+    const std::string number = sysfsAttribute(interface.deviceSys, "devnum");
+    return number == std::to_string(libusb_get_device_address(interface.device.get()))
         && access(interface.node.c_str(), F_OK) != 0;
 }
 
@@ -146,7 +188,7 @@ InterfaceCheck claim(libusb_device_handle* handle, const HidInterface& interface
     InterfaceCheck check = failed(interface, claimed.claimError());
     if (check.access == Access::kOpen && read)
         check.descriptor = readDescriptor(handle, interface);
-    if (const int error = claimed.giveBack())
+    if (const int error = claimed.giveBack(); error && check.access != Access::kBusy)
         return driverFailed(interface, error, "the kernel's driver could not be attached again");
     return check;
 }
@@ -164,6 +206,7 @@ InterfaceCheck checkNode(const HidInterface& interface)
 
 InterfaceCheck checkByClaim(const HidInterface& interface, bool wantDescriptor)
 {
+    const DeviceLock lock(interface);
     const SignalHold hold;
     libusb_device_handle* opened = nullptr;
     if (const int error = libusb_open(interface.device.get(), &opened))

@@ -19,7 +19,7 @@ struct InterfaceCheck {
 // Opens and claims the interface as hidapi would and undoes it. The kernel's driver is attached
 // again on every path, and also if a signal ends the program meanwhile. The report descriptor is
 // read if `wantDescriptor`. Blocks for less than a millisecond, or for some seconds if the device
-// does not respond.
+// does not respond or another instance of this program is checking it.
 [[nodiscard]] InterfaceCheck checkByClaim(const HidInterface& interface, bool wantDescriptor);
 
 } // namespace ctl
