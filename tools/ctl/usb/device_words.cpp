@@ -1,6 +1,7 @@
 #include "tools/ctl/usb/device_words.h"
 
 #include "tools/text/printable.h"
+#include "tools/text/utf8.h"
 
 #include <json/json.h>
 
@@ -17,27 +18,13 @@ constexpr std::string_view kGap = "  ";
 
 using Row = std::array<std::string, kColumns>;
 
-bool beginsCharacter(char c)
-{
-    return (static_cast<uint8_t>(c) & 0xc0) != 0x80;
-}
-
-// In characters.
-size_t width(std::string_view text)
-{
-    return static_cast<size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
-}
-
-// At most kMaxNameWidth characters.
+// In at most kMaxNameWidth columns.
 std::string shortened(const std::string& text)
 {
     constexpr std::string_view mark = "...";
-    if (width(text) <= kMaxNameWidth)
+    if (text::columns(text) <= kMaxNameWidth)
         return text;
-    size_t characters = 0;
-    const auto end = std::find_if(text.begin(), text.end(),
-        [&](char c) { return beginsCharacter(c) && characters++ == kMaxNameWidth - mark.size(); });
-    return std::string(text.begin(), end).append(mark);
+    return std::string(text::firstColumns(text, kMaxNameWidth - mark.size())).append(mark);
 }
 
 Row rowOf(const DeviceEntry& entry, const report::UsageNames& names)
@@ -52,7 +39,7 @@ std::string lineOf(const Row& row, const std::array<size_t, kColumns>& widths)
     std::string line;
     for (size_t i = 0; i + 1 < row.size(); ++i) {
         line += row[i];
-        line.append(widths[i] - width(row[i]), ' ').append(kGap);
+        line.append(widths[i] - text::columns(row[i]), ' ').append(kGap);
     }
     return line + row.back();
 }
@@ -144,7 +131,7 @@ std::vector<std::string> deviceTable(
     std::array<size_t, kColumns> widths{};
     for (const Row& row : rows) {
         for (size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], width(row[i]));
+            widths[i] = std::max(widths[i], text::columns(row[i]));
     }
     std::vector<std::string> lines;
     lines.reserve(rows.size());
@@ -161,9 +148,9 @@ Json::Value deviceJson(const DeviceEntry& entry, const report::UsageNames& names
     value["ids"] = idsText(entry);
     value["path"] = text::printable(entry.path);
     value["interface"] = entry.interface;
-    value["manufacturer"] = entry.manufacturer;
-    value["product"] = entry.product;
-    value["serialNumber"] = entry.serialNumber;
+    value["manufacturer"] = text::validUtf8(entry.manufacturer);
+    value["product"] = text::validUtf8(entry.product);
+    value["serialNumber"] = text::validUtf8(entry.serialNumber);
     value["descriptor"] = known ? Json::Value(report::toHex(entry.descriptor, "")) : Json::Value();
     value["usagePages"] = pagesJson(entry, names);
     value["telephony"] = known ? Json::Value(entry.telephony) : Json::Value();

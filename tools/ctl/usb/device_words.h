@@ -18,7 +18,7 @@ namespace ctl {
 // "Maker Product" in one printable line, "(no name)" without either.
 [[nodiscard]] std::string nameText(const DeviceEntry& entry);
 
-// The same with at most 40 characters.
+// The same with at most 40 columns.
 [[nodiscard]] std::string shortNameText(const DeviceEntry& entry);
 
 // "Telephony, Consumer", "unknown" without a descriptor.
