@@ -32,6 +32,11 @@ protected:
         CLI::App* const convert = app_.add_subcommand("convert", "Convert it");
         convert->add_option("FILE", unused_, "A recording")->required();
         convert->add_option("-p,--pcap", unused_, "The capture")->type_name("FILE");
+        CLI::App* const trace = app_.add_subcommand("trace", "Trace it");
+        trace->add_option("--press", unused_, "A command")->type_name("CMD");
+        trace->add_option("--time", unused_, "A time");
+        trace->add_option("PROGRAM", program_, "The program");
+        app_.add_subcommand("help", "Help")->add_option("COMMAND", unused_);
         app_.add_subcommand("internal", "Not for users")->group("");
     }
 
@@ -41,30 +46,65 @@ protected:
         return directory_.file(name, text);
     }
 
-    // What bash offers for the last of these words.
+    // What the shell offers for the last of these words, one in brackets after the other.
     std::string offered(const std::string& words)
     {
         const std::string file = write("bash", ctl::bashCompletion(ctl::modelOf(app_)));
-        return outputOf("cd " + directory_.path() + " && bash -c 'source " + file + "; COMP_WORDS=("
-            + words
+        return outputOf("cd " + directory_.path() + " && PATH=" + directory_.path()
+            + "bin:$PATH bash -c 'source " + file + "; COMP_WORDS=(" + words
             + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _kelprobectl; "
-              "echo \"${COMPREPLY[@]}\"'");
+              "((${#COMPREPLY[@]})) && printf \"[%s]\" \"${COMPREPLY[@]}\"; true'");
     }
 
     const test::TempDirectory directory_;
     CLI::App app_{"Description", "kelprobectl"};
     std::string unused_;
+    std::vector<std::string> program_;
     bool flag_ = false;
 };
 
-TEST_F(Generated, BashCompletesCommandsOptionsAndFiles)
+TEST_F(Generated, BashCompletesWhatCanStandThere)
 {
-    EXPECT_EQ(offered("kelprobectl \"\""), "list convert -h --help --version\n");
-    EXPECT_EQ(offered("kelprobectl li"), "list\n");
-    EXPECT_EQ(offered("kelprobectl list --"), "--help --json\n");
-    directory_.file("recorded", "");
-    EXPECT_EQ(offered("kelprobectl convert rec"), "recorded\n");
-    EXPECT_EQ(offered("kelprobectl convert --p"), "--pcap\n");
+    directory_.file("my recording", "");
+    std::filesystem::create_directory(directory_.path() + "bin");
+    const std::string program = directory_.file("bin/zz-program", "");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    for (const auto& [words, expected] : std::vector<std::pair<std::string, std::string>>{
+             {R"(kelprobectl "")", "[list][convert][trace][help][-h][--help][--version]"},
+             {"kelprobectl li", "[list]"},
+             {"kelprobectl help tr", "[trace]"},
+             {"kelprobectl list --", "[--help][--json]"},
+             {"kelprobectl convert my", "[my recording]"},
+             {"kelprobectl convert --p", "[--pcap]"},
+             {"kelprobectl convert --pcap my", "[my recording]"},
+             {"kelprobectl convert --pcap = my", "[my recording]"},
+             {"kelprobectl trace --press zz-", "[zz-program]"},
+             {R"(kelprobectl trace --time "")", ""},
+             {"kelprobectl trace -- zz-", "[zz-program]"},
+             {"kelprobectl trace -- zz-program my", "[my recording]"},
+             {"kelprobectl trace --t", "[--time]"},
+         })
+        EXPECT_EQ(offered(words), expected) << words;
+}
+
+TEST_F(Generated, FishCompletesWhatCanStandThere)
+{
+    if (std::system("command -v fish >/dev/null"))
+        GTEST_SKIP() << "fish is not installed";
+    directory_.file("my recording", "");
+    const std::string file = write("fish", ctl::fishCompletion(ctl::modelOf(app_)));
+    for (const auto& [line, expected] : std::vector<std::pair<std::string, std::string>>{
+             {"li", "list\tShow [all]: the user's devices\n"},
+             {"help tr", "trace\n"},
+             {"convert --pcap my", "my recording\n"},
+             {"convert my", "my recording\n"},
+             {"trace -- cat my", "my recording\n"},
+         })
+        EXPECT_EQ(
+            outputOf("cd " + directory_.path() + " && HOME=" + directory_.path()
+                + " fish -c 'source " + file + R"(; complete -C"kelprobectl )" + line + "\"'"),
+            expected)
+            << line;
 }
 
 TEST_F(Generated, OtherShellsAndManCanReadTheirs)

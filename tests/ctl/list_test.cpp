@@ -182,6 +182,32 @@ TEST_F(List, NumbersPathsAndNamesAreThoseOfHidapi)
     EXPECT_EQ(number, 3);
 }
 
+TEST_F(List, PrintsValidJsonForNamesThatAreNotUtf8)
+{
+    const auto& device = plug();
+    std::ofstream(sysDirectory(device) + "product") << "a\xff\xc3\n";
+    EXPECT_EQ(devices()[device.hidPath()]["product"].asString(), "a\ufffd\ufffd");
+}
+
+TEST_F(List, ExplainsMistakesOnTheCommandLine)
+{
+    for (const auto& [arguments, message] : std::map<std::string, std::string>{
+             {"lits", "unknown command lits; did you mean list?"},
+             {"list extra --jsn=3", "unknown option --jsn; did you mean --json?"},
+             {"list -- --json", "unexpected argument --json"},
+             {"list ''", "unexpected argument \"\""},
+             {"list --json=no", "--json takes no value"},
+             {"help list extra", "unexpected argument extra"},
+             {"hlep", "unknown command hlep; did you mean help?"},
+             {"list $(printf '\\033[2J')", "unexpected argument \\x1b[2J"},
+         }) {
+        EXPECT_EQ(run(arguments), 2) << arguments;
+        EXPECT_EQ(err_.substr(0, err_.find('\n')), "kelprobectl: " + message);
+    }
+    for (const char* const arguments : {"help help", "help", "list --version", "help list"})
+        EXPECT_EQ(run(arguments), 0) << arguments;
+}
+
 TEST_F(List, SaysWhenASandboxHidesTheNode)
 {
     const std::string path = plug().hidPath();
@@ -281,7 +307,7 @@ TEST_F(List, WatchEndsWhenItsReaderHasGone)
     const std::string script = "(" KELPROBECTL " list --watch 2>/dev/null; echo $? >"
         + directory.path() + "status) | head -1 >/dev/null";
     EXPECT_EQ(std::system(script.c_str()), 0);
-    EXPECT_TRUE(eventually([&] { return test::content(directory.path() + "status") == "0\n"; }));
+    EXPECT_TRUE(eventually([&] { return test::content(directory.path() + "status") == "3\n"; }));
 }
 
 TEST_F(List, ChoosesTheDeviceThatIsMeant)

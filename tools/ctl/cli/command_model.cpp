@@ -5,6 +5,19 @@
 namespace ctl {
 namespace {
 
+// The words that the commands use for their arguments.
+OptionModel::Values valuesOf(const std::string& argument)
+{
+    using Values = OptionModel::Values;
+    if (argument == "FILE" || argument == "OUT" || argument == "DEVICE|FILE")
+        return Values::kFile;
+    if (argument == "CMD")
+        return Values::kCommand;
+    if (argument == "PROGRAM")
+        return Values::kProgramAndArguments;
+    return argument == "COMMAND" ? Values::kOwnCommand : Values::kNone;
+}
+
 OptionModel modelOf(const CLI::Option& option)
 {
     OptionModel model;
@@ -15,6 +28,7 @@ OptionModel modelOf(const CLI::Option& option)
     const bool isFlag = option.get_items_expected_max() == 0;
     if (!isFlag)
         model.argument = option.nonpositional() ? option.get_type_name() : option.get_name(true);
+    model.values = valuesOf(model.argument);
     model.description = option.get_description();
     model.required = option.get_required();
     model.repeated = option.get_items_expected_max() > 1;

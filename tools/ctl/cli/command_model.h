@@ -9,8 +9,12 @@
 namespace ctl {
 
 struct OptionModel {
+    // What a shell can complete.
+    enum class Values { kNone, kFile, kCommand, kProgramAndArguments, kOwnCommand };
+
     std::vector<std::string> names; // "-h", "--help"; empty for a positional argument
     std::string argument;           // "FILE"; empty for a flag
+    Values values = Values::kNone;
     std::string description;
     bool required = false;
     bool repeated = false;

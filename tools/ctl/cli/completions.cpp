@@ -1,7 +1,5 @@
 #include "tools/ctl/cli/command_model.h"
 
-#include <algorithm>
-
 namespace ctl {
 namespace {
 
@@ -43,28 +41,84 @@ std::string commandNames(const CommandModel& program)
     return names;
 }
 
-bool takesFiles(const OptionModel& argument)
+using Values = OptionModel::Values;
+
+Values positionalValues(const CommandModel& command)
 {
-    return argument.argument.find("FILE") != std::string::npos;
+    return command.positionals.empty() ? Values::kNone : command.positionals.front().values;
 }
 
-bool takesFiles(const CommandModel& command)
+// What bash runs to complete the argument of an option, or a positional argument. The functions are
+// those of the completion.
+std::string bashAction(Values values, const CommandModel& program)
 {
-    return std::any_of(command.positionals.begin(), command.positionals.end(),
-        [](const OptionModel& argument) { return takesFiles(argument); });
+    switch (values) {
+    case Values::kNone:
+        return "COMPREPLY=()";
+    case Values::kFile:
+        return "_kelprobectl_offer -f";
+    case Values::kCommand:
+        return "_kelprobectl_offer -c";
+    case Values::kProgramAndArguments:
+        return "_kelprobectl_program";
+    case Values::kOwnCommand:
+        return "_kelprobectl_offer -W " + shellWord(commandNames(program));
+    }
+    return "";
 }
 
-bool takesProgram(const CommandModel& command)
+std::string bashCommand(const CommandModel& command, const CommandModel& program)
 {
-    return std::any_of(command.positionals.begin(), command.positionals.end(),
-        [](const OptionModel& argument) { return argument.argument == "PROGRAM"; });
+    std::string text = "    " + command.name + ")\n        case $previous in\n";
+    for (const OptionModel& option : command.options) {
+        if (option.argument.empty())
+            continue;
+        std::string names;
+        for (const std::string& name : option.names)
+            names += (names.empty() ? "" : "|") + name;
+        text += "        " + names + ") " + bashAction(option.values, program) + "; return ;;\n";
+    }
+    text += "        esac\n        options=" + shellWord(optionNames(command)) + '\n';
+    const Values values = positionalValues(command);
+    if (values == Values::kProgramAndArguments)
+        text += "        " + bashAction(values, program) + " && return\n";
+    else if (values != Values::kNone)
+        text += "        [[ $word == -* ]] || { " + bashAction(values, program) + "; return; }\n";
+    return text + "        ;;\n";
 }
 
-std::string zshArgument(const OptionModel& argument)
+std::string zshAction(Values values)
 {
-    if (takesFiles(argument))
+    switch (values) {
+    case Values::kNone:
+        return " ";
+    case Values::kFile:
         return "_files";
-    return argument.argument == "PROGRAM" ? "_normal" : " ";
+    case Values::kCommand:
+        return "_command_names -e";
+    case Values::kProgramAndArguments:
+        return "_normal";
+    case Values::kOwnCommand:
+        return "_kelprobectl_commands";
+    }
+    return "";
+}
+
+std::string fishAction(Values values, const CommandModel& program)
+{
+    switch (values) {
+    case Values::kNone:
+        return " -x";
+    case Values::kFile:
+        return " -r -F";
+    case Values::kCommand:
+        return " -x -a '(__fish_complete_command)'";
+    case Values::kProgramAndArguments:
+        return " -x -a '(__fish_complete_subcommand --fcs-skip=2)'";
+    case Values::kOwnCommand:
+        return " -x -a " + shellWord(commandNames(program));
+    }
+    return "";
 }
 
 std::string zshOption(const OptionModel& option)
@@ -73,7 +127,7 @@ std::string zshOption(const OptionModel& option)
     for (const std::string& name : option.names) {
         std::string spec = name + '[' + zshEscaped(option.description) + ']';
         if (!option.argument.empty())
-            spec += ':' + zshEscaped(option.argument) + ':' + zshArgument(option);
+            spec += ':' + zshEscaped(option.argument) + ':' + zshAction(option.values);
         lines += "        " + shellWord(spec) + " \\\n";
     }
     return lines;
@@ -83,16 +137,18 @@ std::string zshPositional(const OptionModel& argument)
 {
     const char* const kind = argument.repeated ? "*::" : argument.required ? ":" : "::";
     return "        "
-        + shellWord(kind + zshEscaped(argument.argument) + ':' + zshArgument(argument)) + " \\\n";
+        + shellWord(kind + zshEscaped(argument.argument) + ':' + zshAction(argument.values))
+        + " \\\n";
 }
 
-std::string fishOption(const OptionModel& option, const std::string& condition)
+std::string fishOption(
+    const OptionModel& option, const std::string& condition, const CommandModel& program)
 {
     std::string line = "complete -c kelprobectl -n " + shellWord(condition);
     for (const std::string& name : option.names)
         line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     if (!option.argument.empty())
-        line += takesFiles(option) ? " -r -F" : " -x";
+        line += fishAction(option.values, program);
     return line + " -d " + shellWord(option.description) + '\n';
 }
 
@@ -101,27 +157,50 @@ std::string fishOption(const OptionModel& option, const std::string& condition)
 std::string bashCompletion(const CommandModel& program)
 {
     std::string text = R"(# bash completion for kelprobectl
+
+# Offers the words that compgen makes with these options. They may contain blanks.
+_kelprobectl_offer()
+{
+    mapfile -t COMPREPLY < <(compgen "$@" -- "$word")
+}
+
+# The program after "--", and its arguments.
+_kelprobectl_program()
+{
+    ((programAt)) || return
+    if ((COMP_CWORD == programAt)); then
+        _kelprobectl_offer -c
+    else
+        _kelprobectl_offer -f
+    fi
+}
+
 _kelprobectl()
 {
-    local word=${COMP_WORDS[COMP_CWORD]} command= i options
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command= programAt=0 options= i
+    # bash takes "--option=value" for three words.
+    if [[ $word == = ]]; then
+        word=
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
     for ((i = 1; i < COMP_CWORD; i++)); do
-        [[ ${COMP_WORDS[i]} == -* ]] || { command=${COMP_WORDS[i]}; break; }
+        case ${COMP_WORDS[i]} in
+        --) programAt=$((i + 1)); previous=; break ;;
+        -*) ;;
+        *) command=${command:-${COMP_WORDS[i]}} ;;
+        esac
     done
     COMPREPLY=()
     case $command in
 )";
     text += "    '') options=" + shellWord(commandNames(program) + ' ' + optionNames(program))
         + " ;;\n";
-    for (const CommandModel& command : program.commands) {
-        text += "    " + command.name + ") options=" + shellWord(optionNames(command));
-        if (takesProgram(command))
-            text += "; [[ $word == -* ]] || { COMPREPLY=($(compgen -c -- \"$word\")); return; }";
-        else if (takesFiles(command))
-            text += "; [[ $word == -* ]] || { COMPREPLY=($(compgen -f -- \"$word\")); return; }";
-        text += " ;;\n";
-    }
+    for (const CommandModel& command : program.commands)
+        text += bashCommand(command, program);
     return text + R"(    esac
-    COMPREPLY=($(compgen -W "$options" -- "$word"))
+    _kelprobectl_offer -W "$options"
 }
 complete -o filenames -o bashdefault -F _kelprobectl kelprobectl
 )";
@@ -154,15 +233,16 @@ std::string fishCompletion(const CommandModel& program)
 {
     std::string text = "# fish completion for kelprobectl\ncomplete -c kelprobectl -f\n";
     for (const OptionModel& option : program.options)
-        text += fishOption(option, "__fish_use_subcommand");
+        text += fishOption(option, "__fish_use_subcommand", program);
     for (const CommandModel& command : program.commands) {
         const std::string condition = "__fish_seen_subcommand_from " + command.name;
         text += "complete -c kelprobectl -n __fish_use_subcommand -a " + command.name + " -d "
             + shellWord(command.description) + '\n';
         for (const OptionModel& option : command.options)
-            text += fishOption(option, condition);
-        if (takesFiles(command) || takesProgram(command))
-            text += "complete -c kelprobectl -n " + shellWord(condition) + " -F\n";
+            text += fishOption(option, condition, program);
+        if (const Values values = positionalValues(command); values != Values::kNone)
+            text += "complete -c kelprobectl -n " + shellWord(condition)
+                + fishAction(values, program) + '\n';
     }
     return text;
 }

@@ -77,10 +77,14 @@ void addTraceCommand(CLI::App& app, Run& run_)
     CLI::App& command = *app.add_subcommand(
         "trace", "Run a program and print what it and its devices send to each other");
     const auto options = std::make_shared<Options>();
-    command.add_option("--output", options->trace.output,
-        "Write the trace to this file instead of standard error");
-    command.add_option(
-        "--record", options->trace.record, "Also write the reports to this file as a recording");
+    command
+        .add_option("--output", options->trace.output,
+            "Write the trace to this file instead of standard error")
+        ->type_name("FILE");
+    command
+        .add_option(
+            "--record", options->trace.record, "Also write the reports to this file as a recording")
+        ->type_name("FILE");
     command.add_flag("--json", options->trace.json, "Print one line of JSON for each call");
     command.add_option("PROGRAM", options->command, "The program and its arguments, after --")
         ->required();

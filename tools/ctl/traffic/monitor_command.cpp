@@ -72,7 +72,8 @@ void addMonitorCommand(CLI::App& app, Run& run_)
     command.add_flag(
         "--wait", options->wait, "Wait for the device, also when it is unplugged, until Ctrl-C");
     command.add_option(
-        "--record", options->monitor.record, "Also write the reports to this file as a recording");
+        "--record", options->monitor.record, "Also write the reports to this file as a recording")
+        ->type_name("FILE");
     command.add_flag("--json", options->monitor.json, "Print one line of JSON for each report");
     command.footer(
         "Prints the time in seconds, the bytes and their meaning. A * (or bold text) marks what\n"
