@@ -10,13 +10,14 @@
 #include <json/json.h>
 
 #include <memory>
+#include <optional>
 #include <sstream>
 
 namespace ctl {
 namespace {
 
 struct Options {
-    std::string device; // empty: all
+    std::optional<std::string> device; // none: all
     bool json = false;
     bool udevRule = false;
 };
@@ -129,8 +130,7 @@ int doctor(const Options& options)
         Output::out().line(rule);
         return kFine;
     }
-    const Diagnosis diagnosis
-        = diagnose(options.device.empty() ? std::nullopt : std::optional(options.device));
+    const Diagnosis diagnosis = diagnose(options.device);
     if (options.json)
         Output::out().json(toJson(diagnosis));
     else
@@ -145,10 +145,12 @@ void addDoctorCommand(CLI::App& app, Run& run)
     CLI::App& command
         = *app.add_subcommand("doctor", "Find what stands between you and the devices");
     const auto options = std::make_shared<Options>();
-    command.add_option("DEVICE", options->device,
+    CLI::Option* const device = command.add_option("DEVICE", options->device,
         "Ids (vvvv:pppp), path or number of list; default: all telephony devices");
-    command.add_flag("--json", options->json, "Print JSON");
-    command.add_flag("--udev-rule", options->udevRule, "Only print Kelprobe's udev rule");
+    CLI::Option* const json = command.add_flag("--json", options->json, "Print JSON");
+    command.add_flag("--udev-rule", options->udevRule, "Only print Kelprobe's udev rule")
+        ->excludes(device)
+        ->excludes(json);
     command.footer(
         "Opens each telephony device and gives it back, which interrupts its volume keys\n"
         "for a moment.\n"

@@ -1,10 +1,13 @@
 #include "tools/ctl/usb/device_watch.h"
 
+#include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/interface_check.h"
 #include "tools/ctl/usb/sysfs.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <system_error>
 #include <unistd.h>
 
 namespace ctl {
@@ -37,8 +40,10 @@ void DeviceWatch::run()
     Hotplug hotplug(context.get()); // before the first list, so that nothing is missed
     reportPresent(context.get());
     std::array<pollfd, 2> others{{{stop_.fd(), POLLIN, 0}, {STDOUT_FILENO, 0, 0}}};
-    while (!stop_.stopped() && others[1].revents == 0) {
+    while (!stop_.stopped()) {
         hotplug.wait(others, new_.empty() ? -1 : kRetryMs);
+        if (others[1].revents != 0 && !stop_.stopped())
+            throw Failure(kNoAccess, "standard output: " + std::generic_category().message(EPIPE));
         for (Hotplug::Event& event : hotplug.take())
             handle(std::move(event));
         reportReady();

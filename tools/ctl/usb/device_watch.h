@@ -25,11 +25,11 @@ public:
     // `stop` must outlive the object.
     DeviceWatch(const StopSignals& stop, Callback callback);
 
-    // Calls the callback on this thread, for each HID interface of a device, until a signal arrives
-    // or the reader of standard output has gone. A new device is given some time in which the
-    // system sets its permissions and binds its driver. A device that is unplugged within that time
-    // may never be reported. To be called once. Throws Failure if USB cannot be used. What the
-    // callback throws ends the watch.
+    // Calls the callback on this thread, for each HID interface of a device, until a signal
+    // arrives. A new device is given some time in which the system sets its permissions and binds
+    // its driver. A device that is unplugged within that time may never be reported. To be called
+    // once. Throws Failure if USB cannot be used, or if the reader of standard output has gone.
+    // What the callback throws ends the watch.
     void run();
 
 private:
