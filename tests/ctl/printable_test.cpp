@@ -19,6 +19,7 @@ TEST(Printable, KeepsOnlyWhatCannotHarmATerminal)
              {"\xff\xc3"sv, "\\xff\\xc3"sv},                            // not UTF-8
              {"\xc0\x80\xe0\x80\x8a"sv, "\\xc0\\x80\\xe0\\x80\\x8a"sv}, // too long
              {"\xed\xa0\x80\xf4\x90\x80\x80"sv, "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80"sv},
+             {"\xef\xbf\xbe\xef\xbf\xbf"sv, "\\xef\\xbf\\xbe\\xef\\xbf\\xbf"sv}, // not in XML
              {"\xf0\x9f\x98\x80"sv, "\xf0\x9f\x98\x80"sv},
          })
         EXPECT_EQ(text::printable(text), expected);

@@ -9,11 +9,13 @@
 namespace text {
 namespace {
 
-// C0, DEL and C1 control characters, and those that reverse the direction of the text after them.
+// C0, DEL and C1 control characters, those that reverse the direction of the text after them, and
+// two that are no characters, which neither XML nor YAML may hold.
 bool isControl(uint32_t code)
 {
     return code < 0x20 || (code >= 0x7f && code <= 0x9f) || (code >= 0x202a && code <= 0x202e)
-        || (code >= 0x2066 && code <= 0x2069) || code == 0x2028 || code == 0x2029;
+        || (code >= 0x2066 && code <= 0x2069) || code == 0x2028 || code == 0x2029 || code == 0xfffe
+        || code == 0xffff;
 }
 
 } // namespace

@@ -12,13 +12,9 @@ namespace {
 
 using Verdict = Outcome::Verdict;
 
-// Without the two characters that are valid UTF-8 but not valid in XML.
 QString xmlText(const std::string& text)
 {
-    QString result = QString::fromStdString(text::printable(text));
-    result.remove(QChar(0xfffe));
-    result.remove(QChar(0xffff));
-    return result;
+    return QString::fromStdString(text::printable(text));
 }
 
 QString seconds(std::chrono::milliseconds time)
