@@ -11,8 +11,9 @@ constexpr const char* kDescription = "Check a device's call control over the sta
 
 constexpr const char* kFooter
     = R"(Plays meetings and checks that the device takes every report, sends the right ones when it is
-used, and none by itself. Presses are done by the person at the terminal, by a command, or taken
-from a recording. Prints TAP 14, and a summary on standard error.
+used, and none by itself. Presses are done by the person at the terminal, who also looks at the
+LEDs, or by a command, or are taken from a recording. Prints TAP 14, and a summary on standard
+error.
 
 The press command is run by sh with one more argument: hook, mute, flash or busy; the replug command
 with unplug, then replug. A recording needs no device. It cannot show what a device makes of
@@ -26,18 +27,26 @@ Examples:
   kelprobectl check --press-command ./finger.sh
   kelprobectl check --recording meeting.hid)";
 
+// CLI11's error text for a shell command; empty if there is nothing wrong.
+std::string blankError(const std::string& command)
+{
+    return command.find_first_not_of(" \t\n") == std::string::npos ? "the command is empty" : "";
+}
+
 void addOptions(CLI::App& command, CheckOptions& options)
 {
     const auto* const device = command.add_option("DEVICE", options.device,
         "The device: vvvv:pppp, path or number; default: the only telephony device");
     auto* const press
         = command.add_option("--press-command", options.pressCommand, "Run this to press a button")
-              ->type_name("CMD");
+              ->type_name("CMD")
+              ->check(blankError);
     auto* const replug = command.add_flag(
         "--replug", options.replug, "Also have the person unplug the device and plug it in again");
     auto* const replugCommand
         = command.add_option("--replug-command", options.replugCommand, "The same by this command")
               ->type_name("CMD")
+              ->check(blankError)
               ->excludes(replug);
     command.add_option("--recording", options.recording, "Take the presses from this recording")
         ->type_name("FILE")

@@ -1,10 +1,19 @@
 #include "tools/ctl/check/command_operator.h"
 
+#include "tools/ctl/cli/failure.h"
+
 #include <csignal>
 #include <unistd.h>
 #include <utility>
 
 namespace ctl {
+namespace {
+
+// Exit statuses of the shell for a command that cannot be started, and one that is not found.
+constexpr int kNotStarted = 126;
+constexpr int kNotFound = 127;
+
+} // namespace
 
 class CommandOperator::Process final : public QProcess {
 public:
@@ -66,16 +75,19 @@ Operator::State CommandOperator::state()
 // Why the command failed; empty if it did not.
 std::string CommandOperator::result() const
 {
-    const std::string name = "The press command \"" + command_ + "\" ";
+    const std::string name = "command \"" + command_ + "\" ";
     if (!process_ || process_->error() == QProcess::FailedToStart)
-        return name + "could not be started.";
+        throw Failure(kNoAccess, "the " + name + "could not be started");
     if (process_->state() != QProcess::NotRunning)
-        return name + "took longer than " + std::to_string(limit_.count() / 1000) + " s.";
+        return "The " + name + "took longer than " + std::to_string(limit_.count() / 1000) + " s.";
     if (process_->exitStatus() != QProcess::NormalExit)
-        return name + "was ended by a signal.";
-    if (const int status = process_->exitCode())
-        return name + "failed with exit status " + std::to_string(status) + '.';
-    return {};
+        return "The " + name + "was ended by a signal.";
+    const int status = process_->exitCode();
+    if (status == kNotStarted || status == kNotFound)
+        throw Failure(
+            kNoAccess, "the " + name + "could not be run: exit status " + std::to_string(status));
+    return status == 0 ? std::string()
+                       : "The " + name + "failed with exit status " + std::to_string(status) + '.';
 }
 
 void CommandOperator::end()

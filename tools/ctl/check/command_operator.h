@@ -12,7 +12,8 @@ namespace ctl {
 
 // Runs a shell command with the action's word as one more argument. Its standard input is empty and
 // its output goes to standard error. It runs in a process group of its own, which is killed if it
-// takes longer than the limit or end() comes first.
+// takes longer than the limit or end() comes first. A command that the shell cannot find or start
+// says nothing about the device: state() throws Failure then.
 class CommandOperator final : public Operator {
 public:
     CommandOperator(std::string command, std::chrono::milliseconds limit);
@@ -23,6 +24,7 @@ public:
     [[nodiscard]] std::string reason() const override { return reason_; }
     void end() override;
     [[nodiscard]] bool reportsEnd() const override { return true; }
+    [[nodiscard]] bool isTimed() const override { return true; }
 
 private:
     class Process;

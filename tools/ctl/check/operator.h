@@ -23,6 +23,7 @@ public:
     // Begins the action or asks for it. Does not block.
     virtual void begin(Action action) = 0;
 
+    // Throws Failure if the operator does not work.
     [[nodiscard]] virtual State state() = 0;
 
     // Why, for kDeclined and kFailed.
@@ -34,6 +35,10 @@ public:
     // Whether state() becomes another than kBusy without the device's reaction. A person need not
     // say that a button was pressed.
     [[nodiscard]] virtual bool reportsEnd() const = 0;
+
+    // Whether the action is done between begin() and the end, so that it is known how long the
+    // device takes to react.
+    [[nodiscard]] virtual bool isTimed() const { return false; }
 
     // Whether ask() may be called.
     [[nodiscard]] virtual bool sees() const { return false; }
