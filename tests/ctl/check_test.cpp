@@ -13,15 +13,19 @@ namespace {
 using Reports = PressedDevice::Reports;
 using sim::Bytes;
 
-// Short, but long enough for what a device does at once.
-constexpr const char* kSilence = " --silence 200 ";
+// Times for silence in milliseconds. A press is waited for longer than that.
+constexpr int kForPresses = 20;
+constexpr int kForAnswers = 50; // of a device that sends at once what nobody asked for
+constexpr int kForLate = 150;   // of one that does so late
+constexpr std::chrono::milliseconds kLate{60};
 
 class Check : public CtlBusTest {
 protected:
-    int check(const PressedDevice& device, const std::string& options = "")
+    int check(
+        const PressedDevice& device, const std::string& options = "", int silence = kForPresses)
     {
-        return run("check" + std::string(kSilence) + "--press-command '" + device.command() + "' "
-            + options);
+        return run("check --silence " + std::to_string(silence) + " --press-command '"
+            + device.command() + "' " + options);
     }
 };
 
@@ -30,9 +34,9 @@ TEST_F(Check, PassesARightDevice)
     const struct {
         const char *profile, *summary;
     } cases[] = {
-        {"speakerphone", "24 passed, 0 failed, 0 skipped"},
-        {"no-report-ids", "24 passed, 0 failed, 0 skipped"},
-        {"led-per-report", "23 passed, 0 failed, 1 skipped"}, // has no Line Busy Tone
+        {"speakerphone", "24 passed, 0 failed, 5 skipped"}, // nobody looks at the LEDs
+        {"no-report-ids", "24 passed, 0 failed, 5 skipped"},
+        {"led-per-report", "23 passed, 0 failed, 6 skipped"}, // has no Line Busy Tone
     };
     for (const auto& [profile, summary] : cases) {
         auto& usb = plug(profile);
@@ -40,22 +44,45 @@ TEST_F(Check, PassesARightDevice)
         const std::string junit = device.file("junit.xml");
         EXPECT_EQ(check(device, "--replug-command '" + device.command() + "' --junit " + junit), 0)
             << out_ << err_;
-        EXPECT_TRUE(out_.starts_with("TAP version 14\n1..24\n")) << out_;
+        EXPECT_TRUE(out_.starts_with("TAP version 14\n1..29\n")) << out_;
         EXPECT_NE(err_.find(summary), std::string::npos) << err_;
         EXPECT_EQ(out_.find("Bail out"), std::string::npos);
-        EXPECT_NE(test::content(junit).find("tests=\"24\""), std::string::npos);
+        EXPECT_NE(test::content(junit).find("tests=\"29\""), std::string::npos);
         EXPECT_TRUE(usb.driverBound());
         usb.unplug();
     }
+}
+
+// Its buttons send nothing unless there is a call, and its hook switch reports late that it follows
+// the LED.
+TEST_F(Check, PassesADeviceThatSendsLittleAndLate)
+{
+    std::atomic<bool> rings = false;
+    std::atomic<bool> offHook = false;
+    PressedDevice device(plug("led-per-report"), [&](const auto& word, Reports right) {
+        return offHook || (rings && word == "hook") ? right : Reports{};
+    });
+    device.onOutput = [&](const Bytes& output) {
+        if (output[0] == 0x18)
+            rings = output[1];
+        if (output[0] == 0x17 && offHook.exchange(output[1]) != bool(output[1]))
+            device.send(device.position(), kLate);
+    };
+    EXPECT_EQ(check(device, "", kForLate), 0) << out_;
+    for (const char* const sentence : {"The device sends nothing for a press while nothing rings.",
+             "no button that rejects a call; its flash button sends nothing while a call rings"})
+        EXPECT_NE(err_.find(sentence), std::string::npos) << err_;
 }
 
 // What is wrong, as the device's maker would see it.
 struct WrongDevice {
     const char* name;
     PressedDevice::Wrong press;                         // null: as a right device
-    std::function<Reports(const Bytes& output)> answer; // input reports for an output report
+    std::function<Reports(const Bytes& output)> answer; // reports after an output report, at once
+                                                        // or, with kForLate, late
     const char* test;                                   // that fails
     const char* sentence;
+    int silence = kForAnswers;
 
     friend void PrintTo(const WrongDevice& device, std::ostream* stream) { *stream << device.name; }
 };
@@ -67,10 +94,11 @@ Reports repeatFirst(const std::string& word, Reports right)
     return right;
 }
 
-Reports cutEach(const std::string&, Reports right)
+Reports cutMute(const std::string& word, Reports right)
 {
-    for (Bytes& report : right)
-        report.pop_back();
+    if (word == "mute")
+        for (Bytes& report : right)
+            report.pop_back();
     return right;
 }
 
@@ -82,20 +110,20 @@ Reports clearHookInFlash(const std::string& word, Reports right)
     return right;
 }
 
-Reports slowHook(const std::string& word, Reports right)
+Reports slowFlash(const std::string& word, Reports right)
 {
-    if (word == "hook")
+    if (word == "flash")
         std::this_thread::sleep_for(std::chrono::milliseconds(1200));
     return right;
 }
 
 const WrongDevice kWrongDevices[] = {
     {"SendsNothing",
-        [](const auto& word, Reports right) { return word == "hook" ? Reports{} : right; }, {},
-        "the hook switch answers a call",
-        "The device sent no report when the hook switch was pressed. Send 03 01 00 (Hook Switch "
-        "on)."},
-    {"SendsShortReports", cutEach, {}, "the mute button mutes",
+        [](const auto& word, Reports right) { return word == "flash" ? Reports{} : right; }, {},
+        "flash answers a second call",
+        "The device sent no report when the flash button was pressed. Send 03 11 00 (Hook Switch "
+        "on, Flash on)."},
+    {"SendsShortReports", cutMute, {}, "the mute button mutes",
         "The device sent a report of 2 bytes when the mute button was pressed; Kelprobe expects 3 "
         "bytes, report id included, and takes no other length."},
     {"SendsAnotherReportBefore",
@@ -124,15 +152,32 @@ const WrongDevice kWrongDevices[] = {
         {}, "a button rejects a call",
         "Kelprobe took the press as accept. The report of the reject button has Hook Switch on as "
         "well, which answers a ringing call."},
+    {"KeepsTheHookSwitchOn",
+        [](const auto& word, Reports right) {
+            return word == "busy" ? Reports{{3, 3, 0}, {3, 1, 0}} : right;
+        },
+        {}, "a button rejects a call",
+        "Hook Switch stayed on after the Off-Hook LED was switched off"},
+    {"SetsAnotherBitAsWell",
+        [](const auto& word, Reports right) {
+            return word == "busy" ? Reports{{3, 10, 0}, {3, 0, 0}} : right;
+        },
+        {}, "a button rejects a call", "The report of the reject button also has Phone Mute on."},
     {"RepeatsAPress", repeatFirst, {}, "the mute button mutes",
         "One press of the mute button became the events mute, unmute. The device repeated the "
-        "report without a release between."},
+        "report of the mute button without a release between"},
     {"RepeatsAPressOfNoEffect",
         [](const auto& word, Reports right) {
-            return word == "busy" ? Reports{right[0], right[0], right[1]} : right;
+            return word == "busy" ? Reports{right[0], {1, 0}, right[0], right[1]} : right;
         },
         {}, "one press is reported once",
         "The device repeated the report of the reject button without a release between"},
+    {"Bounces",
+        [](const auto& word, Reports right) {
+            return word == "busy" ? Reports{right[0], right[1], right[0], right[1]} : right;
+        },
+        {}, "one press is reported once",
+        "The device reported 2 presses of the reject button for one."},
     {"SendsFlashAlone", clearHookInFlash, {}, "flash answers a second call",
         "Flash came without Hook Switch."},
     {"SendsAnUnknownReport",
@@ -164,9 +209,16 @@ const WrongDevice kWrongDevices[] = {
         [](const Bytes& output) {
             return output[1] == 5 ? Reports{{3, 9, 0}, {3, 1, 0}} : Reports{};
         },
-        "the mute LED is on when the host mutes, and there is no event back",
-        "by itself after its LEDs were set, and Kelprobe took it as unmute."},
-    {"IsSlow", slowHook, {}, "a press becomes an event within 1 s", " ms to become an event."},
+        "takes the report that switches the mute LED on, and sends no event back",
+        "by itself after its LEDs were set, and Kelprobe took it as unmute"},
+    {"TogglesMuteLongAfterTheLed", {},
+        [isFirst = true](const Bytes& output) mutable {
+            return output[1] == 5 && std::exchange(isFirst, false) ? Reports{{3, 9, 0}, {3, 1, 0}}
+                                                                   : Reports{};
+        },
+        "takes the report that switches the mute LED on, and sends no event back",
+        "by itself after its LEDs were set, and Kelprobe took it as unmute", kForLate},
+    {"IsSlow", slowFlash, {}, "a press becomes an event within 1 s", " ms to become an event."},
 };
 
 class WrongDevices : public Check, public testing::WithParamInterface<WrongDevice> { };
@@ -177,11 +229,14 @@ TEST_P(WrongDevices, AreNamed)
     auto& usb = plug();
     PressedDevice device(usb, wrong.press);
     if (wrong.answer)
-        device.onOutput = [&](const Bytes& output) {
-            for (const Bytes& report : wrong.answer(output))
-                usb.inject(report);
+        device.onOutput = [&, answer = wrong.answer](const Bytes& output) {
+            for (const Bytes& report : answer(output))
+                device.send(
+                    report, wrong.silence == kForLate ? kLate : std::chrono::milliseconds(0));
         };
-    EXPECT_EQ(check(device), 1);
+    const std::string unpressed
+        = "check --silence " + std::to_string(wrong.silence) + " </dev/null";
+    EXPECT_EQ(wrong.answer ? run(unpressed) : check(device), 1);
     EXPECT_NE(out_.find(std::string(" - ") + wrong.test + "\n  ---\n"), std::string::npos) << out_;
     EXPECT_NE(err_.find(wrong.sentence), std::string::npos) << err_;
     EXPECT_TRUE(usb.driverBound());
@@ -192,14 +247,22 @@ INSTANTIATE_TEST_SUITE_P(Check, WrongDevices, testing::ValuesIn(kWrongDevices),
 
 TEST_F(Check, NamesADeviceThatTakesNoReports)
 {
-    auto& usb = plug();
-    const PressedDevice device(usb);
-    usb.faults().failWrite.arm();
-    EXPECT_EQ(check(device), 1);
+    plug().faults().failWrite.arm();
+    EXPECT_EQ(run("check --silence 20 </dev/null"), 1);
     EXPECT_NE(err_.find("The device did not take the output report 03 00 00 (nothing on): the "
                         "device refused it."),
         std::string::npos)
         << err_;
+}
+
+TEST_F(Check, NamesADeviceThatDoesNotWorkAfterReplug)
+{
+    const PressedDevice device(plug(), [hooks = 0](const auto& word, Reports right) mutable {
+        return word == "hook" && ++hooks == 3 ? Reports{{3, 2, 0}} : right;
+    });
+    EXPECT_EQ(check(device, "--replug-command '" + device.command() + "'"), 1);
+    EXPECT_NE(out_.find("not ok 29 - works again after"), std::string::npos) << out_;
+    EXPECT_NE(err_.find("1 failed"), std::string::npos) << err_;
 }
 
 TEST_F(Check, NamesWhatAWebcamLacks)
@@ -216,24 +279,28 @@ TEST_F(Check, NamesWhatAWebcamLacks)
 TEST_F(Check, SkipsPressesThatNobodyCanDo)
 {
     plug();
-    EXPECT_EQ(run("check --silence 50 </dev/null"), 0);
-    EXPECT_NE(out_.find("# SKIP Nobody can press anything: standard input is no terminal"),
-        std::string::npos);
+    EXPECT_EQ(run("check --silence 20 </dev/null"), 0);
+    for (const char* const reason : {"Nobody can press anything: standard input is no terminal",
+             "Nobody looked at the LEDs: only a person"})
+        EXPECT_NE(out_.find(std::string("# SKIP ") + reason), std::string::npos);
     EXPECT_NE(err_.find("0 failed"), std::string::npos) << err_;
 }
 
 TEST_F(Check, NamesAPressCommandThatFails)
 {
     plug("webcam"); // has few presses
-    EXPECT_EQ(run("check --silence 50 --press-command 'false #'"), 1);
+    EXPECT_EQ(run("check --silence 20 --press-command 'false #'"), 1);
     EXPECT_NE(err_.find("failed with exit status 1"), std::string::npos) << err_;
     EXPECT_EQ(
-        run("check --silence 50 --time-limit 1 --press-command 'echo to_stdout | tr _ -; sleep "
+        run("check --silence 20 --time-limit 1 --press-command 'echo to_stdout | tr _ -; sleep "
             "100 #'"),
         1);
     EXPECT_NE(err_.find("took longer than 1 s"), std::string::npos) << err_;
     EXPECT_NE(err_.find("to-stdout"), std::string::npos) << err_;
     EXPECT_EQ(out_.find("to-stdout"), std::string::npos) << "only results";
+    EXPECT_EQ(run("check --silence 20 --press-command /none"), 3);
+    EXPECT_NE(out_.find("Bail out! the command \"/none\" could not be run"), std::string::npos);
+    EXPECT_EQ(run("check --press-command ''"), 2);
 }
 
 TEST_F(Check, TakesPressesFromARecording)
@@ -253,10 +320,15 @@ TEST_F(Check, TakesPressesFromARecording)
         std::vector<const char*> sentences;
     } cases[] = {
         {{}, {}, 2, {"no report descriptor"}},
-        {descriptor, right, 0, {"11 passed, 0 failed, 13 skipped"}},
+        {descriptor, right, 0,
+            {"10 passed, 0 failed, 19 skipped", "A recording cannot be unplugged."}},
         {descriptor, wrong, 1,
             {"Flash came without Hook Switch.", "sent an input report of 2 bytes"}},
         {descriptor, {{3, 1, 0}}, 0, {"The recording has no further press of the mute button."}},
+        {descriptor, {}, 0, {"has no press of a button; record a meeting"}},
+        {descriptor, {{5, 1, 0}, {3, 0}}, 1, {"an input report with the id 5"}}, // before a press
+        {descriptor, {{3, 0}, {3, 1, 0}}, 1, {"an input report of 2 bytes"}},
+        {descriptor, {{3, 1, 0}, {3, 17, 0}, {1, 0}, {3, 17, 0}}, 1, {"repeated the report"}},
     };
     for (const auto& test : cases) {
         report::RecordedDevice device;
@@ -275,15 +347,19 @@ TEST_F(Check, TakesPressesFromARecording)
     EXPECT_EQ(run("check --recording " + directory.path() + "none"), 2);
 }
 
-// Presses what is asked for, except flash, and answers that the ring LED is off.
+// Presses what is asked for, except flash, answers that the ring LED is off and does not say
+// whether the mute LED is on. Another control of the device sends a report while the person is
+// about to mute.
 TEST_F(Check, AsksThePersonAtTheTerminal)
 {
-    PressedDevice device(plug());
+    auto& usb = plug();
+    PressedDevice device(usb);
     int terminal = -1;
     int other = -1;
     ASSERT_EQ(openpty(&terminal, &other, nullptr, nullptr, nullptr), 0);
-    CtlProcess process(
-        "check --silence 200 --time-limit 30 <" + std::string(ptsname(terminal)), errorFile());
+    CtlProcess process("check --silence " + std::to_string(kForPresses) + " --time-limit 30 <"
+            + std::string(ptsname(terminal)),
+        errorFile());
     std::atomic<bool> ended = false;
     std::thread person([&] {
         for (size_t seen = 0; !ended; std::this_thread::sleep_for(std::chrono::milliseconds(5))) {
@@ -296,10 +372,17 @@ TEST_F(Check, AsksThePersonAtTheTerminal)
             const bool declines = line.find("flash") != std::string::npos;
             if (line.find("?") != std::string::npos || declines) {
                 const bool no = declines || line.starts_with("Is the ring LED");
-                EXPECT_GT(write(terminal, no ? "n\n" : "\n", no ? 2 : 1), 0);
+                const char* const answer = no          ? "n\n"
+                    : line.starts_with("Are the mute") ? "s\n"
+                                                       : "\n";
+                EXPECT_GT(write(terminal, answer, strlen(answer)), 0);
             } else if (line.starts_with("Press the ")) {
                 const size_t word = strlen("Press the ");
                 const std::string button = line.substr(word, line.find(' ', word) - word);
+                if (button == "mute") {
+                    usb.inject({1, 0});
+                    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                }
                 device.press(button == "reject" ? "busy" : button);
             }
         }
@@ -314,7 +397,9 @@ TEST_F(Check, AsksThePersonAtTheTerminal)
     EXPECT_NE(err_.find("answered no to: Is the ring LED on, and no other?"), std::string::npos);
     EXPECT_NE(
         err_.find("The person at the terminal says that it cannot be done."), std::string::npos);
-    EXPECT_NE(err_.find("21 passed, 1 failed, 2 skipped"), std::string::npos) << out_ << err_;
+    EXPECT_NE(
+        err_.find("Nobody answered: Are the mute and the off-hook LED on?"), std::string::npos);
+    EXPECT_NE(err_.find("24 passed, 1 failed, 4 skipped"), std::string::npos) << out_ << err_;
 }
 
 TEST_F(Check, IsCompleteWhenItIsStopped)
@@ -323,7 +408,7 @@ TEST_F(Check, IsCompleteWhenItIsStopped)
     PressedDevice device(usb);
     const std::string junit = device.file("junit.xml");
     CtlProcess process(
-        "check --silence 100 --junit " + junit + " --press-command 'sleep 100 #'", errorFile());
+        "check --silence 40 --junit " + junit + " --press-command 'sleep 100 #'", errorFile());
     std::string line;
     while (line.find("ok 13 ") == line.npos && line != "end")
         line = process.line();
@@ -334,7 +419,10 @@ TEST_F(Check, IsCompleteWhenItIsStopped)
     EXPECT_TRUE(usb.driverBound());
     EXPECT_NE(test::content(junit).find("</testsuites>"), std::string::npos);
 
-    CtlProcess unplugged("check --silence 1000", errorFile());
+    EXPECT_EQ(run("check --silence 20 --junit " + junit + " >/dev/full"), 3);
+    EXPECT_NE(test::content(junit).find("No space left"), std::string::npos);
+
+    CtlProcess unplugged("check --silence 300", errorFile());
     while (line.find("ok 2 ") == line.npos && line != "end")
         line = unplugged.line();
     usb.unplug();

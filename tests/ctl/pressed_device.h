@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <functional>
+#include <mutex>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -39,6 +40,7 @@ public:
         reader_.join();
         close(end_);
         device_.setOutputCallback({});
+        delayed_.clear(); // joins
     }
     PressedDevice(const PressedDevice&) = delete;
     PressedDevice& operator=(const PressedDevice&) = delete;
@@ -71,6 +73,23 @@ public:
             device_.inject(report);
     }
 
+    // Sends an input report after a delay. Any thread, also in onOutput.
+    void send(const sim::Bytes& report, std::chrono::milliseconds delay)
+    {
+        if (delay.count() == 0) {
+            device_.inject(report);
+            return;
+        }
+        const std::lock_guard lock(mutex_);
+        delayed_.emplace_back([this, report, delay] {
+            std::this_thread::sleep_for(delay);
+            device_.inject(report);
+        });
+    }
+
+    // A report with every button released and the hook switch where it is.
+    sim::Bytes position() const { return panel_.idleReport(); }
+
     // Called with each output report. Set it before the device is opened.
     std::function<void(const sim::Bytes&)> onOutput;
 
@@ -96,4 +115,6 @@ private:
     const std::string pipe_;
     int end_ = -1;
     std::thread reader_;
+    std::mutex mutex_; // guards delayed_
+    std::vector<std::jthread> delayed_;
 };

@@ -1,5 +1,7 @@
 #include "tools/ctl/check/device_facts.h"
 
+#include <algorithm>
+
 namespace ctl {
 
 DeviceFacts::DeviceFacts(const report::Bytes& descriptor)
@@ -12,18 +14,27 @@ DeviceFacts::DeviceFacts(const report::Bytes& descriptor)
 
 bool DeviceFacts::isOn(ControlId control, const report::Bytes& report) const
 {
+    if (!mayHold(control, report))
+        return false;
     const auto& mask = map_[control].report;
-    if (!mask)
-        return false;
-    const size_t start = layout_.usesReportIds ? 1 : 0;
-    if (start == 1 && (report.empty() || report.front() != mask->front()))
-        return false;
-    for (size_t i = start; i < mask->size(); ++i) {
+    for (size_t i = layout_.usesReportIds ? 1 : 0; i < mask->size(); ++i) {
         const uint8_t wanted = (*mask)[i];
         if (wanted != 0 && (i >= report.size() || (report[i] & wanted) != wanted))
             return false;
     }
     return true;
+}
+
+bool DeviceFacts::mayHold(ControlId control, const report::Bytes& report) const
+{
+    const auto& mask = map_[control].report;
+    return mask && (!layout_.usesReportIds || (!report.empty() && report.front() == mask->front()));
+}
+
+bool DeviceFacts::mayHoldControls(const report::Bytes& report) const
+{
+    return std::any_of(kInputControls.begin(), kInputControls.end(),
+        [&](ControlId control) { return mayHold(control, report); });
 }
 
 std::string DeviceFacts::input(const report::Bytes& report) const

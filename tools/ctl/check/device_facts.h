@@ -6,12 +6,16 @@
 #include "tools/ctl/check/test_result.h"
 #include "tools/ctl/explain/control_map.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
 namespace ctl {
 
 using Reports = std::vector<report::Bytes>;
+
+inline constexpr std::array kInputControls{
+    ControlId::kHookSwitch, ControlId::kPhoneMute, ControlId::kLineBusy, ControlId::kFlash};
 
 class DeviceFacts {
 public:
@@ -30,6 +34,12 @@ public:
     // Whether the bit of one of the four input controls is in the report, which may have any
     // length.
     [[nodiscard]] bool isOn(ControlId control, const report::Bytes& report) const;
+
+    // Whether the report, which may have any length, has the id of the control's report. So has
+    // every report of a device without report ids.
+    [[nodiscard]] bool mayHold(ControlId control, const report::Bytes& report) const;
+    // The same for any of the four.
+    [[nodiscard]] bool mayHoldControls(const report::Bytes& report) const;
 
     // "03 08 00 (Ring on)"
     [[nodiscard]] std::string input(const report::Bytes& report) const;

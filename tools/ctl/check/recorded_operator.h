@@ -23,6 +23,9 @@ public:
     void end() override { }
     [[nodiscard]] bool reportsEnd() const override { return true; }
 
+    // Whether the recording has no press at all.
+    [[nodiscard]] bool isEmpty() const { return presses_.empty(); }
+
 private:
     struct RecordedPress {
         ControlId control;

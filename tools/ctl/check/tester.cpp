@@ -7,9 +7,29 @@
 
 namespace ctl {
 
+using std::chrono::duration_cast;
+using std::chrono::microseconds;
 using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 using Kind = Entry::Kind;
 using State = Operator::State;
+
+namespace {
+
+CallState stateBefore(Step step)
+{
+    switch (step) {
+    case Step::kMute:
+    case Step::kEnd:
+        return CallState::kActive;
+    case Step::kUnmute:
+        return CallState::kMuted;
+    default:
+        return CallState::kIdle;
+    }
+}
+
+} // namespace
 
 Tester::Tester(
     EventLoop& loop, const Subject& subject, Operators operators, const CheckTimes& times)
@@ -18,12 +38,18 @@ Tester::Tester(
     , operators_(operators)
     , times_(times)
     , device_(subject.descriptor)
-    , journal_([this](const Entry& entry) {
-        gone_ = gone_ || entry.kind == Kind::kGone;
-        entries_.push_back(entry);
-    })
+    , journal_([this](const Entry& entry) { add(entry); })
 {
     open();
+}
+
+void Tester::add(const Entry& entry)
+{
+    gone_ = gone_ || entry.kind == Kind::kGone;
+    if (entry.kind == Kind::kSent
+        || (entry.kind == Kind::kReceived && device_.mayHoldControls(entry.report)))
+        lastTraffic_ = entry.arrival;
+    entries_.push_back(entry);
 }
 
 void Tester::open()
@@ -40,6 +66,7 @@ void Tester::close()
 
 bool Tester::enter(CallState state)
 {
+    const size_t first = now();
     const bool active = isOffHook(state);
     if (!trusted_ || !session_ || (meeting().meetingStatus() && !active)) {
         close(); // there is no other way to end a meeting
@@ -48,7 +75,7 @@ bool Tester::enter(CallState state)
     meeting().toggleHangup();
     if (meeting().muteState())
         meeting().toggleMuteUnmute();
-    watch(times_.settle());
+    settle();
     const size_t begin = now();
     if (active && !meeting().meetingStatus()) {
         meeting().toggleRing();
@@ -58,29 +85,84 @@ bool Tester::enter(CallState state)
         meeting().toggleRing();
     if (state == CallState::kMuted)
         meeting().toggleMuteUnmute();
-    watch(times_.settle());
-    return eventsSince(begin).empty();
+    settle();
+    entering_ = since(first);
+    return eventsIn(since(begin)).empty();
 }
 
-std::vector<Entry> Tester::since(size_t moment) const
+const WatchedStep& Tester::watchStep(Step step)
+{
+    const auto [found, isNew] = steps_.try_emplace(step);
+    WatchedStep& watched = found->second;
+    if (!isNew)
+        return watched;
+    if (step != Step::kOpen) {
+        watched.entered = enter(stateBefore(step));
+        watched.entering = entering_;
+    }
+    const size_t moment = step == Step::kOpen ? 0 : now();
+    takeStep(step);
+    watch(times_.silence);
+    watched.entries = since(moment);
+    learnFrom(watched.entries);
+    return watched;
+}
+
+void Tester::takeStep(Step step)
+{
+    switch (step) {
+    case Step::kOpen: // the constructor has done it
+        break;
+    case Step::kRing:
+        meeting().toggleRing();
+        break;
+    case Step::kPickUp:
+        meeting().toggleRing();
+        meeting().togglePickup();
+        break;
+    case Step::kMute:
+    case Step::kUnmute:
+        meeting().toggleMuteUnmute();
+        break;
+    case Step::kEnd:
+        close();
+        open();
+        break;
+    }
+}
+
+void Tester::learnFrom(const Entries& entries)
+{
+    std::optional<Time> sent;
+    for (const Entry& entry : entries) {
+        if (entry.kind == Kind::kSent)
+            sent = entry.arrival;
+        else if (sent && entry.kind == Kind::kReceived && device_.mayHoldControls(entry.report))
+            slowest_ = std::max(slowest_, duration_cast<microseconds>(entry.arrival - *sent));
+    }
+}
+
+milliseconds Tester::quietTime() const
+{
+    if (subject_.isRecording)
+        return milliseconds(1); // nothing comes by itself
+    // Once the device was watched while idle, while ringing and during a call, more is known.
+    const milliseconds least
+        = steps_.contains(Step::kPickUp) ? milliseconds(100) : times_.silence / 4;
+    const auto learned = duration_cast<milliseconds>(2 * slowest_) + milliseconds(50);
+    return std::clamp(learned, std::min(least, times_.silence), times_.silence);
+}
+
+void Tester::settle()
+{
+    const milliseconds quiet = quietTime();
+    (void)waitUntil(
+        [&] { return steady_clock::now() - lastTraffic_ >= quiet; }, 2 * times_.silence);
+}
+
+Entries Tester::since(size_t moment) const
 {
     return {entries_.begin() + static_cast<ptrdiff_t>(moment), entries_.end()};
-}
-
-std::vector<Entry> Tester::since(size_t moment, Kind kind) const
-{
-    std::vector<Entry> found = since(moment);
-    std::erase_if(found, [kind](const Entry& entry) { return entry.kind != kind; });
-    return found;
-}
-
-std::vector<Kind> Tester::eventsSince(size_t moment) const
-{
-    std::vector<Kind> events;
-    for (const Entry& entry : since(moment))
-        if (isEvent(entry.kind))
-            events.push_back(entry.kind);
-    return events;
 }
 
 void Tester::watch(milliseconds time)
@@ -100,14 +182,20 @@ bool Tester::waitUntil(const EventLoop::Condition& condition, milliseconds limit
         limit);
 }
 
-// Whether there was an event, or there were reports but none for some time.
+// Whether there were reports that may be a press, and an event or no more reports for some time. A
+// device may send others, for example of its battery, at any time.
 bool Tester::settled(size_t moment) const
 {
-    if (!eventsSince(moment).empty())
-        return true;
-    const auto received = since(moment, Kind::kReceived);
-    return !received.empty()
-        && std::chrono::steady_clock::now() - received.back().arrival > times_.pause();
+    const Entries entries = since(moment);
+    const auto last = std::find_if(entries.rbegin(), entries.rend(), [this](const Entry& entry) {
+        return entry.kind == Kind::kReceived && device_.mayHoldControls(entry.report);
+    });
+    if (last == entries.rend())
+        return false;
+    // The event may come late on a busy machine.
+    const milliseconds late{subject_.isRecording ? 0 : 250};
+    const milliseconds pause = std::max(quietTime(), late);
+    return !eventsIn(entries).empty() || steady_clock::now() - last->arrival > pause;
 }
 
 // `reaction` is how long the device may take for its reaction after the operator was done.
@@ -118,7 +206,7 @@ State Tester::act(
     const auto isDone
         = [&] { return whoActs.state() != State::kBusy || (!whoActs.reportsEnd() && reacted()); };
     (void)waitUntil(isDone, times_.press);
-    actionEnd_ = std::chrono::steady_clock::now();
+    actionEnd_ = steady_clock::now();
     const State state = whoActs.state();
     if (state == State::kDone)
         (void)waitUntil(reacted, reaction);
@@ -134,11 +222,23 @@ const Press* Tester::declined(Action action) const
     return found == presses_.end() ? nullptr : &*found;
 }
 
-// Whether the last report since `moment` does not have the control on.
+// Whether the control is off in its last report since `moment`.
 bool Tester::isReleased(size_t moment, Action action) const
 {
-    const auto received = since(moment, Kind::kReceived);
-    return received.empty() || !device_.isOn(controlOf(action), received.back().report);
+    bool isOn = false;
+    for (const Entry& entry : ofKind(since(moment), Kind::kReceived))
+        if (device_.mayHold(controlOf(action), entry.report))
+            isOn = device_.isOn(controlOf(action), entry.report);
+    return !isOn;
+}
+
+// A late release would count as a report of the next test. The hook switch may report a position:
+// it is only waited for if a person presses it, who may hold it for some time.
+void Tester::waitForRelease(size_t moment, Action action)
+{
+    const bool mayStay = action == Action::kHook && operators_.presses.reportsEnd();
+    if (!mayStay && !subject_.isRecording)
+        (void)waitUntil([&] { return isReleased(moment, action); }, times_.reaction);
 }
 
 Press Tester::press(Action action)
@@ -146,41 +246,36 @@ Press Tester::press(Action action)
     if (const Press* const before = declined(action))
         return *before;
     const size_t begin = now();
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = steady_clock::now();
     Press press{.action = action};
     press.state = act(
         operators_.presses, action, [&] { return settled(begin); }, times_.reaction);
     if (press.state == State::kDeclined || press.state == State::kFailed)
         press.reason = operators_.presses.reason();
-    // A late release would count as a report of the next test.
-    if (!operators_.presses.reportsEnd())
-        (void)waitUntil([&] { return isReleased(begin, action); }, times_.reaction);
-    watch(times_.settle()); // also for what should not follow
-    for (const Entry& entry : since(begin, Kind::kReceived))
+    waitForRelease(begin, action);
+    settle(); // also for what should not follow
+    for (const Entry& entry : ofKind(since(begin), Kind::kReceived))
         press.received.push_back(entry.report);
-    press.events = eventsSince(begin);
-    measure(press, begin, start);
+    press.events = eventsIn(since(begin));
+    if (timesPresses())
+        press.latency = latency(begin, start);
     presses_.push_back(press);
     return press;
 }
 
-void Tester::measure(Press& press, size_t moment, Time start) const
+std::optional<Press::Latency> Tester::latency(size_t moment, Time start) const
 {
-    const std::vector<Entry> entries = since(moment);
+    const Entries entries = since(moment);
     const auto event = std::find_if(
         entries.begin(), entries.end(), [](const Entry& entry) { return isEvent(entry.kind); });
-    const auto report = std::find_if(
-        entries.begin(), event, [](const Entry& entry) { return entry.kind == Kind::kReceived; });
-    if (event == entries.end() || report == event)
-        return;
+    const Entries received = ofKind({entries.begin(), event}, Kind::kReceived);
+    if (event == entries.end() || received.empty())
+        return std::nullopt;
     const auto until = [event](Time time) {
         return std::max(std::chrono::ceil<milliseconds>(event->arrival - time), milliseconds{});
     };
-    press.sinceReport = until(report->arrival);
-    if (!operators_.presses.reportsEnd())
-        return;
-    press.sinceCommand = until(start);
-    press.sinceCommandEnd = until(actionEnd_);
+    // The last report before the event caused it.
+    return Press::Latency{until(received.back().arrival), until(start), until(actionEnd_)};
 }
 
 Outcome Tester::unplug()
@@ -220,7 +315,7 @@ Outcome Tester::replug()
 bool Tester::tryToOpen(Time& last)
 {
     constexpr milliseconds interval{200};
-    const auto time = std::chrono::steady_clock::now();
+    const auto time = steady_clock::now();
     if (session_ || time - last < interval)
         return session_ != nullptr;
     last = time;

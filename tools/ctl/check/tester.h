@@ -5,11 +5,12 @@
 #include "tools/ctl/check/call_state.h"
 #include "tools/ctl/check/device_facts.h"
 #include "tools/ctl/check/operator.h"
+#include "tools/ctl/check/watched_step.h"
 #include "tools/ctl/meeting/event_loop.h"
 #include "tools/ctl/meeting/session.h"
 
-#include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -21,6 +22,7 @@ struct Subject {
     report::Bytes descriptor;
     std::function<std::unique_ptr<Session>(Journal&)> open; // throws Failure
     bool isRecording = false;                               // no device: nothing shows LEDs
+    Reports recorded = {};                                  // the recording's input reports
 };
 
 struct CheckTimes {
@@ -30,10 +32,6 @@ struct CheckTimes {
     Milliseconds press{20'000};  // for a person or a command
     Milliseconds reaction{2000}; // of the device after a press
     Milliseconds replug{10'000}; // until the device can be opened after it was plugged in
-
-    [[nodiscard]] Milliseconds settle() const { return silence / 4; }
-    // After a report without an event: the event may come late on a busy machine.
-    [[nodiscard]] Milliseconds pause() const { return std::max(settle(), Milliseconds(250)); }
 };
 
 // What came of one action.
@@ -43,12 +41,20 @@ struct Press {
     std::string reason = {};                        // of kDeclined and kFailed
     Reports received = {};
     std::vector<Entry::Kind> events = {};
-    // From the report until the first event.
-    std::optional<std::chrono::milliseconds> sinceReport = {};
-    // The same from the beginning and from the end of the command that pressed, 0 if the event came
-    // before the end. Not for a person, whose presses nobody times.
-    std::optional<std::chrono::milliseconds> sinceCommand = {};
-    std::chrono::milliseconds sinceCommandEnd{};
+
+    struct Latency { // until the first event
+        std::chrono::milliseconds sinceReport{};
+        std::chrono::milliseconds sinceCommand{};    // from its beginning
+        std::chrono::milliseconds sinceCommandEnd{}; // 0 if the event came before
+    };
+    std::optional<Latency> latency = {}; // only if the operator is timed and there was an event
+
+    // Whether the device sent nothing, although it was not declined and did not fail.
+    [[nodiscard]] bool isSilent() const
+    {
+        return received.empty()
+            && (state == Operator::State::kDone || state == Operator::State::kBusy);
+    }
 };
 
 // Who acts. Both must outlive the tester.
@@ -81,15 +87,23 @@ public:
     // Brings the meeting into a state and lets the device settle. False if there was an event of
     // the device meanwhile: it is in another state then.
     [[nodiscard]] bool enter(CallState state);
+    // What happened in the last enter().
+    [[nodiscard]] const Entries& entering() const { return entering_; }
+
+    // Takes the step and watches the device for the time of silence, on the first call for it.
+    // Later calls return the same.
+    const WatchedStep& watchStep(Step step);
+
+    // Waits until nothing has been sent or received for some time, which depends on how fast the
+    // device reacted in the steps. Not longer than twice the time of silence.
+    void settle();
 
     // After a failure: the next enter() opens the device again.
     void distrust() { trusted_ = false; }
 
     // A moment, for the functions below.
     [[nodiscard]] size_t now() const { return entries_.size(); }
-    [[nodiscard]] std::vector<Entry> since(size_t moment) const;
-    [[nodiscard]] std::vector<Entry> since(size_t moment, Entry::Kind kind) const;
-    [[nodiscard]] std::vector<Entry::Kind> eventsSince(size_t moment) const;
+    [[nodiscard]] Entries since(size_t moment) const;
 
     // Lets time pass.
     void watch(std::chrono::milliseconds time);
@@ -107,18 +121,28 @@ public:
     // Has it plugged in and opens it. The same.
     [[nodiscard]] Outcome replug();
 
-    // Asks the person, if there is one. No value without an answer.
+    // Whether it is known how long the device takes to react to a press.
+    [[nodiscard]] bool timesPresses() const { return operators_.presses.isTimed(); }
+
+    // Whether there is a person to ask.
+    [[nodiscard]] bool isSeen() const { return operators_.presses.sees(); }
+    // Asks the person. No value without an answer.
     [[nodiscard]] std::optional<bool> ask(const std::string& question);
 
 private:
     using Time = std::chrono::steady_clock::time_point;
 
+    void add(const Entry& entry);
+    void takeStep(Step step);
+    void learnFrom(const Entries& entries);
+    [[nodiscard]] std::chrono::milliseconds quietTime() const;
     [[nodiscard]] bool settled(size_t moment) const;
     [[nodiscard]] bool isReleased(size_t moment, Action action) const;
     [[nodiscard]] const Press* declined(Action action) const;
+    void waitForRelease(size_t moment, Action action);
     Operator::State act(Operator& whoActs, Action action, const EventLoop::Condition& reacted,
         std::chrono::milliseconds reaction);
-    void measure(Press& press, size_t moment, Time start) const;
+    [[nodiscard]] std::optional<Press::Latency> latency(size_t moment, Time start) const;
     bool tryToOpen(Time& last);
 
     EventLoop& loop_;
@@ -126,8 +150,12 @@ private:
     const Operators operators_;
     const CheckTimes times_;
     const DeviceFacts device_;
-    std::vector<Entry> entries_;
+    Entries entries_;
+    Entries entering_;
+    std::map<Step, WatchedStep> steps_;
     std::vector<Press> presses_;
+    Time lastTraffic_;                    // of the controls' reports
+    std::chrono::microseconds slowest_{}; // from an output report to an input report, in the steps
     bool gone_ = false;
     bool mayGo_ = false; // unplugging is part of the test
     bool trusted_ = true;

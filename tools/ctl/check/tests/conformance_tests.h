@@ -13,20 +13,27 @@ struct ConformanceTest {
 };
 
 // In the order in which they run. The first looks at the opening of the device, which the tester
-// has done. The second to last groups look at all presses, so they come after the presses.
+// has done. The tests of all reports and presses come after the presses.
 [[nodiscard]] std::span<const ConformanceTest> conformanceTests();
 
 // lamp_tests.cpp
-Outcome opensWithLedsOff(Tester& tester);
+Outcome openingTaken(Tester& tester);
 Outcome controlsAreUsable(Tester& tester);
-Outcome ringLedOn(Tester& tester);
-Outcome ledsOffAfterReject(Tester& tester);
-Outcome offHookLedOn(Tester& tester);
-Outcome muteLedOn(Tester& tester);
-Outcome muteLedOff(Tester& tester);
-Outcome waitingCallLeds(Tester& tester);
-Outcome ledsAfterWaitingCall(Tester& tester);
-Outcome ledsOffAtTheEnd(Tester& tester);
+Outcome ringTaken(Tester& tester);
+Outcome rejectTaken(Tester& tester);
+Outcome pickUpTaken(Tester& tester);
+Outcome muteTaken(Tester& tester);
+Outcome unmuteTaken(Tester& tester);
+Outcome waitingCallTaken(Tester& tester);
+Outcome waitingRejectTaken(Tester& tester);
+Outcome endTaken(Tester& tester);
+
+// seen_tests.cpp
+Outcome ringLedSeen(Tester& tester);
+Outcome offHookLedSeen(Tester& tester);
+Outcome muteLedSeen(Tester& tester);
+Outcome waitingCallSeen(Tester& tester);
+Outcome noLedSeen(Tester& tester);
 
 // silence_tests.cpp
 Outcome silentWhileIdle(Tester& tester);
@@ -46,6 +53,8 @@ Outcome pressWhileIdle(Tester& tester);
 Outcome reportLengths(Tester& tester);
 Outcome pressesReportedOnce(Tester& tester);
 Outcome pressToEventTime(Tester& tester);
+
+// replug_tests.cpp
 Outcome worksAfterReplug(Tester& tester);
 
 } // namespace ctl

@@ -18,6 +18,14 @@ std::vector<std::string> inWords(const DeviceFacts& device, const Reports& repor
     return words;
 }
 
+std::vector<std::string> receivedInWords(const DeviceFacts& device, const Entries& entries)
+{
+    std::vector<std::string> words;
+    for (const Entry& entry : ofKind(entries, Kind::kReceived))
+        words.push_back(device.input(entry.report));
+    return words;
+}
+
 Reports withoutEmpty(Reports reports)
 {
     std::erase_if(reports, [](const auto& report) { return report.empty(); });
@@ -33,7 +41,7 @@ Reports reportsOf(const std::vector<Entry>& entries)
 }
 
 // A failure if a report was not taken, else a pass.
-Outcome expectTaken(const DeviceFacts& device, const std::vector<Entry>& sent)
+Outcome expectTaken(const DeviceFacts& device, const Entries& sent)
 {
     const auto refused
         = std::find_if(sent.begin(), sent.end(), [](const Entry& entry) { return entry.failed; });
@@ -54,13 +62,13 @@ std::map<uint8_t, report::Bytes> lastOfEach(const Reports& reports)
 
 } // namespace
 
-Outcome expectSent(const Tester& tester, size_t moment, const Reports& expected, ControlId control)
+Outcome expectSent(
+    const DeviceFacts& device, const Entries& entries, const Reports& expected, ControlId control)
 {
-    const DeviceFacts& device = tester.device();
     const Reports wanted = withoutEmpty(expected);
     if (wanted.empty())
         return device.lacks(control);
-    const std::vector<Entry> sent = tester.since(moment, Kind::kSent);
+    const Entries sent = ofKind(entries, Kind::kSent);
     if (const Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
         return taken;
     const Reports got = reportsOf(sent);
@@ -70,10 +78,9 @@ Outcome expectSent(const Tester& tester, size_t moment, const Reports& expected,
         {{"expected", inWords(device, wanted)}, {"got", inWords(device, got)}});
 }
 
-Outcome expectLeds(const Tester& tester, size_t moment, const Reports& expected)
+Outcome expectLeds(const DeviceFacts& device, const Entries& entries, const Reports& expected)
 {
-    const DeviceFacts& device = tester.device();
-    const std::vector<Entry> sent = tester.since(moment, Kind::kSent);
+    const Entries sent = ofKind(entries, Kind::kSent);
     if (const Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
         return taken;
     const Reports wanted = withoutEmpty(expected);
@@ -85,39 +92,42 @@ Outcome expectLeds(const Tester& tester, size_t moment, const Reports& expected)
         {{"expected", inWords(device, wanted)}, {"got", inWords(device, got)}});
 }
 
-Outcome expectNoEvent(const Tester& tester, size_t moment, const std::string& situation)
+Outcome expectNoEvent(
+    const DeviceFacts& device, const Entries& entries, const std::string& situation)
 {
-    const std::vector<Kind> events = tester.eventsSince(moment);
+    const std::vector<Kind> events = eventsIn(entries);
     if (events.empty())
         return {};
-    std::vector<std::string> received;
-    for (const Entry& entry : tester.since(moment, Kind::kReceived))
-        received.push_back(tester.device().input(entry.report));
     return failed("The device sent a report by itself " + situation + ", and Kelprobe took it as "
             + eventNames(events) + ". Send a report of a control only when it is used.",
-        {{"got", received}});
+        {{"got", receivedInWords(device, entries)}});
 }
 
-Outcome expectVisible(Tester& tester, Outcome outcome, const std::string& question)
+Outcome cannotEnter(const DeviceFacts& device, const Entries& entering)
 {
-    if (outcome.verdict != Outcome::Verdict::kPassed || tester.ask(question).value_or(true))
-        return outcome;
-    return failed("The device took its output reports, but the person at the terminal answered no "
-                  "to: "
-        + question);
+    return failed(
+        "The meeting could not be brought into the state for this test: the device sent a report "
+        "by itself, and Kelprobe took it as "
+            + eventNames(eventsIn(entering))
+            + ". Send a report of a control only when it is used. If it only reports late that the "
+              "hook switch follows the LED, check it with a longer --silence.",
+        {{"got", receivedInWords(device, entering)}});
 }
 
 std::string eventNames(const std::vector<Kind>& events)
 {
+    constexpr size_t most = 4;
     std::string names;
-    for (const Kind kind : events) {
+    for (size_t i = 0; i < std::min(events.size(), most); ++i) {
+        const Kind kind = events[i];
         const char* const name = kind == Kind::kAccept ? "accept"
             : kind == Kind::kReject                    ? "reject"
             : kind == Kind::kMute                      ? "mute"
                                                        : "unmute";
         names += (names.empty() ? "" : ", ") + std::string(name);
     }
-    return names;
+    return events.size() <= most ? names
+                                 : names + " and " + std::to_string(events.size() - most) + " more";
 }
 
 } // namespace ctl

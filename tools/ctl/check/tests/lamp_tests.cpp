@@ -20,10 +20,26 @@ Reports offHook(const KX::LedReports& leds)
     return {leds.ringOff, leds.offHookOn};
 }
 
-Outcome cannotEnter()
+// Expects no event and these reports.
+Outcome expectReports(
+    const DeviceFacts& device, const Entries& entries, const Reports& expected, ControlId control)
 {
-    return failed("The meeting could not be brought into the state for this test, because the "
-                  "device sent a report by itself.");
+    // First: after an event the stack sends further reports.
+    const Outcome silent = expectNoEvent(device, entries, "after its LEDs were set");
+    return silent.verdict == Outcome::Verdict::kPassed
+        ? expectSent(device, entries, expected, control)
+        : silent;
+}
+
+Outcome expectAfterStep(Tester& tester, Step step, const Reports& expected, ControlId control)
+{
+    if (tester.subject().isRecording)
+        return skipped(kNoLamps);
+    if (!tester.device().has(control))
+        return tester.device().lacks(control);
+    const WatchedStep& watched = tester.watchStep(step);
+    return watched.entered ? expectReports(tester.device(), watched.entries, expected, control)
+                           : cannotEnter(tester.device(), watched.entering);
 }
 
 using Operation = void (HidController::*)();
@@ -35,25 +51,22 @@ Outcome expectAfter(Tester& tester, CallState before, Operation operation, const
     if (tester.subject().isRecording)
         return skipped(kNoLamps);
     if (!tester.enter(before))
-        return cannotEnter();
+        return cannotEnter(tester.device(), tester.entering());
     const size_t moment = tester.now();
     (tester.meeting().*operation)();
-    tester.watch(tester.times().settle());
-    // First: after an event the stack sends further reports.
-    const Outcome silent = expectNoEvent(tester, moment, "after its LEDs were set");
-    return silent.verdict == Outcome::Verdict::kPassed
-        ? expectSent(tester, moment, expected, control)
-        : silent;
+    tester.settle();
+    return expectReports(tester.device(), tester.since(moment), expected, control);
 }
 
 } // namespace
 
-Outcome opensWithLedsOff(Tester& tester)
+Outcome openingTaken(Tester& tester)
 {
     if (tester.subject().isRecording)
         return skipped(kNoLamps);
-    const Outcome outcome
-        = expectSent(tester, 0, onHook(tester.device().leds()), ControlId::kOffHook);
+    const DeviceFacts& device = tester.device();
+    const Outcome outcome = expectSent(
+        device, tester.watchStep(Step::kOpen).entries, onHook(device.leds()), ControlId::kOffHook);
     // A device without LEDs opens, too.
     return outcome.verdict == Outcome::Verdict::kSkipped ? Outcome{} : outcome;
 }
@@ -78,14 +91,12 @@ Outcome controlsAreUsable(Tester& tester)
                            "Headset collection of the Telephony page.");
 }
 
-Outcome ringLedOn(Tester& tester)
+Outcome ringTaken(Tester& tester)
 {
-    const Outcome outcome = expectAfter(tester, CallState::kIdle, &HidController::toggleRing,
-        {tester.device().leds().ringOn}, ControlId::kRing);
-    return expectVisible(tester, outcome, "Is the ring LED on, and no other?");
+    return expectAfterStep(tester, Step::kRing, {tester.device().leds().ringOn}, ControlId::kRing);
 }
 
-Outcome ledsOffAfterReject(Tester& tester)
+Outcome rejectTaken(Tester& tester)
 {
     if (!tester.device().has(ControlId::kRing))
         return tester.device().lacks(ControlId::kRing);
@@ -93,42 +104,35 @@ Outcome ledsOffAfterReject(Tester& tester)
         onHook(tester.device().leds()), ControlId::kRing);
 }
 
-Outcome offHookLedOn(Tester& tester)
+Outcome pickUpTaken(Tester& tester)
 {
-    if (!tester.device().has(ControlId::kOffHook))
-        return tester.device().lacks(ControlId::kOffHook);
-    const Outcome outcome = expectAfter(tester, CallState::kRinging, &HidController::togglePickup,
-        offHook(tester.device().leds()), ControlId::kOffHook);
-    return expectVisible(tester, outcome, "Is the off-hook LED on, and no other?");
+    const auto& leds = tester.device().leds();
+    return expectAfterStep(
+        tester, Step::kPickUp, {leds.ringOn, leds.ringOff, leds.offHookOn}, ControlId::kOffHook);
 }
 
-Outcome muteLedOn(Tester& tester)
+Outcome muteTaken(Tester& tester)
 {
-    const Outcome outcome = expectAfter(tester, CallState::kActive,
-        &HidController::toggleMuteUnmute, {tester.device().leds().muteOn}, ControlId::kMute);
-    return expectVisible(tester, outcome, "Are the mute and the off-hook LED on?");
+    return expectAfterStep(tester, Step::kMute, {tester.device().leds().muteOn}, ControlId::kMute);
 }
 
-Outcome muteLedOff(Tester& tester)
+Outcome unmuteTaken(Tester& tester)
 {
-    if (!tester.device().has(ControlId::kMute))
-        return tester.device().lacks(ControlId::kMute);
-    return expectAfter(tester, CallState::kMuted, &HidController::toggleMuteUnmute,
-        {tester.device().leds().muteOff}, ControlId::kMute);
+    return expectAfterStep(
+        tester, Step::kUnmute, {tester.device().leds().muteOff}, ControlId::kMute);
 }
 
-Outcome waitingCallLeds(Tester& tester)
+Outcome waitingCallTaken(Tester& tester)
 {
     const DeviceFacts& device = tester.device();
     for (const ControlId needed : {ControlId::kRing, ControlId::kOffHook})
         if (!device.has(needed))
             return device.lacks(needed);
-    const Outcome outcome = expectAfter(tester, CallState::kActive, &HidController::toggleRing,
+    return expectAfter(tester, CallState::kActive, &HidController::toggleRing,
         {device.leds().ringAndOffHookOn}, ControlId::kRing);
-    return expectVisible(tester, outcome, "Are the ring and the off-hook LED on?");
 }
 
-Outcome ledsAfterWaitingCall(Tester& tester)
+Outcome waitingRejectTaken(Tester& tester)
 {
     const DeviceFacts& device = tester.device();
     for (const ControlId needed : {ControlId::kRing, ControlId::kOffHook})
@@ -141,19 +145,19 @@ Outcome ledsAfterWaitingCall(Tester& tester)
         tester, CallState::kWaiting, &HidController::toggleHangup, expected, ControlId::kOffHook);
 }
 
-Outcome ledsOffAtTheEnd(Tester& tester)
+// The LEDs are switched off when the device is closed, and when it is opened again.
+Outcome endTaken(Tester& tester)
 {
     if (tester.subject().isRecording)
         return skipped(kNoLamps);
-    if (!tester.enter(CallState::kActive))
-        return cannotEnter();
-    const size_t moment = tester.now();
-    tester.close();
-    const Outcome outcome
-        = expectSent(tester, moment, onHook(tester.device().leds()), ControlId::kOffHook);
-    const Outcome seen = expectVisible(tester, outcome, "Are all LEDs off?");
-    tester.open();
-    return seen;
+    const DeviceFacts& device = tester.device();
+    const WatchedStep& watched = tester.watchStep(Step::kEnd);
+    if (!watched.entered)
+        return cannotEnter(device, watched.entering);
+    Reports expected = onHook(device.leds());
+    for (const auto& report : onHook(device.leds()))
+        expected.push_back(report);
+    return expectReports(device, watched.entries, expected, ControlId::kOffHook);
 }
 
 } // namespace ctl

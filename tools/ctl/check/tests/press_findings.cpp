@@ -1,13 +1,9 @@
 #include "tools/ctl/check/tests/press_findings.h"
 
 #include <algorithm>
-#include <array>
 
 namespace ctl {
 namespace {
-
-constexpr std::array kInputs{
-    ControlId::kHookSwitch, ControlId::kPhoneMute, ControlId::kLineBusy, ControlId::kFlash};
 
 std::string controlText(PressCase press)
 {
@@ -30,6 +26,16 @@ bool anyIsOn(const DeviceFacts& device, ControlId control, const Reports& report
 
 // The following functions return what is wrong in one respect; empty if nothing is.
 
+std::string onlyOtherReports(const DeviceFacts& device, PressCase press, const Reports& received)
+{
+    const bool hasReport = std::any_of(received.begin(), received.end(),
+        [&](const auto& report) { return device.mayHoldControls(report); });
+    if (hasReport)
+        return {};
+    return "The device sent only reports without a control of a call when the " + controlText(press)
+        + " was pressed. Send " + device.input(neededReport(device, press)) + '.';
+}
+
 std::string wrongLength(const DeviceFacts& device, PressCase press, const Reports& received)
 {
     const report::Bytes needed = neededReport(device, press);
@@ -47,14 +53,14 @@ std::string wrongLength(const DeviceFacts& device, PressCase press, const Report
         + " and takes no other length. Send the whole report.";
 }
 
-// The controls other than that of the press that are on in one of the reports. During a call the
-// hook switch is on because of its position.
-std::string otherControls(const DeviceFacts& device, PressCase press, const Reports& received)
+// The controls other than that of the press that are on in one of the reports, in words. During a
+// call the hook switch is on because of its position.
+std::string othersIn(const DeviceFacts& device, PressCase press, const Reports& reports)
 {
     std::string names;
-    for (const ControlId control : kInputs) {
+    for (const ControlId control : kInputControls) {
         const bool isPosition = control == ControlId::kHookSwitch && isOffHook(press.before);
-        if (control != controlOf(press.press) && !isPosition && anyIsOn(device, control, received))
+        if (control != controlOf(press.press) && !isPosition && anyIsOn(device, control, reports))
             names += (names.empty() ? "" : ", ") + std::string(nameOf(control));
     }
     return names;
@@ -66,7 +72,7 @@ std::string wrongBit(const DeviceFacts& device, PressCase press, const Reports& 
     if (anyIsOn(device, wanted, received))
         return {};
     const std::string name = nameOf(wanted);
-    const std::string others = otherControls(device, press, received);
+    const std::string others = othersIn(device, press, received);
     if (others.empty())
         return "The device sent a report when the " + controlText(press)
             + " was pressed, but the bit of the usage " + name + " is not set in it. Set that bit.";
@@ -85,10 +91,16 @@ std::string wrongHookSwitch(const DeviceFacts& device, PressCase press, const Re
         return std::string(nameOf(wanted))
             + " came without Hook Switch. While a second call rings during a call, send both bits "
               "in one report.";
-    if (press.before == CallState::kRinging && wanted != ControlId::kHookSwitch && both)
-        return "The report of the " + controlText(press)
-            + " has Hook Switch on as well, which answers a ringing call. Leave that bit off.";
-    return {};
+    if (press.before != CallState::kRinging || wanted == ControlId::kHookSwitch || !both)
+        return {};
+    const auto staysOn = [&](const auto& report) {
+        return !device.isOn(wanted, report) && device.isOn(ControlId::kHookSwitch, report);
+    };
+    if (std::any_of(received.begin(), received.end(), staysOn))
+        return "Hook Switch stayed on after the Off-Hook LED was switched off, which answers a "
+               "ringing call. Let it follow the LED.";
+    return "The report of the " + controlText(press)
+        + " has Hook Switch on as well, which answers a ringing call. Leave that bit off.";
 }
 
 std::string anotherReportBefore(const DeviceFacts& device, PressCase press, const Reports& received)
@@ -100,12 +112,22 @@ std::string anotherReportBefore(const DeviceFacts& device, PressCase press, cons
           "press.";
 }
 
+std::string tooManyControls(const DeviceFacts& device, PressCase press, const Reports& received)
+{
+    const std::string others = otherControls(device, press, received);
+    if (others.empty())
+        return {};
+    return "The report of the " + controlText(press) + " also has " + others
+        + " on. Set only the bit of " + nameOf(controlOf(press.press)) + " for this button.";
+}
+
 std::string reasonOf(const DeviceFacts& device, PressCase press, const Reports& received)
 {
     if (received.empty())
         return "The device sent no report when the " + controlText(press) + " was pressed. Send "
             + device.input(neededReport(device, press)) + '.';
-    for (const auto find : {wrongLength, wrongBit, wrongHookSwitch, anotherReportBefore})
+    for (const auto find : {onlyOtherReports, wrongLength, wrongBit, wrongHookSwitch,
+             anotherReportBefore, tooManyControls})
         if (std::string reason = find(device, press, received); !reason.empty())
             return reason;
     return "The report of the press is right, but it did not have its effect.";
@@ -123,6 +145,14 @@ report::Bytes neededReport(const DeviceFacts& device, PressCase press)
     return needed;
 }
 
+std::string otherControls(const DeviceFacts& device, PressCase press, const Reports& received)
+{
+    Reports pressed = received;
+    std::erase_if(
+        pressed, [&](const auto& report) { return !device.isOn(controlOf(press.press), report); });
+    return othersIn(device, press, pressed);
+}
+
 Outcome explainPress(const DeviceFacts& device, PressCase press, const Reports& received)
 {
     return failed(reasonOf(device, press, received),
@@ -134,12 +164,29 @@ bool isRepeated(const DeviceFacts& device, ControlId control, const Reports& rec
 {
     bool pressed = false;
     for (const auto& report : received) {
+        if (!device.mayHold(control, report))
+            continue;
         const bool isOn = device.isOn(control, report);
         if (pressed && isOn)
             return true;
         pressed = isOn;
     }
     return false;
+}
+
+std::string repetition(const DeviceFacts& device, Action press, const Reports& received)
+{
+    const std::string name(nameOf(press).control);
+    const ControlId control = controlOf(press);
+    if (isRepeated(device, control, received))
+        return "The device repeated the report of the " + name
+            + " without a release between, which counts as another press. Send it once a press.";
+    const auto presses = std::count_if(received.begin(), received.end(),
+        [&](const auto& report) { return device.isOn(control, report); });
+    if (presses <= 1)
+        return {};
+    return "The device reported " + std::to_string(presses) + " presses of the " + name
+        + " for one. Report a press once, also if the contact bounces.";
 }
 
 } // namespace ctl

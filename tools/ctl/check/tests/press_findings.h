@@ -20,8 +20,18 @@ struct PressCase {
 [[nodiscard]] Outcome explainPress(
     const DeviceFacts& device, PressCase press, const Reports& received);
 
-// Whether a press of this control was reported more than once: again without a release.
+// Names the controls other than the pressed one that are on in its report; empty if there are none.
+// The hook switch may be on during a call.
+[[nodiscard]] std::string otherControls(
+    const DeviceFacts& device, PressCase press, const Reports& received);
+
+// Whether the control is reported on again without a release between. Reports that cannot hold the
+// control do not count.
 [[nodiscard]] bool isRepeated(
     const DeviceFacts& device, ControlId control, const Reports& received);
+
+// A sentence if the reports of one press are those of more than one; else empty.
+[[nodiscard]] std::string repetition(
+    const DeviceFacts& device, Action press, const Reports& received);
 
 } // namespace ctl

@@ -38,10 +38,10 @@ std::string moreEvents(const DeviceFacts& device, const PressTest& test, const P
     const std::string control(nameOf(test.press).control);
     const std::string events
         = "One press of the " + control + " became the events " + eventNames(press.events) + ". ";
+    const std::string repeated = repetition(device, test.press, press.received);
     return events
-        + (isRepeated(device, controlOf(test.press), press.received)
-                ? "The device repeated the report without a release between. Send it once a press."
-                : "Send only the report of the press and that of the release.");
+        + (repeated.empty() ? "Send only the report of the press and that of the release."
+                            : repeated);
 }
 
 // Of a press that caused another event than the test's, or none.
@@ -70,24 +70,26 @@ Outcome judge(Tester& tester, const PressTest& test, const Press& press, size_t 
         return explain(tester, test, press);
     if (press.events.size() > 1)
         return failed(moreEvents(tester.device(), test, press));
+    const PressCase pressCase{test.press, test.before};
+    if (!otherControls(tester.device(), pressCase, press.received).empty())
+        return explainPress(tester.device(), pressCase, press.received);
     if (tester.subject().isRecording)
         return {};
     // The reader thread sends after the event.
     const auto isDecided = [&] {
-        const auto sent = tester.since(moment, Kind::kSent);
-        return expectLeds(tester, moment, test.leds).verdict == Verdict::kPassed
+        const Entries entries = tester.since(moment);
+        return expectLeds(tester.device(), entries, test.leds).verdict == Verdict::kPassed
             || std::any_of(
-                sent.begin(), sent.end(), [](const Entry& entry) { return entry.failed; });
+                entries.begin(), entries.end(), [](const Entry& entry) { return entry.failed; });
     };
     (void)tester.waitUntil(isDecided, tester.times().reaction);
-    return expectLeds(tester, moment, test.leds);
+    return expectLeds(tester.device(), tester.since(moment), test.leds);
 }
 
 Outcome run(Tester& tester, const PressTest& test)
 {
     if (!tester.enter(test.before))
-        return failed("The device sent a report by itself, so that the call was in another state "
-                      "before the press.");
+        return cannotEnter(tester.device(), tester.entering());
     const size_t moment = tester.now();
     const Press press = tester.press(test.press);
     return judge(tester, test, press, moment);
@@ -144,7 +146,8 @@ Outcome hookAnswers(Tester& tester)
         {Action::kHook, CallState::kRinging, Kind::kAccept, {leds.ringOff, leds.offHookOn}});
 }
 
-// Any report without the hook switch's bit rejects a call, so any other button does.
+// Any report without the hook switch's bit rejects a call, so any other button does. Those of a
+// call need not send anything before there is one.
 Outcome buttonRejects(Tester& tester)
 {
     const auto button
@@ -152,9 +155,15 @@ Outcome buttonRejects(Tester& tester)
     if (!button)
         return skipped("The device has no button other than the hook switch.");
     const auto& leds = tester.device().leds();
-    return runIf(tester, std::array{ControlId::kRing},
+    const Outcome outcome = runIf(tester, std::array{ControlId::kRing},
         {*button, CallState::kRinging, Kind::kReject,
             {leds.ringOff, leds.offHookOff, leds.holdOff}});
+    const bool isPressed = outcome.verdict == Verdict::kFailed && !tester.presses().empty()
+        && tester.presses().back().action == *button;
+    if (*button != Action::kBusy && isPressed && tester.presses().back().isSilent())
+        return skipped("The device has no button that rejects a call; its "
+            + std::string(nameOf(*button).control) + " sends nothing while a call rings.");
+    return outcome;
 }
 
 Outcome muteButtonMutes(Tester& tester)
@@ -192,11 +201,11 @@ Outcome pressWhileIdle(Tester& tester)
     (void)tester.enter(CallState::kIdle);
     const size_t moment = tester.now();
     const Press press = tester.press(*button);
+    if (press.isSilent())
+        return skipped("The device sends nothing for a press while nothing rings.");
     if (const auto outcome = withoutPress(tester, press))
         return *outcome;
-    if (press.received.empty())
-        return explainPress(tester.device(), {*button, CallState::kIdle}, press.received);
-    if (!press.events.empty() || !tester.since(moment, Kind::kSent).empty())
+    if (!press.events.empty() || !ofKind(tester.since(moment), Kind::kSent).empty())
         return failed("A press while nothing rang became " + eventNames(press.events) + '.');
     return {};
 }

@@ -1,6 +1,5 @@
-// Tests over all presses of the run, and of unplugging.
+// Tests over all reports and presses of the run.
 #include "tools/ctl/check/tests/conformance_tests.h"
-#include "tools/ctl/check/tests/expectations.h"
 #include "tools/ctl/check/tests/press_findings.h"
 
 #include <algorithm>
@@ -18,10 +17,20 @@ std::string milliseconds(std::chrono::milliseconds time)
 
 std::string timesOf(const Press& press)
 {
-    const std::string times = std::string(nameOf(press.action).word) + ": report to event "
-        + milliseconds(*press.sinceReport);
-    return press.sinceCommand ? times + ", command to event " + milliseconds(*press.sinceCommand)
-                              : times;
+    return std::string(nameOf(press.action).word) + ": report to event "
+        + milliseconds(press.latency->sinceReport) + ", command to event "
+        + milliseconds(press.latency->sinceCommand);
+}
+
+// In a recording also those that belong to no press, and those that no test used.
+Reports allReceived(const Tester& tester)
+{
+    if (tester.subject().isRecording)
+        return tester.subject().recorded;
+    Reports reports;
+    for (const Entry& entry : ofKind(tester.since(0), Entry::Kind::kReceived))
+        reports.push_back(entry.report);
+    return reports;
 }
 
 } // namespace
@@ -29,80 +38,69 @@ std::string timesOf(const Press& press)
 Outcome reportLengths(Tester& tester)
 {
     const DeviceFacts& device = tester.device();
-    const auto received = tester.since(0, Entry::Kind::kReceived);
+    const Reports received = allReceived(tester);
     if (received.empty())
         return skipped(kNoReports);
-    for (const Entry& entry : received) {
-        const auto view
-            = report::wireReport(device.layout(), report::ReportKind::kInput, entry.report);
+    for (const auto& report : received) {
+        const auto view = report::wireReport(device.layout(), report::ReportKind::kInput, report);
         const auto expected = device.layout().wireSize(view.key);
         if (!expected)
             return failed("The device sent an input report with the id "
                     + std::to_string(view.key.id) + ", which its descriptor does not have.",
-                {{"got", {device.input(entry.report)}}});
-        if (entry.report.size() != *expected)
-            return failed("The device sent an input report of "
-                    + std::to_string(entry.report.size()) + " bytes; its descriptor gives it "
-                    + std::to_string(*expected)
+                {{"got", {device.input(report)}}});
+        if (report.size() != *expected)
+            return failed("The device sent an input report of " + std::to_string(report.size())
+                    + " bytes; its descriptor gives it " + std::to_string(*expected)
                     + ". Kelprobe does not recognise the controls in it. Send whole reports.",
-                {{"got", {device.input(entry.report)}}});
+                {{"got", {device.input(report)}}});
     }
     return {};
 }
 
-// The hook switch may report its position more than once.
+// The hook switch may report its position more than once. In a recording, presses that follow each
+// other may be two of the person.
 Outcome pressesReportedOnce(Tester& tester)
 {
+    const DeviceFacts& device = tester.device();
     bool any = false;
     for (const Press& press : tester.presses()) {
         any = any || !press.received.empty();
-        if (press.action != Action::kHook
-            && isRepeated(tester.device(), controlOf(press.action), press.received))
-            return failed("The device repeated the report of the "
-                + std::string(nameOf(press.action).control)
-                + " without a release between, which counts as another press. Send it once a "
-                  "press.");
+        if (press.action == Action::kHook)
+            continue;
+        if (const auto repeated = repetition(device, press.action, press.received);
+            !repeated.empty())
+            return failed(repeated);
     }
+    const Reports& recorded = tester.subject().recorded;
+    for (const Action press : {Action::kMute, Action::kFlash, Action::kBusy})
+        if (isRepeated(device, controlOf(press), recorded))
+            return failed(repetition(device, press, recorded));
     return any ? Outcome{} : skipped("Nothing was pressed.");
 }
 
 Outcome pressToEventTime(Tester& tester)
 {
-    Outcome outcome;
+    if (!tester.timesPresses())
+        return skipped("Only --press-command shows when a button was pressed.");
     std::vector<std::string> times;
+    std::string slow;
     for (const Press& press : tester.presses()) {
-        if (!press.sinceReport)
+        if (!press.latency)
             continue;
         times.push_back(timesOf(press));
-        const auto latency = std::max(*press.sinceReport, press.sinceCommandEnd);
+        const auto latency = std::max(press.latency->sinceReport, press.latency->sinceCommandEnd);
         if (latency > kSlow)
-            outcome = failed("The " + std::string(nameOf(press.action).control) + " took "
-                + milliseconds(latency)
-                + " to become an event. Send the report as soon as the button is pressed.");
+            slow += (slow.empty() ? "It took the " : ", the ")
+                + std::string(nameOf(press.action).control) + ' ' + milliseconds(latency);
     }
     if (times.empty())
         return skipped("No press became an event.");
+    Outcome outcome;
+    if (!slow.empty())
+        outcome = failed(
+            slow + " to become an event. Send the report as soon as the button is pressed.");
     outcome.details = {{"times", times}};
     return outcome;
-}
-
-Outcome worksAfterReplug(Tester& tester)
-{
-    if (!tester.canReplug())
-        return skipped("Neither --replug nor --replug-command is given.");
-    (void)tester.enter(CallState::kActive);
-    const Outcome unplugged = tester.unplug();
-    if (unplugged.verdict != Outcome::Verdict::kPassed)
-        return unplugged;
-    const size_t moment = tester.now();
-    const Outcome replugged = tester.replug();
-    if (replugged.verdict != Outcome::Verdict::kPassed)
-        return replugged;
-    const auto& leds = tester.device().leds();
-    const Outcome outcome = expectSent(
-        tester, moment, {leds.ringOff, leds.offHookOff, leds.holdOff}, ControlId::kOffHook);
-    // A device without LEDs has no reports to take.
-    return outcome.verdict == Outcome::Verdict::kSkipped ? Outcome{} : outcome;
 }
 
 } // namespace ctl
