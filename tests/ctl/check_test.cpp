@@ -59,7 +59,7 @@ TEST_F(Check, PassesADeviceThatSendsLittleAndLate)
 {
     std::atomic<bool> rings = false;
     std::atomic<bool> offHook = false;
-    PressedDevice device(plug("led-per-report"), [&](const auto& word, Reports right) {
+    PressedDevice device(plug("led-per-report"), [&](const auto& word, const Reports& right) {
         return offHook || (rings && word == "hook") ? right : Reports{};
     });
     device.onOutput = [&](const Bytes& output) {
@@ -119,47 +119,47 @@ Reports slowFlash(const std::string& word, Reports right)
 
 const WrongDevice kWrongDevices[] = {
     {"SendsNothing",
-        [](const auto& word, Reports right) { return word == "flash" ? Reports{} : right; }, {},
-        "flash answers a second call",
+        [](const auto& word, const Reports& right) { return word == "flash" ? Reports{} : right; },
+        {}, "flash answers a second call",
         "The device sent no report when the flash button was pressed. Send 03 11 00 (Hook Switch "
         "on, Flash on)."},
     {"SendsShortReports", cutMute, {}, "the mute button mutes",
         "The device sent a report of 2 bytes when the mute button was pressed; Kelprobe expects 3 "
         "bytes, report id included, and takes no other length."},
     {"SendsAnotherReportBefore",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "hook" ? Reports{{3, 0, 0}, {3, 1, 0}} : right;
         },
         {}, "the hook switch answers a call",
         "Kelprobe took the press as reject. Before the report of the hook switch the device sent "
         "another"},
     {"SendsAnotherBit",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "hook" ? Reports{{3, 8, 0}} : right;
         },
         {}, "the hook switch answers a call",
         "Kelprobe took the press as reject. The hook switch was pressed, but the report has Phone "
         "Mute on and not Hook Switch."},
     {"SendsNoBit",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "mute" ? Reports{{3, 1, 0}} : right;
         },
         {}, "the mute button mutes", "the bit of the usage Phone Mute is not set in it."},
     {"RejectsWithTheHookSwitch",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "busy" ? Reports{{3, 3, 0}, {3, 0, 0}} : right;
         },
         {}, "a button rejects a call",
         "Kelprobe took the press as accept. The report of the reject button has Hook Switch on as "
         "well, which answers a ringing call."},
     {"KeepsTheHookSwitchOn",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "busy" ? Reports{{3, 3, 0}, {3, 1, 0}} : right;
         },
         {}, "a button rejects a call",
         "Hook Switch stayed on after the Off-Hook LED was switched off"},
     {"SetsAnotherBitAsWell",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "busy" ? Reports{{3, 10, 0}, {3, 0, 0}} : right;
         },
         {}, "a button rejects a call", "The report of the reject button also has Phone Mute on."},
@@ -167,13 +167,13 @@ const WrongDevice kWrongDevices[] = {
         "One press of the mute button became the events mute, unmute. The device repeated the "
         "report of the mute button without a release between"},
     {"RepeatsAPressOfNoEffect",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "busy" ? Reports{right[0], {1, 0}, right[0], right[1]} : right;
         },
         {}, "one press is reported once",
         "The device repeated the report of the reject button without a release between"},
     {"Bounces",
-        [](const auto& word, Reports right) {
+        [](const auto& word, const Reports& right) {
             return word == "busy" ? Reports{right[0], right[1], right[0], right[1]} : right;
         },
         {}, "one press is reported once",
@@ -257,7 +257,7 @@ TEST_F(Check, NamesADeviceThatTakesNoReports)
 
 TEST_F(Check, NamesADeviceThatDoesNotWorkAfterReplug)
 {
-    const PressedDevice device(plug(), [hooks = 0](const auto& word, Reports right) mutable {
+    const PressedDevice device(plug(), [hooks = 0](const auto& word, const Reports& right) mutable {
         return word == "hook" && ++hooks == 3 ? Reports{{3, 2, 0}} : right;
     });
     EXPECT_EQ(check(device, "--replug-command '" + device.command() + "'"), 1);
@@ -370,7 +370,7 @@ TEST_F(Check, AsksThePersonAtTheTerminal)
             const std::string line = text.substr(seen, end - seen);
             seen = end + 1;
             const bool declines = line.find("flash") != std::string::npos;
-            if (line.find("?") != std::string::npos || declines) {
+            if (line.find('?') != std::string::npos || declines) {
                 const bool no = declines || line.starts_with("Is the ring LED");
                 const char* const answer = no          ? "n\n"
                     : line.starts_with("Are the mute") ? "s\n"

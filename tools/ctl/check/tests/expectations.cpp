@@ -69,7 +69,7 @@ Outcome expectSent(
     if (wanted.empty())
         return device.lacks(control);
     const Entries sent = ofKind(entries, Kind::kSent);
-    if (const Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
+    if (Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
         return taken;
     const Reports got = reportsOf(sent);
     if (got == wanted)
@@ -81,7 +81,7 @@ Outcome expectSent(
 Outcome expectLeds(const DeviceFacts& device, const Entries& entries, const Reports& expected)
 {
     const Entries sent = ofKind(entries, Kind::kSent);
-    if (const Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
+    if (Outcome taken = expectTaken(device, sent); taken.verdict != Outcome::Verdict::kPassed)
         return taken;
     const Reports wanted = withoutEmpty(expected);
     const Reports got = reportsOf(sent);

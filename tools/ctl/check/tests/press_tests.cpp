@@ -155,7 +155,7 @@ Outcome buttonRejects(Tester& tester)
     if (!button)
         return skipped("The device has no button other than the hook switch.");
     const auto& leds = tester.device().leds();
-    const Outcome outcome = runIf(tester, std::array{ControlId::kRing},
+    Outcome outcome = runIf(tester, std::array{ControlId::kRing},
         {*button, CallState::kRinging, Kind::kReject,
             {leds.ringOff, leds.offHookOff, leds.holdOff}});
     const bool isPressed = outcome.verdict == Verdict::kFailed && !tester.presses().empty()

@@ -23,15 +23,15 @@ Outcome worksAfterOpening(Tester& tester, const Entries& opening)
 {
     const DeviceFacts& device = tester.device();
     const auto& leds = device.leds();
-    const Outcome opened = expectSent(
+    Outcome opened = expectSent(
         device, opening, {leds.ringOff, leds.offHookOff, leds.holdOff}, ControlId::kOffHook);
     if (opened.verdict == Verdict::kFailed)
         return opened;
     tester.watch(tester.times().silence); // a device that starts may report its position
-    const Outcome call = takesACall(tester);
+    Outcome call = takesACall(tester);
     if (call.verdict == Verdict::kFailed)
         return call;
-    const Outcome answer = hookAnswers(tester);
+    Outcome answer = hookAnswers(tester);
     return answer.verdict == Verdict::kSkipped ? Outcome{} : answer; // it cannot be pressed
 }
 
@@ -44,11 +44,11 @@ Outcome worksAfterReplug(Tester& tester)
     if (!tester.canReplug())
         return skipped("Neither --replug nor --replug-command is given.");
     (void)tester.enter(CallState::kActive);
-    const Outcome unplugged = tester.unplug();
+    Outcome unplugged = tester.unplug();
     if (unplugged.verdict != Verdict::kPassed)
         return unplugged;
     const size_t moment = tester.now();
-    const Outcome replugged = tester.replug();
+    Outcome replugged = tester.replug();
     return replugged.verdict == Verdict::kPassed ? worksAfterOpening(tester, tester.since(moment))
                                                  : replugged;
 }
