@@ -167,8 +167,10 @@ int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
     Run run;
     for (const AddCommand add : commands)
         add(app, run);
-    addHelpCommand(app);
-    addGenerateCommand(app, run);
+    if (commands.size() > 1) { // kelprobectl with one command is never asked for these
+        addHelpCommand(app);
+        addGenerateCommand(app, run);
+    }
     addCommonOptions(app);
     const bool isHelp = argc > 1 && std::string_view(argv[1]) == kHelp;
     const std::vector<const char*> arguments

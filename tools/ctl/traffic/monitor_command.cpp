@@ -71,8 +71,9 @@ void addMonitorCommand(CLI::App& app, Run& run_)
     command.add_option("DEVICE", options->device, "The device: vvvv:pppp, path or number");
     command.add_flag(
         "--wait", options->wait, "Wait for the device, also when it is unplugged, until Ctrl-C");
-    command.add_option(
-        "--record", options->monitor.record, "Also write the reports to this file as a recording")
+    command
+        .add_option("--record", options->monitor.record,
+            "Also write the reports to this file as a recording")
         ->type_name("FILE");
     command.add_flag("--json", options->monitor.json, "Print one line of JSON for each report");
     command.footer(
