@@ -62,12 +62,12 @@ TEST_F(Check, PassesADeviceThatSendsLittleAndLate)
     PressedDevice device(plug("led-per-report"), [&](const auto& word, const Reports& right) {
         return offHook || (rings && word == "hook") ? right : Reports{};
     });
-    device.onOutput = [&](const Bytes& output) {
+    device.react([&](const Bytes& output) {
         if (output[0] == 0x18)
             rings = output[1];
         if (output[0] == 0x17 && offHook.exchange(output[1]) != bool(output[1]))
             device.send(device.position(), kLate);
-    };
+    });
     EXPECT_EQ(check(device, "", kForLate), 0) << out_;
     for (const char* const sentence : {"The device sends nothing for a press while nothing rings.",
              "no button that rejects a call; its flash button sends nothing while a call rings"})
@@ -229,11 +229,11 @@ TEST_P(WrongDevices, AreNamed)
     auto& usb = plug();
     PressedDevice device(usb, wrong.press);
     if (wrong.answer)
-        device.onOutput = [&, answer = wrong.answer](const Bytes& output) {
+        device.react([&, answer = wrong.answer](const Bytes& output) {
             for (const Bytes& report : answer(output))
                 device.send(
                     report, wrong.silence == kForLate ? kLate : std::chrono::milliseconds(0));
-        };
+        });
     const std::string unpressed
         = "check --silence " + std::to_string(wrong.silence) + " </dev/null";
     EXPECT_EQ(wrong.answer ? run(unpressed) : check(device), 1);

@@ -25,11 +25,7 @@ public:
         , wrong_(std::move(wrong))
         , pipe_(directory_.path() + "pipe")
     {
-        device_.setOutputCallback([this](const sim::Bytes& report) {
-            (void)panel_.applyOutput(report);
-            if (onOutput)
-                onOutput(report);
-        });
+        react([](const sim::Bytes&) {});
         mkfifo(pipe_.c_str(), 0600);
         end_ = open(pipe_.c_str(), O_RDWR | O_CLOEXEC);
         reader_ = std::thread([this] { readWords(); });
@@ -73,7 +69,16 @@ public:
             device_.inject(report);
     }
 
-    // Sends an input report after a delay. Any thread, also in onOutput.
+    // From now on calls the function with each output report.
+    void react(std::function<void(const sim::Bytes&)> reaction)
+    {
+        device_.setOutputCallback([this, reaction = std::move(reaction)](const sim::Bytes& report) {
+            (void)panel_.applyOutput(report);
+            reaction(report);
+        });
+    }
+
+    // Sends an input report after a delay. Any thread, also in a reaction.
     void send(const sim::Bytes& report, std::chrono::milliseconds delay)
     {
         if (delay.count() == 0) {
@@ -89,9 +94,6 @@ public:
 
     // A report with every button released and the hook switch where it is.
     sim::Bytes position() const { return panel_.idleReport(); }
-
-    // Called with each output report. Set it before the device is opened.
-    std::function<void(const sim::Bytes&)> onOutput;
 
 private:
     void readWords()
