@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 namespace ctl {
 namespace {
 
+constexpr int kPauseMs = 10;     // between two times of receiving
 constexpr int kRestLimit = 4096; // messages; more than the buffer of a socket holds
 constexpr const char* kSocketName = "socket";
 
@@ -80,9 +81,14 @@ fs::path TraceServer::socketPath() const
 void TraceServer::receiveUntilReadable(int other, const Callback& callback)
 {
     pollfd signal{other, POLLIN, 0};
-    do
+    while (signal.revents == 0) {
         (void)receive(signal, -1, callback);
-    while (signal.revents == 0);
+        while (signal.revents == 0 && receive(signal, 0, callback)) { }
+        // The next messages are received together: to wake this process for each of them would
+        // delay the calls that send them.
+        if (signal.revents == 0)
+            (void)::poll(&signal, 1, kPauseMs);
+    }
 }
 
 void TraceServer::receiveRest(const Callback& callback)
