@@ -25,7 +25,7 @@ bool in_same_library(const void* one, const void* other);
 bool in_this_library(const void* address);
 bool in_hidapi(const void* address);
 
-#define DECLARE_NEXT(name) static struct next_function next_##name = {#name, NULL}
+#define DECLARE_NEXT(function) static struct next_function next_##function = {.name = #function}
 
 /* The function `name`, with its type. NEXT is for wrappers only. */
 #define NEXT_FOR(caller, name) ((__typeof__(&name))find_next_function(&next_##name, caller))
