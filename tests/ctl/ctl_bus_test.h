@@ -5,7 +5,9 @@
 #include "tests/support/bus_test.h"
 #include "tests/support/temp_directory.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -48,6 +50,14 @@ public:
     }
 
     void kill(int signal) const { ::kill(pid_, signal); }
+
+    // From now on nobody reads standard output.
+    void closeOutput() const
+    {
+        const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        dup2(nothing, fileno(output_)); // which pclose() closes
+        close(nothing);
+    }
 
     // Sends the signal, unless it is 0. Returns the exit status, 128 + N after signal N.
     int end(int signal = 0)
