@@ -1,6 +1,6 @@
 #include "bench/program/stage.h"
 
-#include "sim/device/profiles.h"
+#include "sim/profile/profiles.h"
 
 #include <stdexcept>
 

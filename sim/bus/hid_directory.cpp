@@ -12,27 +12,28 @@ namespace {
 
 constexpr unsigned kUsbBus = 3;
 
-std::string nameFor(const UsbDeviceInfo& info)
+// The kernel numbers the HID devices. Here the number differs only within a USB device.
+std::string nameFor(const UsbDeviceInfo& info, const InterfaceInfo& interface)
 {
     std::array<char, 32> name{};
-    snprintf(name.data(), name.size(), "%04X:%04X:%04X.0001", kUsbBus, unsigned{info.vendorId},
-        unsigned{info.productId});
+    snprintf(name.data(), name.size(), "%04X:%04X:%04X.%04X", kUsbBus, unsigned{info.vendorId},
+        unsigned{info.productId}, interface.number + 1U);
     return name.data();
 }
 
 } // namespace
 
-HidDirectory::HidDirectory(const fs::path& device, const UsbDeviceInfo& info)
+HidDirectory::HidDirectory(
+    const fs::path& device, const UsbDeviceInfo& info, const InterfaceInfo& interface)
 {
-    if (info.interfaceClass != kHidInterfaceClass)
+    if (!interface.isHid())
         return;
-    const std::string interface = device.filename().native() + ":1."
-        + std::to_string(info.interfaceNumber);
-    shown_ = device / interface / nameFor(info);
-    hidden_ = device / ".unbound";
+    const std::string number = std::to_string(interface.number);
+    shown_ = device / (device.filename().native() + ":1." + number) / nameFor(info, interface);
+    hidden_ = device / (".unbound-" + number);
     fs::create_directories(shown_);
     std::ofstream file(shown_ / "report_descriptor", std::ios::binary);
-    for (const uint8_t byte : info.reportDescriptor)
+    for (const uint8_t byte : interface.reportDescriptor)
         file.put(static_cast<char>(byte));
     file.close();
     setDriver("usbhid");

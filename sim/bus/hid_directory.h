@@ -14,7 +14,8 @@ class HidDirectory {
 public:
     // Makes the directory below that of the interface, "1-2:1.0" in `device`. Throws
     // std::filesystem::filesystem_error. Does nothing if the interface is not of class HID.
-    HidDirectory(const std::filesystem::path& device, const UsbDeviceInfo& info);
+    HidDirectory(const std::filesystem::path& device, const UsbDeviceInfo& info,
+        const InterfaceInfo& interface);
 
     // Takes "usbhid", "usbfs", or null if the interface has no driver. Failures are ignored: the
     // device may have been removed.

@@ -4,24 +4,23 @@
 
 namespace sim {
 
-long InterfaceOwner::claim(UMockdevIoctlClient* client, unsigned number)
+long InterfaceOwner::claim(UMockdevIoctlClient* client)
 {
-    if (number != device_.info.interfaceNumber)
-        return -ENOENT;
     if (claimedBy_ == client)
         return 0;
     if (driverBound_ || claimedBy_ || device_.faults.refuseClaim.consume()) {
-        device_.addEvent({DeviceEvent::Kind::kClaimRefused});
+        addEvent(DeviceEvent::Kind::kClaimRefused);
         return -EBUSY;
     }
     claimedBy_ = client;
     ++device_.counters.claims;
+    addEvent(DeviceEvent::Kind::kOpened);
     return 0;
 }
 
-long InterfaceOwner::release(UMockdevIoctlClient* client, unsigned number)
+long InterfaceOwner::release(UMockdevIoctlClient* client)
 {
-    if (number != device_.info.interfaceNumber || claimedBy_ != client)
+    if (claimedBy_ != client)
         return -EINVAL;
     removeClient(client);
     return 0;
@@ -33,30 +32,34 @@ void InterfaceOwner::removeClient(UMockdevIoctlClient* client)
         return;
     claimedBy_ = nullptr;
     ++device_.counters.releases;
+    addEvent(DeviceEvent::Kind::kClosed);
 }
 
-long InterfaceOwner::connectDriver(unsigned number)
+long InterfaceOwner::connectDriver()
 {
-    if (number != device_.info.interfaceNumber)
-        return -EINVAL;
     if (driverBound_ || claimedBy_)
         return -EBUSY;
+    if (!interface_.isHid())
+        return 0;
     driverBound_ = true;
     return 1; // libusb takes a 0 for "no driver found"
 }
 
-long InterfaceOwner::disconnectDriver(unsigned number)
+long InterfaceOwner::disconnectDriver()
 {
-    if (number != device_.info.interfaceNumber)
-        return -EINVAL;
     if (!driverBound_)
         return -ENODATA;
     if (device_.faults.refuseDetach.consume()) {
-        device_.addEvent({DeviceEvent::Kind::kDetachRefused});
+        addEvent(DeviceEvent::Kind::kDetachRefused);
         return -EBUSY;
     }
     driverBound_ = false;
     return 0;
+}
+
+void InterfaceOwner::addEvent(DeviceEvent::Kind kind)
+{
+    device_.addEvent({.kind = kind, .interface = interface_.number});
 }
 
 const char* InterfaceOwner::driverName() const

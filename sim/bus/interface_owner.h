@@ -1,4 +1,4 @@
-// The owner of the device's interface: the kernel's driver, a client, or nobody.
+// The owner of an interface: the kernel's driver, a client, or nobody.
 #pragma once
 
 #include "sim/device/device_model.h"
@@ -10,20 +10,25 @@ namespace sim {
 // The operations and their results are those of the kernel's usbfs. Not locked.
 class InterfaceOwner {
 public:
-    explicit InterfaceOwner(DeviceModel& device)
+    // Both must outlive the object. The kernel has a driver for the class HID only.
+    InterfaceOwner(DeviceModel& device, const InterfaceInfo& interface)
         : device_(device)
+        , interface_(interface)
+        , driverBound_(interface.isHid())
     {
     }
 
-    // These return the ioctl's result, or -errno. `number` is the interface number. A client may
-    // claim again what it has claimed. A transfer to the interface also claims it.
-    long claim(UMockdevIoctlClient* client, unsigned number);
-    long release(UMockdevIoctlClient* client, unsigned number);
-    long connectDriver(unsigned number);
-    long disconnectDriver(unsigned number);
+    // These return the ioctl's result, or -errno. A client may claim again what it has claimed. A
+    // transfer to the interface also claims it.
+    long claim(UMockdevIoctlClient* client);
+    long release(UMockdevIoctlClient* client);
+    long connectDriver();
+    long disconnectDriver();
 
-    // Releases what the client has claimed.
+    // Releases the interface if the client has claimed it.
     void removeClient(UMockdevIoctlClient* client);
+
+    const InterfaceInfo& interface() const { return interface_; }
 
     // "usbhid", "usbfs", or null if the interface has no owner.
     const char* driverName() const;
@@ -31,8 +36,11 @@ public:
     bool claimed() const { return claimedBy_ != nullptr; }
 
 private:
+    void addEvent(DeviceEvent::Kind kind);
+
     DeviceModel& device_;
-    bool driverBound_ = true;
+    const InterfaceInfo& interface_;
+    bool driverBound_;
     UMockdevIoctlClient* claimedBy_ = nullptr; // only compared
 };
 

@@ -6,32 +6,45 @@
 
 namespace sim {
 
-bool UrbQueue::addInput(const Bytes& report)
+void UrbQueue::Endpoint::clear()
 {
-    if (input_.size() >= kMaxInput)
+    input.clear();
+    inputBytes = 0;
+}
+
+bool UrbQueue::addInput(uint8_t address, const Bytes& report)
+{
+    Endpoint& endpoint = endpoints_[address];
+    if (endpoint.input.size() >= kMaxInput || endpoint.inputBytes + report.size() > kMaxInputBytes)
         return false;
-    input_.push_back(report);
-    deliver();
+    endpoint.input.push_back(report);
+    endpoint.inputBytes += report.size();
+    deliver(endpoint);
     return true;
 }
 
-void UrbQueue::waitForInput(Urb urb)
+void UrbQueue::waitForInput(uint8_t address, Urb urb)
 {
+    Endpoint& endpoint = endpoints_[address];
     urb.input = true;
-    waiting_.push_back(std::move(urb));
-    deliver();
+    endpoint.waiting.push_back(std::move(urb));
+    deliver(endpoint);
 }
 
-void UrbQueue::deliver()
+void UrbQueue::deliver(Endpoint& endpoint)
 {
-    while (!input_.empty() && !waiting_.empty()) {
-        Urb urb = std::move(waiting_.front());
-        waiting_.pop_front();
-        urb.data = std::move(input_.front());
-        input_.pop_front();
+    while (!endpoint.input.empty() && !endpoint.waiting.empty()) {
+        Urb urb = std::move(endpoint.waiting.front());
+        endpoint.waiting.pop_front();
+        Bytes& report = endpoint.input.front();
         const size_t room = urb.buffer ? bytesOf(urb.buffer).size() : 0;
-        urb.data.resize(std::min(urb.data.size(), room));
-        urb.transferred = urb.data.size();
+        urb.transferred = std::min(report.size(), room);
+        const auto end = report.begin() + static_cast<Bytes::difference_type>(urb.transferred);
+        urb.data.assign(report.begin(), end);
+        endpoint.inputBytes -= urb.transferred;
+        report.erase(report.begin(), end);
+        if (report.empty())
+            endpoint.input.pop_front();
         finish(std::move(urb), 0);
     }
 }
@@ -44,27 +57,31 @@ void UrbQueue::finish(Urb urb, int status)
 
 void UrbQueue::finishAllWaiting(int status)
 {
-    for (Urb& urb : waiting_)
-        finish(std::move(urb), status);
-    waiting_.clear();
+    for (auto& [address, endpoint] : endpoints_) {
+        for (Urb& urb : endpoint.waiting)
+            finish(std::move(urb), status);
+        endpoint.waiting.clear();
+    }
 }
 
 bool UrbQueue::discard(UMockdevIoctlClient* owner, unsigned long requestAddress)
 {
-    const auto found = std::find_if(waiting_.begin(), waiting_.end(), [=](const Urb& urb) {
-        return urb.owner == owner && urb.request->client_addr == requestAddress;
-    });
-    if (found == waiting_.end())
-        return false;
-    finish(std::move(*found), -ENOENT);
-    waiting_.erase(found);
-    return true;
+    for (auto& [address, endpoint] : endpoints_) {
+        const auto found = std::ranges::find_if(endpoint.waiting, [=](const Urb& urb) {
+            return urb.owner == owner && urb.request->client_addr == requestAddress;
+        });
+        if (found == endpoint.waiting.end())
+            continue;
+        finish(std::move(*found), -ENOENT);
+        endpoint.waiting.erase(found);
+        return true;
+    }
+    return false;
 }
 
 std::optional<Urb> UrbQueue::reap(UMockdevIoctlClient* owner)
 {
-    const auto found = std::find_if(
-        finished_.begin(), finished_.end(), [owner](const Urb& urb) { return urb.owner == owner; });
+    const auto found = std::ranges::find(finished_, owner, &Urb::owner);
     if (found == finished_.end())
         return std::nullopt;
     std::optional<Urb> urb = std::move(*found);
@@ -75,15 +92,25 @@ std::optional<Urb> UrbQueue::reap(UMockdevIoctlClient* owner)
 void UrbQueue::removeClient(UMockdevIoctlClient* client)
 {
     const auto owned = [client](const Urb& urb) { return urb.owner == client; };
-    waiting_.remove_if(owned);
+    for (auto& [address, endpoint] : endpoints_)
+        endpoint.waiting.remove_if(owned);
     finished_.remove_if(owned);
 }
 
 bool UrbQueue::allInputReaped() const
 {
-    return input_.empty() && std::none_of(finished_.begin(), finished_.end(), [](const Urb& urb) {
-        return urb.input && urb.status == 0;
-    });
+    return std::ranges::all_of(
+               endpoints_, [](const auto& entry) { return entry.second.input.empty(); })
+        && std::ranges::none_of(
+            finished_, [](const Urb& urb) { return urb.input && urb.status == 0; });
+}
+
+size_t UrbQueue::waitingCount() const
+{
+    size_t count = 0;
+    for (const auto& [address, endpoint] : endpoints_)
+        count += endpoint.waiting.size();
+    return count;
 }
 
 } // namespace sim

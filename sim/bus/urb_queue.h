@@ -4,8 +4,10 @@
 #include "sim/bus/ioctl_data.h"
 #include "sim/device/wire_bytes.h"
 
+#include <cstdint>
 #include <deque>
 #include <list>
+#include <map>
 #include <optional>
 
 namespace sim {
@@ -22,16 +24,22 @@ struct Urb {
 };
 
 // Holds the transfers that wait for input, the transfers that are finished and not yet reaped, and
-// input that no transfer has requested. Not locked.
+// for each IN endpoint the input that no transfer has requested. Not locked.
 class UrbQueue {
 public:
-    static constexpr size_t kMaxInput = 65536; // unread input reports
+    // Of unread input, for each endpoint. The reports that a device sends in eight seconds at the
+    // highest rate of USB, 8,000 a second.
+    static constexpr size_t kMaxInput = 65536;            // reports
+    static constexpr size_t kMaxInputBytes = 8 * 1 << 20; // together
+    // Of a client that submits and never reaps.
+    static constexpr size_t kMaxUrbs = 4096;
 
-    // Completes the oldest waiting transfer with an input report, or keeps the report for the next
-    // transfer. False if there are kMaxInput unread reports.
-    [[nodiscard]] bool addInput(const Bytes& report);
-    void waitForInput(Urb urb);
-    void dropInput() { input_.clear(); }
+    // Gives an input report to the oldest waiting transfer of the endpoint, or keeps it for the
+    // next ones. A report that is longer than a transfer takes several. False, and the report is
+    // not taken, if too much is unread.
+    [[nodiscard]] bool addInput(uint8_t endpoint, const Bytes& report);
+    void waitForInput(uint8_t endpoint, Urb urb);
+    void dropInput(uint8_t endpoint) { endpoints_[endpoint].clear(); }
 
     void finish(Urb urb, int status);
     void finishAllWaiting(int status);
@@ -42,13 +50,22 @@ public:
     void removeClient(UMockdevIoctlClient* client); // with its transfers
 
     bool anyFinished() const { return !finished_.empty(); }
-    bool allInputReaped() const;
+    bool allInputReaped() const; // of all endpoints
+    bool isFull() const { return waitingCount() + finished_.size() >= kMaxUrbs; }
 
 private:
-    void deliver();
+    struct Endpoint {
+        std::deque<Bytes> input;
+        size_t inputBytes = 0; // of `input`
+        std::list<Urb> waiting;
 
-    std::deque<Bytes> input_; // all three: oldest first
-    std::list<Urb> waiting_;
+        void clear();
+    };
+
+    void deliver(Endpoint& endpoint);
+    size_t waitingCount() const;
+
+    std::map<uint8_t, Endpoint> endpoints_; // the lists in them: oldest first, as
     std::list<Urb> finished_;
 };
 

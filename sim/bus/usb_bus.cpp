@@ -42,6 +42,19 @@ std::string descriptorAttribute(const UsbDeviceInfo& info)
     return text;
 }
 
+const char* megabitsPerSecond(UsbSpeed speed)
+{
+    switch (speed) {
+    case UsbSpeed::kLow:
+        return "1.5";
+    case UsbSpeed::kFull:
+        return "12";
+    case UsbSpeed::kHigh:
+        break;
+    }
+    return "480";
+}
+
 // What libusb reads.
 std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDeviceInfo& info)
 {
@@ -57,6 +70,9 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
         + std::to_string(address)
         + "\\n\n"
           "A: bConfigurationValue=1\\n\n"
+          "A: speed="
+        + std::string(megabitsPerSecond(info.speed))
+        + "\\n\n"
           "H: descriptors="
         + descriptorAttribute(info) + "\n";
 }
@@ -130,7 +146,7 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);
     const fs::path sysfs = root_ + "/sys" + place.sysfsPath;
-    usbfs->showDriver({sysfs, info});
+    usbfs->showDrivers(sysfs);
     writeNames(sysfs, info);
     makeNode(place.node, *usbfs);
     if (!umockdev_testbed_add_from_string(

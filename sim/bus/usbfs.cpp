@@ -1,5 +1,9 @@
 #include "sim/bus/usbfs.h"
 
+#include "sim/device/usb_descriptors.h"
+
+#include <algorithm>
+#include <cassert>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -45,17 +49,43 @@ size_t targetSize(unsigned long request)
 
 Usbfs::Usbfs(std::shared_ptr<DeviceModel> device)
     : device_(std::move(device))
-    , owner_(*device_)
 {
+    for (const InterfaceInfo& interface : device_->info.interfaces)
+        interfaces_.push_back({InterfaceOwner(*device_, interface)});
 }
 
-bool Usbfs::inject(const Bytes& report)
+void Usbfs::showDrivers(const std::filesystem::path& device)
 {
-    const std::lock_guard lock(mutex_);
-    if (!connected_ || owner_.driverBound() || !urbs_.addInput(report))
-        return false;
-    stateChanged();
-    return true;
+    for (Interface& interface : interfaces_)
+        interface.directory.emplace(device, device_->info, interface.owner.interface());
+}
+
+Delivery Usbfs::inject(uint8_t interface, const Bytes& report, std::string cause)
+{
+    Delivery delivery{};
+    {
+        const std::lock_guard lock(mutex_);
+        delivery = queueInput(interface, report);
+        // Added before a client can read the report and react to it.
+        device_->addEvent({.kind = DeviceEvent::Kind::kInput,
+            .interface = interface,
+            .report = report,
+            .cause = std::move(cause),
+            .delivery = delivery});
+        stateChanged();
+    }
+    device_->deliverEvents();
+    return delivery;
+}
+
+Delivery Usbfs::queueInput(uint8_t interface, const Bytes& report)
+{
+    const Interface* const found = find(interface);
+    assert(found);
+    if (!connected_ || found->owner.driverBound())
+        return Delivery::kNoListener;
+    const uint8_t endpoint = inAddress(found->owner.interface());
+    return urbs_.addInput(endpoint, report) ? Delivery::kQueued : Delivery::kQueueFull;
 }
 
 bool Usbfs::waitUntilRead(std::chrono::milliseconds limit)
@@ -84,16 +114,18 @@ void Usbfs::disconnect()
     changed_.notify_all();
 }
 
-bool Usbfs::driverBound()
+bool Usbfs::driverBound(uint8_t interface)
 {
     const std::lock_guard lock(mutex_);
-    return owner_.driverBound();
+    const Interface* const found = find(interface);
+    return found && found->owner.driverBound();
 }
 
-bool Usbfs::claimed()
+bool Usbfs::claimed(uint8_t interface)
 {
     const std::lock_guard lock(mutex_);
-    return owner_.claimed();
+    const Interface* const found = find(interface);
+    return found && found->owner.claimed();
 }
 
 void Usbfs::handleIoctl(UMockdevIoctlClient* client)
@@ -105,15 +137,19 @@ void Usbfs::handleIoctl(UMockdevIoctlClient* client)
         umockdev_ioctl_client_complete(
             client, result < 0 ? -1 : result, result < 0 ? static_cast<int>(-result) : 0);
     }
-    device_->notify(); // unlocked: the callback may inject or unplug
+    device_->waitForEvents(); // unlocked: the callback may inject or unplug
 }
 
 void Usbfs::removeClient(UMockdevIoctlClient* client)
 {
-    const std::lock_guard lock(mutex_);
-    urbs_.removeClient(client);
-    owner_.removeClient(client);
-    stateChanged();
+    {
+        const std::lock_guard lock(mutex_);
+        urbs_.removeClient(client);
+        for (Interface& interface : interfaces_)
+            interface.owner.removeClient(client);
+        stateChanged();
+    }
+    device_->waitForEvents();
 }
 
 long Usbfs::answer(UMockdevIoctlClient* client)
@@ -145,9 +181,9 @@ long Usbfs::answerConnected(
     case USBDEVFS_IOCTL:
         return driverIoctl(target);
     case USBDEVFS_CLAIMINTERFACE:
-        return owner_.claim(client, load<unsigned>(target));
+        return claim(client, load<unsigned>(target));
     case USBDEVFS_RELEASEINTERFACE:
-        return owner_.release(client, load<unsigned>(target));
+        return release(client, load<unsigned>(target));
     case USBDEVFS_SETINTERFACE:
     case USBDEVFS_SETCONFIGURATION:
     case USBDEVFS_CLEAR_HALT:
@@ -158,12 +194,25 @@ long Usbfs::answerConnected(
     }
 }
 
-long Usbfs::getDriver(UMockdevIoctlData* target) const
+long Usbfs::claim(UMockdevIoctlClient* client, unsigned number)
 {
-    const char* const name = owner_.driverName();
+    Interface* const interface = find(number);
+    return interface ? interface->owner.claim(client) : -ENOENT;
+}
+
+long Usbfs::release(UMockdevIoctlClient* client, unsigned number)
+{
+    Interface* const interface = find(number);
+    return interface ? interface->owner.release(client) : -EINVAL;
+}
+
+long Usbfs::getDriver(UMockdevIoctlData* target)
+{
+    auto answer = load<usbdevfs_getdriver>(target);
+    const Interface* const interface = find(answer.interface);
+    const char* const name = interface ? interface->owner.driverName() : nullptr;
     if (!name)
         return -ENODATA;
-    auto answer = load<usbdevfs_getdriver>(target);
     snprintf(answer.driver, sizeof answer.driver, "%s", name);
     store(target, answer);
     return 0;
@@ -172,18 +221,20 @@ long Usbfs::getDriver(UMockdevIoctlData* target) const
 long Usbfs::driverIoctl(UMockdevIoctlData* target)
 {
     const auto request = load<usbdevfs_ioctl>(target);
-    const auto number = static_cast<unsigned>(request.ifno);
+    Interface* const interface = find(static_cast<unsigned>(request.ifno));
+    if (!interface)
+        return -EINVAL;
     switch (static_cast<unsigned>(request.ioctl_code)) {
     case USBDEVFS_CONNECT: {
-        const long result = owner_.connectDriver(number);
+        const long result = interface->owner.connectDriver();
         if (result > 0)
-            driverChanged();
+            driverChanged(*interface);
         return result;
     }
     case USBDEVFS_DISCONNECT: {
-        const long result = owner_.disconnectDriver(number);
+        const long result = interface->owner.disconnectDriver();
         if (result == 0)
-            driverChanged();
+            driverChanged(*interface);
         return result;
     }
     default:
@@ -191,10 +242,18 @@ long Usbfs::driverIoctl(UMockdevIoctlData* target)
     }
 }
 
-void Usbfs::driverChanged()
+Usbfs::Interface* Usbfs::find(unsigned number)
 {
-    if (owner_.driverBound())
-        urbs_.dropInput(); // the driver reads it
+    const auto found = std::ranges::find_if(interfaces_, [number](const Interface& interface) {
+        return interface.owner.interface().number == number;
+    });
+    return found == interfaces_.end() ? nullptr : &*found;
+}
+
+void Usbfs::driverChanged(Interface& interface)
+{
+    if (interface.owner.driverBound())
+        urbs_.dropInput(inAddress(interface.owner.interface())); // the driver reads it
 }
 
 long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
@@ -203,6 +262,8 @@ long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)
     if (request.buffer_length < 0 || request.buffer_length > kMaxTransfer)
         return -EINVAL;
     const auto length = static_cast<size_t>(request.buffer_length);
+    if (urbs_.isFull())
+        return -ENOMEM;
     Urb urb{.owner = client, .request = newReference(target)};
     urb.buffer = length ? resolve(target, offsetof(usbdevfs_urb, buffer), length) : nullptr;
     if (length && !urb.buffer)
@@ -224,7 +285,7 @@ long Usbfs::submitControl(Urb urb)
         return -EINVAL;
     auto setup = DeviceModel::SetupPacket::from(bytes);
     if (setup.toInterface()) {
-        if (const long result = owner_.claim(urb.owner, lowByte(setup.index)))
+        if (const long result = claim(urb.owner, lowByte(setup.index)))
             return result;
     }
     urb.dataOffset = DeviceModel::SetupPacket::kSize;
@@ -239,17 +300,23 @@ long Usbfs::submitControl(Urb urb)
 
 long Usbfs::submitInterrupt(Urb urb, uint8_t endpoint)
 {
-    const bool output = endpoint == kEndpointOut && device_->info.hasOutEndpoint;
-    if (endpoint != kEndpointIn && !output)
+    const auto has = [endpoint](const Interface& candidate) {
+        const InterfaceInfo& info = candidate.owner.interface();
+        const bool output = info.outEndpoint && info.outEndpoint == endpoint;
+        return info.isHid() && (output || inAddress(info) == endpoint);
+    };
+    const auto interface = std::ranges::find_if(interfaces_, has);
+    if (interface == interfaces_.end())
         return -ENOENT;
-    if (const long result = owner_.claim(urb.owner, device_->info.interfaceNumber))
+    if (const long result = interface->owner.claim(urb.owner))
         return result;
-    if (!output) {
-        urbs_.waitForInput(std::move(urb));
+    const InterfaceInfo& info = interface->owner.interface();
+    if (endpoint == inAddress(info)) {
+        urbs_.waitForInput(endpoint, std::move(urb));
         return 0;
     }
     const auto bytes = urb.buffer ? bytesOf(urb.buffer) : std::span<uint8_t>{};
-    const bool received = device_->receive(bytes);
+    const bool received = device_->receive(info, bytes);
     urb.transferred = received ? bytes.size() : 0;
     urbs_.finish(std::move(urb), received ? 0 : -EPIPE);
     return 0;
@@ -277,8 +344,9 @@ void Usbfs::stateChanged()
 {
     if (connected_) {
         node_.setReady(urbs_.anyFinished());
-        if (directory_)
-            directory_->setDriver(owner_.driverName());
+        for (Interface& interface : interfaces_)
+            if (interface.directory)
+                interface.directory->setDriver(interface.owner.driverName());
     }
     if (urbs_.allInputReaped())
         changed_.notify_all();

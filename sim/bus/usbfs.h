@@ -21,17 +21,18 @@ public:
 
     const std::string& nodePath() const { return node_.path(); }
 
-    // From now on the directory is there while the kernel's driver has the interface. To be called
-    // before a client can open the node.
-    void showDriver(HidDirectory directory) { directory_ = std::move(directory); }
+    // From now on the directories of the HID interfaces below `device`, in sysfs, are there while
+    // the kernel's driver has the interface. To be called before a client can open the node.
+    void showDrivers(const std::filesystem::path& device);
 
-    // Any thread may call these. For those that UsbDevice has too, see there.
-    bool inject(const Bytes& report);
+    // Any thread may call these. For those that UsbDevice has too, see there. The interface must
+    // exist.
+    Delivery inject(uint8_t interface, const Bytes& report, std::string cause);
     [[nodiscard]] bool waitUntilRead(std::chrono::milliseconds limit);
     void setOpenable(bool openable);
     void disconnect();
-    bool driverBound();
-    bool claimed();
+    bool driverBound(uint8_t interface);
+    bool claimed(uint8_t interface);
 
     // For umockdev's thread. handleIoctl() completes the ioctl and runs the device's event
     // callback.
@@ -44,14 +45,23 @@ private:
     long answer(UMockdevIoctlClient* client);
     long answerConnected(
         UMockdevIoctlClient* client, unsigned long request, UMockdevIoctlData* target);
-    long getDriver(UMockdevIoctlData* target) const;
+    long getDriver(UMockdevIoctlData* target);
+    long release(UMockdevIoctlClient* client, unsigned number);
+    long claim(UMockdevIoctlClient* client, unsigned number);
     long driverIoctl(UMockdevIoctlData* target);
     long submit(UMockdevIoctlClient* client, UMockdevIoctlData* target);
     long submitControl(Urb urb);
     long submitInterrupt(Urb urb, uint8_t endpoint);
     long reap(UMockdevIoctlClient* client, UMockdevIoctlData* target);
 
-    void driverChanged();
+    // An interface of the device with its owner.
+    struct Interface {
+        InterfaceOwner owner;
+        std::optional<HidDirectory> directory = std::nullopt;
+    };
+    Interface* find(unsigned number); // null if there is none
+    void driverChanged(Interface& interface);
+    Delivery queueInput(uint8_t interface, const Bytes& report);
     void stateChanged();
 
     const std::shared_ptr<DeviceModel> device_;
@@ -60,8 +70,7 @@ private:
     std::condition_variable changed_;
     PtyNode node_;
     bool connected_ = true;
-    InterfaceOwner owner_;
-    std::optional<HidDirectory> directory_;
+    std::vector<Interface> interfaces_;
     UrbQueue urbs_;
 };
 

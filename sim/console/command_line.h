@@ -1,7 +1,7 @@
 // The command line of kelprobe-sim.
 #pragma once
 
-#include "sim/device/profiles.h"
+#include "sim/profile/profiles.h"
 
 #include <string>
 #include <string_view>

@@ -43,7 +43,7 @@ std::optional<int> number(std::string_view text)
 bool hook(ConsoleDevice& device, std::string_view position)
 {
     if (position.empty())
-        device.press(Button::kHook);
+        device.press("hook");
     else if (position == "off")
         device.setHook(HookPosition::kOffHook);
     else if (position == "on")
@@ -69,12 +69,16 @@ bool fault(ConsoleDevice& device, std::string_view words)
     return (count || words.empty()) && device.setFault(name, count);
 }
 
-template <Button button>
+template <const char* button>
 bool press(ConsoleDevice& device, std::string_view)
 {
     device.press(button);
     return true;
 }
+
+constexpr char kMute[] = "mute";
+constexpr char kFlash[] = "flash";
+constexpr char kBusy[] = "busy";
 
 template <void (ConsoleDevice::*action)()>
 bool perform(ConsoleDevice& device, std::string_view)
@@ -97,9 +101,9 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"hook", hook},
-    {"mute", press<Button::kMute>},
-    {"flash", press<Button::kFlash>},
-    {"busy", press<Button::kBusy>},
+    {"mute", press<kMute>},
+    {"flash", press<kFlash>},
+    {"busy", press<kBusy>},
     {"raw", raw},
     {"unplug", perform<&ConsoleDevice::unplug>},
     {"replug", perform<&ConsoleDevice::replug>},

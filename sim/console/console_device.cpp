@@ -3,12 +3,35 @@
 #include <stdexcept>
 
 namespace sim {
+namespace {
+
+constexpr auto kFlood = "flood"; // has no line for each report
+
+// "hook switch off" for "hook off".
+std::string words(std::string cause)
+{
+    if (cause.starts_with("hook "))
+        cause.insert(cause.find(' '), " switch");
+    if (cause.starts_with("busy "))
+        cause.insert(0, "line ");
+    return cause;
+}
+
+// "ring LED on, hold LED off".
+std::string changes(const std::vector<LampChange>& lamps)
+{
+    std::string text;
+    for (const LampChange& change : lamps)
+        text += (text.empty() ? "" : ", ") + change.lamp + (change.on ? " LED on" : " LED off");
+    return text.empty() ? "no change" : text;
+}
+
+} // namespace
 
 ConsoleDevice::ConsoleDevice(
     UsbBus& bus, const UsbDeviceInfo& info, size_t number, Transcript& transcript)
     : number_(number)
     , transcript_(transcript)
-    , panel_(info.reportDescriptor)
     , device_(bus, info)
 {
     device_.setEventCallback([this](const DeviceEvent& event) { printEvent(event); });
@@ -18,8 +41,13 @@ ConsoleDevice::ConsoleDevice(
 void ConsoleDevice::printEvent(const DeviceEvent& event)
 {
     switch (event.kind) {
+    case DeviceEvent::Kind::kInput:
+        if (event.cause != kFlood)
+            print(describe(words(event.cause), event.report)
+                + (event.delivery == Delivery::kNoListener ? "  (no program listens)" : ""));
+        break;
     case DeviceEvent::Kind::kOutput:
-        print(describe(panel_.applyOutput(event.report), event.report));
+        print(describe(changes(event.lamps), event.report));
         break;
     case DeviceEvent::Kind::kOutputRefused:
         print(describe("write refused", event.report));
@@ -30,38 +58,27 @@ void ConsoleDevice::printEvent(const DeviceEvent& event)
     case DeviceEvent::Kind::kDetachRefused:
         print("detach refused");
         break;
+    case DeviceEvent::Kind::kOpened:
+    case DeviceEvent::Kind::kClosed:
+        break;
     }
 }
 
-void ConsoleDevice::press(Button button)
+void ConsoleDevice::press(std::string_view button)
 {
-    send(panel_.press(button));
+    if (!device_.push(button))
+        print("the device has no such button");
 }
 
 void ConsoleDevice::setHook(HookPosition position)
 {
-    send(panel_.setHook(position));
+    if (!device_.setHook(position))
+        print("the device has no such button");
 }
 
 void ConsoleDevice::sendRaw(const Bytes& report)
 {
-    send("raw report", report);
-}
-
-void ConsoleDevice::send(const std::vector<Panel::InputReport>& reports)
-{
-    if (reports.empty())
-        print("the device has no such button");
-    for (const Panel::InputReport& input : reports)
-        send(input.what, input.report);
-}
-
-// Prints before it sends, because the program's reaction is printed on another thread.
-void ConsoleDevice::send(const std::string& what, const Bytes& report)
-{
-    const bool listening = device_.isPlugged() && !device_.driverBound();
-    print(describe(what, report) + (listening ? "" : "  (no program listens)"));
-    device_.inject(report);
+    device_.inject(report, "raw report");
 }
 
 void ConsoleDevice::unplug()
@@ -131,8 +148,8 @@ bool ConsoleDevice::flood(int reports)
 {
     if (static_cast<size_t>(reports) > UrbQueue::kMaxInput)
         return false;
-    const Bytes report = panel_.idleReport();
-    while (reports-- > 0 && device_.inject(report)) { }
+    const Bytes report = device_.panel().stateReport();
+    while (reports-- > 0 && device_.inject(report, kFlood)) { }
     return true;
 }
 

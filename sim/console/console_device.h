@@ -3,7 +3,6 @@
 
 #include "sim/bus/usb_device.h"
 #include "sim/console/transcript.h"
-#include "sim/device/panel.h"
 
 #include <optional>
 
@@ -16,7 +15,7 @@ public:
     // Plugs in. `number` is the device's number in the transcript, which must outlive the device.
     ConsoleDevice(UsbBus& bus, const UsbDeviceInfo& info, size_t number, Transcript& transcript);
 
-    void press(Button button);
+    void press(std::string_view button);
     void setHook(HookPosition position);
     void sendRaw(const Bytes& report);
     void unplug();
@@ -31,15 +30,12 @@ public:
 
 private:
     void printEvent(const DeviceEvent& event);
-    void send(const std::vector<Panel::InputReport>& reports);
-    void send(const std::string& what, const Bytes& report);
     bool armFault(std::string_view name, int times);
     bool flood(int reports);
     void clearFaults();
 
     const size_t number_;
     Transcript& transcript_;
-    Panel panel_;
     UsbDevice device_;
 };
 

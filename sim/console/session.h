@@ -1,7 +1,7 @@
 // One run of a program with simulated devices.
 #pragma once
 
-#include "sim/device/profiles.h"
+#include "sim/profile/profiles.h"
 
 #include <span>
 

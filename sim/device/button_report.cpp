@@ -23,16 +23,6 @@ uint64_t nullValue(const report::Field& field)
 
 } // namespace
 
-bool hasControl(const report::Field& field, report::Usage usage)
-{
-    const std::optional<uint64_t> index = field.indexOf(usage);
-    if (!index || field.isPadding() || field.count == 0)
-        return false;
-    if (field.isVariable())
-        return *index < field.count;
-    return *index <= static_cast<uint64_t>(field.logicalMaximum - field.logicalMinimum);
-}
-
 ButtonReport::ButtonReport(const report::Layout& layout, uint8_t id)
     : hasId_(layout.usesReportIds)
     , id_(id)
@@ -48,14 +38,14 @@ ButtonReport::ButtonReport(const report::Layout& layout, uint8_t id)
     }
 }
 
-void ButtonReport::switchOn(const report::Field& field, report::Usage usage)
+void ButtonReport::switchOn(const Control& button)
 {
-    assert(hasControl(field, usage));
-    const uint64_t index = *field.indexOf(usage);
+    const report::Field& field = *button.field;
+    assert(field.reportId == id_ && field.kind == report::ReportKind::kInput);
     if (field.isVariable())
-        write(field, index, 1);
+        write(field, button.index, 1);
     else if (uint64_t& pressed = pressed_[&field]; pressed < field.count)
-        write(field, pressed++, arrayValue(field, index));
+        write(field, pressed++, arrayValue(field, button.index));
 }
 
 Bytes ButtonReport::bytes() const

@@ -1,21 +1,18 @@
 // An input report with the state of a simulated device's buttons. Pure.
 #pragma once
 
-#include "report/layout.h"
+#include "sim/device/panel_controls.h"
 #include "sim/device/wire_bytes.h"
 
 namespace sim {
-
-// True if a report can hold that the control is on.
-[[nodiscard]] bool hasControl(const report::Field& field, report::Usage usage);
 
 class ButtonReport {
 public:
     // Every button is off. `layout` must outlive the object.
     ButtonReport(const report::Layout& layout, uint8_t id);
 
-    // `field` is one of this report, and has the control.
-    void switchOn(const report::Field& field, report::Usage usage);
+    // The button is one of this report. In an array that is full it is left out.
+    void switchOn(const Control& button);
 
     [[nodiscard]] Bytes bytes() const; // as on the wire
 

@@ -4,6 +4,8 @@
 #include "sim/device/usb_descriptors.h"
 
 #include <algorithm>
+#include <cassert>
+#include <set>
 #include <utility>
 
 namespace sim {
@@ -29,6 +31,21 @@ Reply send(Bytes data, size_t limit)
     return {.data = std::move(data), .transferred = size};
 }
 
+std::vector<bool> reportIds(const UsbDeviceInfo& info)
+{
+    std::vector<bool> has;
+    for (const InterfaceInfo& interface : info.interfaces)
+        has.push_back(report::readLayout(interface.reportDescriptor).usesReportIds);
+    return has;
+}
+
+[[maybe_unused]] bool hasUniqueNumbers(const UsbDeviceInfo& info)
+{
+    std::set<uint8_t> numbers;
+    return std::ranges::all_of(info.interfaces,
+        [&](const InterfaceInfo& interface) { return numbers.insert(interface.number).second; });
+}
+
 } // namespace
 
 Setup Setup::from(std::span<const uint8_t> bytes)
@@ -40,8 +57,11 @@ Setup Setup::from(std::span<const uint8_t> bytes)
 
 DeviceModel::DeviceModel(UsbDeviceInfo deviceInfo)
     : info(std::move(deviceInfo))
-    , hasReportIds(report::readLayout(info.reportDescriptor).usesReportIds)
+    , panel(info.controls().reportDescriptor, info.behaviour.hookSwitch)
+    , controls_(info.controls())
+    , hasReportIds_(reportIds(info))
 {
+    assert(hasUniqueNumbers(info));
 }
 
 Reply DeviceModel::control(const Setup& setup, std::span<const uint8_t> out)
@@ -78,37 +98,56 @@ Reply DeviceModel::getDescriptor(const Setup& setup)
 
 Reply DeviceModel::getReportDescriptor(const Setup& setup)
 {
+    const InterfaceInfo* const interface = findInterface(lowByte(setup.index));
+    if (!interface || !interface->isHid())
+        return stall();
     if (setup.value == kHid << 8)
-        return send(hidDescriptor(info), setup.length);
+        return send(hidDescriptor(*interface), setup.length);
     if (setup.value != ClassDescriptor::kReport << 8)
         return stall();
     ++counters.reportDescriptorReads;
     if (faults.stallReportDescriptor.consume())
         return stall();
     const bool cut = faults.shortenReportDescriptor.consume();
-    return send(info.reportDescriptor,
+    return send(interface->reportDescriptor,
         cut ? std::min<size_t>(setup.length, faults.shortLength) : setup.length);
 }
 
 Reply DeviceModel::setReport(const Setup& setup, std::span<const uint8_t> out)
 {
-    if (setup.value >> 8 != kOutputReport || !receive(out))
+    const InterfaceInfo* const interface = findInterface(lowByte(setup.index));
+    if (!interface || !interface->isHid() || setup.value >> 8 != kOutputReport
+        || !receive(*interface, out))
         return stall();
     return {.transferred = out.size()};
 }
 
-bool DeviceModel::receive(std::span<const uint8_t> wire)
+bool DeviceModel::receive(const InterfaceInfo& interface, std::span<const uint8_t> wire)
 {
     Bytes report(wire.begin(), wire.end());
-    if (!hasReportIds)
+    if (!hasReportIds_[static_cast<size_t>(&interface - info.interfaces.data())])
         report.insert(report.begin(), 0);
     if (faults.failWrite.consume()) {
-        addEvent({DeviceEvent::Kind::kOutputRefused, std::move(report)});
+        addEvent({.kind = DeviceEvent::Kind::kOutputRefused,
+            .interface = interface.number,
+            .report = std::move(report)});
         return false;
     }
-    addEvent({DeviceEvent::Kind::kOutput, report});
-    outputs.add(std::move(report));
+    const bool toControls = &interface == &controls_;
+    addEvent({.kind = DeviceEvent::Kind::kOutput,
+        .interface = interface.number,
+        .report = report,
+        .lamps = toControls ? panel.applyOutput(report, std::chrono::steady_clock::now())
+                            : std::vector<LampChange>{}});
+    if (toControls)
+        outputs.add(std::move(report));
     return true;
+}
+
+const InterfaceInfo* DeviceModel::findInterface(unsigned number) const
+{
+    const auto found = std::ranges::find(info.interfaces, number, &InterfaceInfo::number);
+    return found == info.interfaces.end() ? nullptr : &*found;
 }
 
 void DeviceModel::addEvent(DeviceEvent event)
@@ -117,19 +156,58 @@ void DeviceModel::addEvent(DeviceEvent event)
     events_.push_back(std::move(event));
 }
 
-void DeviceModel::notify()
+bool DeviceModel::hasEvents()
 {
-    const std::lock_guard callbackLock(callbackMutex_);
-    std::vector<DeviceEvent> events;
+    const std::lock_guard lock(eventsMutex_);
+    return !events_.empty();
+}
+
+std::vector<DeviceEvent> DeviceModel::takeEvents()
+{
+    const std::lock_guard lock(eventsMutex_);
+    return std::exchange(events_, {});
+}
+
+void DeviceModel::waitForEvents()
+{
     {
-        const std::lock_guard lock(eventsMutex_);
-        events.swap(events_);
+        const std::lock_guard lock(callbackMutex_);
+        callForEvents();
     }
-    const EventCallback callback = callback_; // may replace itself while it runs
-    for (const DeviceEvent& event : events) {
-        if (callback)
-            callback(event);
+    deliverEvents(); // those added by a thread that did not wait
+}
+
+void DeviceModel::deliverEvents()
+{
+    while (hasEvents()) {
+        const std::unique_lock lock(callbackMutex_, std::try_to_lock);
+        if (!lock || calling_)
+            return;
+        callForEvents();
     }
+}
+
+void DeviceModel::callForEvents()
+{
+    if (calling_)
+        return; // the caller of this callback goes on with the events
+    calling_ = true;
+    for (auto events = takeEvents(); !events.empty(); events = takeEvents()) {
+        for (const DeviceEvent& event : events) {
+            const EventCallback callback = callback_; // may replace itself while it runs
+            if (callback)
+                callback(event);
+            if (reaction_)
+                reaction_(event);
+        }
+    }
+    calling_ = false;
+}
+
+void DeviceModel::setReaction(EventCallback reaction)
+{
+    const std::lock_guard lock(callbackMutex_);
+    reaction_ = std::move(reaction);
 }
 
 void DeviceModel::setEventCallback(EventCallback callback)

@@ -1,8 +1,10 @@
 // The device's side of the bus: its responses and the reports that it receives.
 #pragma once
 
+#include "sim/device/device_event.h"
 #include "sim/device/device_faults.h"
 #include "sim/device/output_log.h"
+#include "sim/device/panel.h"
 #include "sim/device/usb_device_info.h"
 
 #include <functional>
@@ -11,19 +13,7 @@
 
 namespace sim {
 
-// Something that a client did with the device.
-struct DeviceEvent {
-    enum class Kind {
-        kOutput,        // an output report was received
-        kOutputRefused, // an output report stalled
-        kClaimRefused,  // claiming the interface gave EBUSY
-        kDetachRefused, // detaching the kernel driver gave EBUSY
-    };
-
-    Kind kind = Kind::kOutput;
-    Bytes report = {}; // as in DeviceModel::outputs; empty if no report is concerned
-};
-
+// Of all interfaces together.
 struct DeviceCounters {
     std::atomic<int> reportDescriptorReads = 0; // requests, including those that stalled
     std::atomic<int> claims = 0;                // successful ones
@@ -54,41 +44,61 @@ public:
         size_t transferred = 0; // bytes of either direction, without the setup packet
     };
 
-    explicit DeviceModel(UsbDeviceInfo info);
+    explicit DeviceModel(UsbDeviceInfo info); // asserts that interface numbers differ
 
-    // Handles requests to the device and to its interface; the caller has checked the interface
-    // number. `out` is the data stage of a host-to-device transfer.
+    // Handles requests to the device and to an interface, which the caller has checked to exist.
+    // `out` is the data stage of a host-to-device transfer.
     ControlReply control(const SetupPacket& setup, std::span<const uint8_t> out);
 
-    // Takes an output report that came through the OUT endpoint. False if it stalls.
-    [[nodiscard]] bool receive(std::span<const uint8_t> wire);
+    // Takes an output report that came through the OUT endpoint of the interface. False if it
+    // stalls.
+    [[nodiscard]] bool receive(const InterfaceInfo& interface, std::span<const uint8_t> wire);
 
-    // Adds an event for the callback. notify() calls the callback for each event since the last
-    // call, in their order; the caller must hold no lock that the callback may need.
+    // Null if there is no such interface.
+    [[nodiscard]] const InterfaceInfo* findInterface(unsigned number) const;
+    // The one whose controls the panel has.
+    [[nodiscard]] const InterfaceInfo& controls() const { return controls_; }
+
+    // Adds an event for the callback.
     void addEvent(DeviceEvent event);
-    void notify();
+    // Calls the callback for each event that was added, in order. The caller must hold no lock that
+    // the callback may need. waitForEvents() returns when it has been called for all of them,
+    // unless it is called from the callback. deliverEvents() does not wait: if another thread calls
+    // the callback at the moment, that thread does the rest.
+    void waitForEvents();
+    void deliverEvents();
 
     // Replaces the callback. When this returns, the previous callback is not running and will not
     // run again, unless this was called from it.
     void setEventCallback(EventCallback callback);
+    // Likewise a callback that is called after that one: what the device itself does.
+    void setReaction(EventCallback reaction);
 
     const UsbDeviceInfo info;
-    const bool hasReportIds; // every report starts with its id
     DeviceFaults faults;
     DeviceCounters counters;
-    // Reports as hid_write() takes them: report id first, 0 for a device without report ids (where
-    // it is not on the wire).
+    Panel panel;
+    // Reports to the interface controls(), as hid_write() takes them: report id first, 0 for an
+    // interface without report ids (where it is not on the wire).
     OutputLog outputs;
 
 private:
     ControlReply getDescriptor(const SetupPacket& setup);
     ControlReply getReportDescriptor(const SetupPacket& setup);
     ControlReply setReport(const SetupPacket& setup, std::span<const uint8_t> out);
+    [[nodiscard]] bool hasEvents();
+    std::vector<DeviceEvent> takeEvents();
+    void callForEvents(); // callbackMutex_ is held
+
+    const InterfaceInfo& controls_;        // of info
+    const std::vector<bool> hasReportIds_; // of each interface: every report starts with its id
 
     std::mutex eventsMutex_;
     std::vector<DeviceEvent> events_;    // not yet handed to the callback
     std::recursive_mutex callbackMutex_; // held while the callback runs
+    bool calling_ = false;               // guarded by callbackMutex_, as is the callback
     EventCallback callback_;
+    EventCallback reaction_;
 };
 
 } // namespace sim

@@ -8,6 +8,8 @@ void OutputLog::add(Bytes report)
 {
     const std::lock_guard lock(mutex_);
     reports_.push_back(std::move(report));
+    if (reports_.size() > kMaxReports)
+        reports_.pop_front();
     arrived_.notify_all();
 }
 
@@ -20,7 +22,8 @@ bool OutputLog::waitFor(size_t count, std::chrono::milliseconds limit)
 std::vector<Bytes> OutputLog::take()
 {
     const std::lock_guard lock(mutex_);
-    return std::exchange(reports_, {});
+    const std::deque<Bytes> reports = std::exchange(reports_, {});
+    return {reports.begin(), reports.end()};
 }
 
 } // namespace sim

@@ -1,10 +1,13 @@
 // The output reports that a device received, in the order of their arrival.
+//
+// Keeps the newest kMaxReports that were not taken.
 #pragma once
 
 #include "sim/device/wire_bytes.h"
 
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
 
 namespace sim {
@@ -12,6 +15,8 @@ namespace sim {
 // Any thread may call any of these.
 class OutputLog {
 public:
+    static constexpr size_t kMaxReports = 65536;
+
     void add(Bytes report);
 
     // Waits until there are at least `count` reports that have not been taken. False if that takes
@@ -24,7 +29,7 @@ public:
 private:
     std::mutex mutex_;
     std::condition_variable arrived_;
-    std::vector<Bytes> reports_;
+    std::deque<Bytes> reports_;
 };
 
 } // namespace sim

@@ -1,175 +1,205 @@
 #include "sim/device/panel.h"
 
-#include "report/decoder.h"
 #include "sim/device/button_report.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <cassert>
 
 namespace sim {
 namespace {
 
-struct Name {
-    uint16_t usage;
-    std::string_view text;
-};
+using report::ReportKind;
 
-constexpr uint16_t kLedPage = 0x08;
-constexpr uint16_t kTelephonyPage = 0x0b;
-constexpr uint16_t kOffHookLed = 0x17;
+// A value of a variable field, or a usage of an array: what a Control has.
+using Place = std::pair<const report::Field*, uint64_t>;
 
-constexpr std::array kLedNames = {
-    Name{0x09, "mute"},
-    Name{kOffHookLed, "off-hook"},
-    Name{0x18, "ring"},
-    Name{0x1e, "speaker"},
-    Name{0x20, "hold"},
-    Name{0x21, "microphone"},
-    Name{0x2a, "on-line"},
-};
-
-constexpr std::array kButtonNames = {
-    Name{static_cast<uint16_t>(Button::kHook), "hook switch"},
-    Name{static_cast<uint16_t>(Button::kFlash), "flash"},
-    Name{static_cast<uint16_t>(Button::kMute), "mute"},
-    Name{static_cast<uint16_t>(Button::kBusy), "line busy"},
-};
-
-template <size_t N>
-std::string nameOf(const std::array<Name, N>& names, uint16_t usage)
+// The LEDs that an output report switches on. An array contains only those that are on.
+std::set<Place> switchedOn(const report::DecodedReport& decoded)
 {
-    const auto found = std::find_if(
-        names.begin(), names.end(), [usage](const Name& name) { return name.usage == usage; });
-    return found == names.end() ? "other" : std::string(found->text);
-}
-
-std::string nameOf(Button button)
-{
-    return nameOf(kButtonNames, static_cast<uint16_t>(button));
-}
-
-report::Usage usageOf(Button button)
-{
-    return {kTelephonyPage, static_cast<uint16_t>(button)};
+    std::set<Place> on;
+    for (const report::Value& value : decoded.values) {
+        if (!value.field->isVariable() && value.inRange)
+            on.emplace(
+                value.field, static_cast<uint64_t>(value.value - value.field->logicalMinimum));
+        else if (value.field->isVariable() && value.value != 0)
+            on.emplace(value.field, value.index);
+    }
+    return on;
 }
 
 } // namespace
 
-Panel::Panel(const Bytes& reportDescriptor)
+const report::UsageNames& systemUsageNames()
+{
+    static const report::UsageNames names = report::UsageNames::load();
+    return names;
+}
+
+Panel::Panel(const Bytes& reportDescriptor, HookSwitch hookSwitch, const report::UsageNames& names)
     : layout_(report::readLayout(reportDescriptor))
+    , hookSwitch_(hookSwitch)
+    , buttons_(findButtons(layout_, names))
+    , lampControls_(findLamps(layout_, names))
+    , words_(layout_, names)
+    , lamps_(lampControls_.size())
 {
 }
 
-std::vector<Panel::InputReport> Panel::press(Button button)
+std::vector<Panel::ButtonState> Panel::buttons() const
 {
     const std::lock_guard lock(mutex_);
-    if (button == Button::kHook)
-        return moveHook(
-            hook_ == HookPosition::kOnHook ? HookPosition::kOffHook : HookPosition::kOnHook);
-    const report::Field* const field = find(button);
-    if (!field)
-        return {};
-    return {{nameOf(button) + " pressed", inputReport(field->reportId, button)},
-        {nameOf(button) + " released", inputReport(field->reportId)}};
+    std::vector<ButtonState> states;
+    for (const Control& button : buttons_)
+        states.push_back(
+            {button.name, button.label, button.usage, isSwitch(button), isPressed(button)});
+    return states;
 }
 
-std::vector<Panel::InputReport> Panel::setHook(HookPosition position)
+std::vector<Panel::LampInfo> Panel::lamps(Time now) const
 {
     const std::lock_guard lock(mutex_);
-    return moveHook(position);
+    std::vector<LampInfo> infos;
+    for (size_t i = 0; i < lamps_.size(); ++i) {
+        const Control& control = lampControls_[i];
+        infos.push_back({control.name, control.label, control.usage, lamps_[i].state(now)});
+    }
+    return infos;
 }
 
-std::vector<Panel::InputReport> Panel::moveHook(HookPosition position)
-{
-    const report::Field* const field = find(Button::kHook);
-    if (!field)
-        return {};
-    hook_ = position;
-    const char* const name = position == HookPosition::kOffHook ? " off" : " on";
-    return {{nameOf(Button::kHook) + name, inputReport(field->reportId)}};
-}
-
-Bytes Panel::idleReport() const
+std::optional<HookPosition> Panel::hook() const
 {
     const std::lock_guard lock(mutex_);
-    if (const report::Field* const hook = find(Button::kHook))
-        return inputReport(hook->reportId);
-    const auto first = layout_.reportBits.lower_bound({report::ReportKind::kInput, 0});
+    const Control* const hook = find("hook");
+    if (!hook || !isSwitch(*hook))
+        return std::nullopt;
+    return isPressed(*hook) ? HookPosition::kOffHook : HookPosition::kOnHook;
+}
+
+std::optional<Panel::InputReports> Panel::press(std::string_view button)
+{
+    const std::lock_guard lock(mutex_);
+    const Control* const control = find(button);
+    return control ? std::optional<InputReports>{{set(*control, true)}} : std::nullopt;
+}
+
+std::optional<Panel::InputReports> Panel::release(std::string_view button)
+{
+    const std::lock_guard lock(mutex_);
+    const Control* const control = find(button);
+    return control ? std::optional<InputReports>{{set(*control, false)}} : std::nullopt;
+}
+
+std::optional<Panel::InputReports> Panel::push(std::string_view button)
+{
+    const std::lock_guard lock(mutex_);
+    const Control* const control = find(button);
+    if (!control)
+        return std::nullopt;
+    if (isSwitch(*control))
+        return {{set(*control, !isPressed(*control))}};
+    InputReport pressed = set(*control, true);
+    return {{std::move(pressed), set(*control, false)}};
+}
+
+std::optional<Panel::InputReports> Panel::setHook(HookPosition position)
+{
+    if (hookSwitch_ == HookSwitch::kMomentary)
+        return push("hook");
+    return position == HookPosition::kOffHook ? press("hook") : release("hook");
+}
+
+std::optional<Bytes> Panel::reportOf(std::string_view button) const
+{
+    const std::lock_guard lock(mutex_);
+    const Control* const control = find(button);
+    return control ? std::optional(inputReport(control->field->reportId)) : std::nullopt;
+}
+
+Bytes Panel::stateReport() const
+{
+    const std::lock_guard lock(mutex_);
+    if (const Control* const hook = find("hook"))
+        return inputReport(hook->field->reportId);
+    const auto first = layout_.reportBits.lower_bound({ReportKind::kInput, 0});
     const bool hasInput
-        = first != layout_.reportBits.end() && first->first.kind == report::ReportKind::kInput;
+        = first != layout_.reportBits.end() && first->first.kind == ReportKind::kInput;
     return hasInput ? inputReport(first->first.id) : Bytes{0};
 }
 
-std::string Panel::applyOutput(const Bytes& report)
+std::vector<LampChange> Panel::applyOutput(const Bytes& report, Time now)
 {
     const std::lock_guard lock(mutex_);
-    std::string changes;
-    for (const auto& [usage, on] : ledsIn(report)) {
-        if (on == lit_.contains(usage))
-            continue;
-        if (on)
-            lit_.insert(usage);
-        else
-            lit_.erase(usage);
-        if (usage == kOffHookLed)
-            hook_ = on ? HookPosition::kOffHook : HookPosition::kOnHook;
-        changes += (changes.empty() ? "" : ", ") + nameOf(kLedNames, usage);
-        changes += on ? " LED on" : " LED off";
-    }
-    return changes.empty() ? "no change" : changes;
-}
-
-// The LEDs that an output report switches, in descriptor order. Those beyond its end are off.
-std::vector<Panel::LedState> Panel::ledsIn(const Bytes& output) const
-{
-    report::ReportView view = report::sentReport(report::ReportKind::kOutput, output);
+    report::ReportView view = report::sentReport(ReportKind::kOutput, report);
     Bytes payload(view.payload.begin(), view.payload.end());
-    payload.resize(std::max(payload.size(), report::decode(layout_, view).expectedSize));
+    const auto bits = layout_.reportBits.find(view.key);
+    if (bits == layout_.reportBits.end())
+        return {};
+    payload.resize(std::max<size_t>(payload.size(), (bits->second + 7) / 8));
     view.payload = payload;
-    const report::DecodedReport decoded = report::decode(layout_, view);
+    const std::set<Place> switchedOn = sim::switchedOn(report::decode(layout_, view));
 
-    std::vector<LedState> leds;
-    std::set<uint16_t> inArrays;
-    for (const report::Value& value : decoded.values) {
-        const bool inArray = !value.field->isVariable();
-        // Of values that share a usage, only the first one is the LED.
-        const bool repeatsUsage = !inArray && value.index >= value.field->usageCount();
-        if (value.usage.page != kLedPage || repeatsUsage)
+    std::vector<LampChange> changes;
+    for (size_t i = 0; i < lamps_.size(); ++i) {
+        const Control& control = lampControls_[i];
+        const bool on = switchedOn.contains({control.field, control.index});
+        if (control.field->reportId != view.key.id || !lamps_[i].set(on, now))
             continue;
-        leds.push_back({value.usage.id, inArray || value.value != 0});
-        if (inArray)
-            inArrays.insert(value.usage.id);
+        changes.push_back({control.name, on});
+        const Control* const hook = find("hook");
+        if (hook && control.name == "off-hook" && hookSwitch_ == HookSwitch::kFollowsLamp)
+            set(*hook, on);
     }
-    // An array contains only those that are on.
-    for (const uint16_t usage : lit_) {
-        const auto canHave = [usage](const report::Value& value) {
-            return !value.field->isVariable() && value.index == 0
-                && value.field->indexOf({kLedPage, usage});
-        };
-        if (!inArrays.contains(usage) && std::ranges::any_of(decoded.values, canHave))
-            leds.push_back({usage, false});
-    }
-    return leds;
+    return changes;
 }
 
-const report::Field* Panel::find(Button button) const
+std::vector<std::string> Panel::meaning(ReportKind kind, const Bytes& report)
 {
-    const auto found = std::ranges::find_if(layout_.fields, [button](const report::Field& field) {
-        return field.kind == report::ReportKind::kInput && hasControl(field, usageOf(button));
-    });
-    return found == layout_.fields.end() ? nullptr : &*found;
+    const std::lock_guard lock(mutex_);
+    const report::ReportView view = kind == ReportKind::kInput
+        ? report::wireReport(layout_, kind, report)
+        : report::sentReport(kind, report);
+    std::vector<std::string> changed;
+    for (report::ReportWords::Word& word : words_.describe(view)) {
+        if (word.changed)
+            changed.push_back(std::move(word.text));
+    }
+    return changed;
 }
 
-// Every button released but one, the hook switch in its position.
-Bytes Panel::inputReport(uint8_t reportId, std::optional<Button> pressed) const
+const Control* Panel::find(std::string_view button) const
+{
+    const auto found = std::ranges::find(buttons_, button, &Control::name);
+    return found == buttons_.end() ? nullptr : &*found;
+}
+
+bool Panel::isSwitch(const Control& button) const
+{
+    return button.usage == kHookUsage && hookSwitch_ != HookSwitch::kMomentary;
+}
+
+bool Panel::isPressed(const Control& button) const
+{
+    return pressed_.contains(&button);
+}
+
+Panel::InputReport Panel::set(const Control& button, bool pressed)
+{
+    if (pressed)
+        pressed_.insert(&button);
+    else
+        pressed_.erase(&button);
+    const char* const on = isSwitch(button) ? " off" : " pressed"; // a hook switch is off-hook
+    const char* const off = isSwitch(button) ? " on" : " released";
+    return {button.name + (pressed ? on : off), inputReport(button.field->reportId)};
+}
+
+Bytes Panel::inputReport(uint8_t reportId) const
 {
     ButtonReport report(layout_, reportId);
-    const report::Field* const hook = find(Button::kHook);
-    if (hook && hook->reportId == reportId && hook_ == HookPosition::kOffHook)
-        report.switchOn(*hook, usageOf(Button::kHook));
-    if (pressed)
-        report.switchOn(*find(*pressed), usageOf(*pressed));
+    for (const Control* const button : pressed_) {
+        if (button->field->reportId == reportId)
+            report.switchOn(*button);
+    }
     return report.bytes();
 }
 

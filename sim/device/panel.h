@@ -1,60 +1,107 @@
 // The LEDs and buttons of a simulated device.
 #pragma once
 
-#include "report/layout.h"
-#include "sim/device/wire_bytes.h"
+#include "report/meaning.h"
+#include "sim/device/device_behaviour.h"
+#include "sim/device/device_event.h"
+#include "sim/device/lamp.h"
+#include "sim/device/panel_controls.h"
 
 #include <mutex>
+#include <optional>
 #include <set>
-#include <string>
 
 namespace sim {
 
-enum class Button : uint16_t { kHook = 0x20, kFlash = 0x21, kMute = 0x2f, kBusy = 0x97 }; // usages
 enum class HookPosition { kOnHook, kOffHook };
 
+// The names from usb.ids, empty without that file. The first call reads it, which takes some
+// milliseconds. Any thread.
+const report::UsageNames& systemUsageNames();
+
+// Has the controls that findButtons() and findLamps() find. Each has a name that no other button,
+// or no other LED, has: "hook", "flash", "mute" and "busy" are the telephony buttons, "mute",
+// "off-hook", "ring", "speaker", "hold", "microphone" and "on-line" the telephony LEDs.
+//
 // Any thread may call any of these.
 class Panel {
 public:
-    explicit Panel(const Bytes& reportDescriptor);
+    using Time = Lamp::Time;
+
+    struct ButtonState {
+        std::string name;
+        std::string label; // for people: "Hook Switch"
+        report::Usage usage;
+        bool isSwitch = false; // keeps its position: the hook switch, unless it is momentary
+        bool pressed = false;  // of a switch: off-hook
+    };
+
+    struct LampInfo {
+        std::string name;
+        std::string label;
+        report::Usage usage;
+        LampState state = LampState::kOff;
+    };
 
     struct InputReport {
-        std::string what; // "mute pressed"
-        Bytes report;     // as on the wire
+        std::string cause; // "mute pressed", "hook off"
+        Bytes report;      // as on the wire
     };
+    using InputReports = std::vector<InputReport>;
 
-    // Return the input reports of a press, in order; none if the device has no such button. The
-    // hook switch changes its position ("hook switch off"); the other buttons are pressed and
-    // released. Each report also holds the position of the hook switch if that is in it.
-    std::vector<InputReport> press(Button button);
-    std::vector<InputReport> setHook(HookPosition position);
+    // `names` must outlive the object.
+    explicit Panel(const Bytes& reportDescriptor, HookSwitch hookSwitch = HookSwitch::kFollowsLamp,
+        const report::UsageNames& names = systemUsageNames());
 
-    // An input report with every button released.
-    Bytes idleReport() const;
+    // In the order of the descriptor.
+    [[nodiscard]] std::vector<ButtonState> buttons() const;
+    [[nodiscard]] std::vector<LampInfo> lamps(Time now) const;
+    // No value without a hook switch that keeps its position.
+    [[nodiscard]] std::optional<HookPosition> hook() const;
 
-    // Takes an output report, report id first, and returns which LEDs it changed: "ring LED on,
-    // hold LED off", or "no change". The hook switch follows the off-hook LED, so its position is
-    // right after a call was answered or ended on the host.
-    std::string applyOutput(const Bytes& report);
+    // Return the input reports that the device sends, in order; no value if it has no such button.
+    // Each report also has the other buttons that are down and the position of the hook switch, if
+    // they are in it.
+    //
+    // press() keeps the button down until release(). push() does both. A hook switch that keeps its
+    // position is off-hook when pressed, and push() moves it to the other position. setHook() moves
+    // it to that one; a momentary hook switch is pushed.
+    [[nodiscard]] std::optional<InputReports> press(std::string_view button);
+    [[nodiscard]] std::optional<InputReports> release(std::string_view button);
+    [[nodiscard]] std::optional<InputReports> push(std::string_view button);
+    [[nodiscard]] std::optional<InputReports> setHook(HookPosition position);
+
+    // The input report that has the button, with the present state of all buttons. No value if
+    // there is no such button.
+    [[nodiscard]] std::optional<Bytes> reportOf(std::string_view button) const;
+    // The input report with the hook switch, else the one with the lowest id.
+    [[nodiscard]] Bytes stateReport() const;
+
+    // Takes an output report, report id first, and returns which LEDs it changed, in the order of
+    // the descriptor. Those that are beyond its end are off.
+    std::vector<LampChange> applyOutput(const Bytes& report, Time now);
+
+    // What a report means: "Hook Switch on". Only what changed since the last report of the same
+    // kind and id that was passed; empty if nothing did. Input reports as on the wire, others with
+    // the id first.
+    [[nodiscard]] std::vector<std::string> meaning(report::ReportKind kind, const Bytes& report);
 
 private:
-    struct LedState {
-        uint16_t usage;
-        bool on;
-    };
-
     // The caller holds the lock.
-    std::vector<InputReport> moveHook(HookPosition position);
-    std::vector<LedState> ledsIn(const Bytes& report) const;
-    Bytes inputReport(uint8_t reportId, std::optional<Button> pressed = {}) const;
-
-    // The field with the button; null if there is none.
-    const report::Field* find(Button button) const;
+    [[nodiscard]] const Control* find(std::string_view button) const;
+    [[nodiscard]] bool isSwitch(const Control& button) const;
+    [[nodiscard]] bool isPressed(const Control& button) const;
+    InputReport set(const Control& button, bool pressed);
+    [[nodiscard]] Bytes inputReport(uint8_t reportId) const;
 
     const report::Layout layout_;
+    const HookSwitch hookSwitch_;
+    const std::vector<Control> buttons_; // both belong to the layout
+    const std::vector<Control> lampControls_;
     mutable std::mutex mutex_; // guards the fields below
-    HookPosition hook_ = HookPosition::kOnHook;
-    std::set<uint16_t> lit_; // LED usages
+    report::ReportWords words_;
+    std::set<const Control*> pressed_; // of buttons_
+    std::vector<Lamp> lamps_;          // of lampControls_
 };
 
 } // namespace sim

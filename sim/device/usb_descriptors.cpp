@@ -14,11 +14,7 @@ enum DescriptorType : uint8_t {
     kHid = 0x21
 };
 
-constexpr uint8_t kBootSubclass = 1;
-constexpr uint8_t kMaxControlPacket = 64;
 constexpr uint8_t kInterruptTransfer = 3;
-constexpr uint8_t kIntervalMs = 1;
-constexpr size_t kMaxStringUnits = 126; // the length field is one byte
 
 const std::u16string* stringAt(const UsbDeviceInfo& info, uint8_t index)
 {
@@ -38,28 +34,55 @@ void append(Bytes& bytes, const Bytes& more)
     bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
-Bytes endpointDescriptor(const UsbDeviceInfo& info, uint8_t address)
+// The largest packet of endpoint 0.
+uint8_t maxControlPacket(const UsbDeviceInfo& info)
 {
-    return {7, kEndpoint, address, kInterruptTransfer, lowByte(info.maxPacketSize),
-        highByte(info.maxPacketSize), kIntervalMs};
+    return info.speed == UsbSpeed::kLow ? 8 : 64;
+}
+
+// One millisecond: in milliseconds, or for high speed as the exponent of 125 us * 2^(N - 1).
+uint8_t interval(const UsbDeviceInfo& info)
+{
+    return info.speed == UsbSpeed::kHigh ? 4 : 1;
+}
+
+Bytes endpointDescriptor(const UsbDeviceInfo& info, const InterfaceInfo& interface, uint8_t address)
+{
+    return {7, kEndpoint, address, kInterruptTransfer, lowByte(interface.maxPacketSize),
+        highByte(interface.maxPacketSize), interval(info)};
+}
+
+Bytes interfaceDescriptor(const UsbDeviceInfo& info, const InterfaceInfo& interface)
+{
+    const uint8_t endpoints = !interface.isHid() ? 0 : interface.outEndpoint ? 2 : 1;
+    Bytes bytes = {9, kInterface, interface.number, 0, endpoints, interface.interfaceClass,
+        interface.subclass, interface.protocol, 0};
+    if (endpoints == 0)
+        return bytes;
+    append(bytes, hidDescriptor(interface));
+    append(bytes, endpointDescriptor(info, interface, inAddress(interface)));
+    if (interface.outEndpoint)
+        append(bytes, endpointDescriptor(info, interface, interface.outEndpoint));
+    return bytes;
 }
 
 } // namespace
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info)
 {
-    return {18, kDevice, 0x00, 0x02, 0, 0, 0, kMaxControlPacket, // USB 2.00, class by interface
-        lowByte(info.vendorId), highByte(info.vendorId),         //
-        lowByte(info.productId), highByte(info.productId),       //
-        0x00, 0x01,                                              // release 1.00
+    return {18, kDevice, 0x00, 0x02, 0, 0, 0,
+        maxControlPacket(info),                            // USB 2.00, class by interface
+        lowByte(info.vendorId), highByte(info.vendorId),   //
+        lowByte(info.productId), highByte(info.productId), //
+        lowByte(info.release), highByte(info.release),     //
         stringIndex(info, 1), stringIndex(info, 2), stringIndex(info, 3), 1};
 }
 
-Bytes hidDescriptor(const UsbDeviceInfo& info)
+Bytes hidDescriptor(const InterfaceInfo& interface)
 {
     const std::vector<ClassDescriptor> list
-        = info.classDescriptors.value_or(std::vector{ClassDescriptor{
-            ClassDescriptor::kReport, static_cast<uint16_t>(info.reportDescriptor.size())}});
+        = interface.classDescriptors.value_or(std::vector{ClassDescriptor{
+            ClassDescriptor::kReport, static_cast<uint16_t>(interface.reportDescriptor.size())}});
     Bytes bytes = {lowByte(6 + 3 * list.size()), kHid, 0x11, 0x01, 0, lowByte(list.size())};
     for (const ClassDescriptor& entry : list)
         append(bytes, {entry.type, lowByte(entry.length), highByte(entry.length)});
@@ -68,15 +91,10 @@ Bytes hidDescriptor(const UsbDeviceInfo& info)
 
 Bytes configurationDescriptor(const UsbDeviceInfo& info)
 {
-    Bytes bytes = {9, kConfiguration, 0, 0, 1, 1, 0, 0x80, 50}; // value 1, bus powered, 100 mA
-    const uint8_t endpoints = info.hasOutEndpoint ? 2 : 1;
-    const uint8_t subclass = info.boot ? kBootSubclass : 0;
-    append(bytes,
-        {9, kInterface, info.interfaceNumber, 0, endpoints, info.interfaceClass, subclass, 0, 0});
-    append(bytes, hidDescriptor(info));
-    append(bytes, endpointDescriptor(info, kEndpointIn));
-    if (info.hasOutEndpoint)
-        append(bytes, endpointDescriptor(info, kEndpointOut));
+    // Value 1, bus powered, 100 mA.
+    Bytes bytes = {9, kConfiguration, 0, 0, lowByte(info.interfaces.size()), 1, 0, 0x80, 50};
+    for (const InterfaceInfo& interface : info.interfaces)
+        append(bytes, interfaceDescriptor(info, interface));
     bytes[2] = lowByte(bytes.size());
     bytes[3] = highByte(bytes.size());
     return bytes;
@@ -89,7 +107,7 @@ std::optional<Bytes> stringDescriptor(const UsbDeviceInfo& info, uint8_t index)
     const std::u16string* text = stringAt(info, index);
     if (!text)
         return std::nullopt;
-    const std::u16string sent = text->substr(0, kMaxStringUnits);
+    const std::u16string sent = text->substr(0, UsbDeviceInfo::kMaxStringUnits);
     Bytes bytes = {lowByte(2 + 2 * sent.size()), kString};
     for (const char16_t unit : sent)
         append(bytes, {lowByte(unit), highByte(unit)});

@@ -9,10 +9,17 @@ namespace sim {
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info);
 
-// The configuration descriptor, followed by its interface, HID and endpoint descriptors.
+// The address of the IN endpoint.
+constexpr uint8_t inAddress(const InterfaceInfo& interface)
+{
+    return static_cast<uint8_t>(0x80 | interface.inEndpoint);
+}
+
+// The configuration descriptor, followed by the interface, HID and endpoint descriptors of each
+// interface.
 Bytes configurationDescriptor(const UsbDeviceInfo& info);
 
-Bytes hidDescriptor(const UsbDeviceInfo& info);
+Bytes hidDescriptor(const InterfaceInfo& interface);
 
 // String descriptor `index`; 0 is the list of languages. No value if the device does not have it.
 [[nodiscard]] std::optional<Bytes> stringDescriptor(const UsbDeviceInfo& info, uint8_t index);

@@ -39,7 +39,7 @@ TEST_F(Devices, EachHasALineWithItsStringsThatSelectsItsId)
         info.productId = id;
         plug(info);
     }
-    info.interfaceClass = 0xff; // not HID
+    info.controls().interfaceClass = 0xff; // not HID
     plug(info);
     DeviceManager manager;
     plug("led-per-report"); // too late

@@ -306,7 +306,7 @@ TEST_F(Check, NamesAPressCommandThatFails)
 TEST_F(Check, TakesPressesFromARecording)
 {
     const test::TempDirectory directory;
-    const Bytes descriptor = sim::findProfile("speakerphone")->info.reportDescriptor;
+    const Bytes descriptor = sim::findProfile("speakerphone")->info.controls().reportDescriptor;
     // Hook, line busy, mute twice, flash and line busy during a call, hook.
     const Reports right{{3, 1, 0}, {3, 0, 0}, {3, 2, 0}, {3, 0, 0}, {3, 9, 0}, {3, 1, 0}, {3, 9, 0},
         {3, 1, 0}, {3, 17, 0}, {3, 1, 0}, {3, 3, 0}, {3, 1, 0}, {3, 0, 0}, {3, 1, 0}};

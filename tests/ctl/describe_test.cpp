@@ -156,7 +156,7 @@ TEST_F(Describe, ExplainsDevices)
 TEST_F(Describe, UsesTheBuiltInDescriptorAsTheStackDoes)
 {
     sim::UsbDeviceInfo info = sim::findProfile("built-in")->info;
-    info.reportDescriptor = test::bytesFromHex("050b 0905 a101 7501 9508 0920 8102 c0");
+    info.controls().reportDescriptor = test::bytesFromHex("050b 0905 a101 7501 9508 0920 8102 c0");
     plug(info);
     const Json::Value value = json("");
     EXPECT_EQ(value["controls"]["hookSwitch"]["report"], "030100");

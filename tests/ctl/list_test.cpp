@@ -51,7 +51,7 @@ protected:
     sim::UsbDevice& plugKeyboard()
     {
         sim::UsbDeviceInfo info = sim::findProfile("no-telephony")->info;
-        info.boot = true;
+        info.controls().subclass = sim::InterfaceInfo::kBoot;
         return plug(info);
     }
 };
@@ -155,7 +155,7 @@ TEST_F(List, NumbersPathsAndNamesAreThoseOfHidapi)
 {
     plug();
     sim::UsbDeviceInfo info = sim::findProfile("webcam")->info;
-    info.interfaceNumber = 3;
+    info.controls().number = 3;
     info.serialNumber = u"";
     plug(info);
     plug();

@@ -285,7 +285,7 @@ TEST_F(Meeting, WritesJsonAndARecording)
     const auto result = report::readRecordingFile(recording);
     ASSERT_TRUE(std::holds_alternative<report::Recording>(result));
     const auto& content = std::get<report::Recording>(result);
-    EXPECT_EQ(content.devices.at(0).descriptor, usb.info().reportDescriptor);
+    EXPECT_EQ(content.devices.at(0).descriptor, usb.info().controls().reportDescriptor);
     EXPECT_TRUE(std::any_of(content.reports.begin(), content.reports.end(), [](const auto& report) {
         return report.direction == report::RecordedReport::Direction::kInput
             && report.bytes == Bytes{3, 2, 0};

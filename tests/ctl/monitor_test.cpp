@@ -84,7 +84,7 @@ TEST_F(Monitor, EndsWhenTheDeviceHasGone)
 
     const auto result = report::readRecordingFile(file);
     const auto& recording = std::get<report::Recording>(result);
-    EXPECT_EQ(recording.devices.at(0).descriptor, device.info().reportDescriptor);
+    EXPECT_EQ(recording.devices.at(0).descriptor, device.info().controls().reportDescriptor);
     ASSERT_EQ(recording.reports.size(), 1u);
     EXPECT_EQ(recording.reports[0].bytes, kOffHook);
 }

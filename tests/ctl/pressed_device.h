@@ -1,7 +1,6 @@
 // A simulated device whose buttons a test, or a press command of kelprobectl, presses.
 #pragma once
 
-#include "sim/device/panel.h"
 #include "tests/support/bus_test.h"
 #include "tests/support/temp_directory.h"
 
@@ -21,11 +20,9 @@ public:
 
     explicit PressedDevice(sim::UsbDevice& device, Wrong wrong = {})
         : device_(device)
-        , panel_(device.info().reportDescriptor)
         , wrong_(std::move(wrong))
         , pipe_(directory_.path() + "pipe")
     {
-        react([](const sim::Bytes&) {});
         mkfifo(pipe_.c_str(), 0600);
         end_ = open(pipe_.c_str(), O_RDWR | O_CLOEXEC);
         reader_ = std::thread([this] { readWords(); });
@@ -56,12 +53,8 @@ public:
             return device_.unplug();
         if (word == "replug")
             return device_.plug();
-        const auto button = word == "hook" ? sim::Button::kHook
-            : word == "mute"               ? sim::Button::kMute
-            : word == "flash"              ? sim::Button::kFlash
-                                           : sim::Button::kBusy;
         Reports reports;
-        for (const auto& input : panel_.press(button))
+        for (const auto& input : device_.panel().push(word).value_or(sim::Panel::InputReports{}))
             reports.push_back(input.report);
         if (wrong_)
             reports = wrong_(word, reports);
@@ -72,10 +65,7 @@ public:
     // From now on calls the function with each output report.
     void react(std::function<void(const sim::Bytes&)> reaction)
     {
-        device_.setOutputCallback([this, reaction = std::move(reaction)](const sim::Bytes& report) {
-            (void)panel_.applyOutput(report);
-            reaction(report);
-        });
+        device_.setOutputCallback(std::move(reaction));
     }
 
     // Sends an input report after a delay. Any thread, also in a reaction.
@@ -93,7 +83,7 @@ public:
     }
 
     // A report with every button released and the hook switch where it is.
-    sim::Bytes position() const { return panel_.idleReport(); }
+    sim::Bytes position() const { return device_.panel().stateReport(); }
 
 private:
     void readWords()
@@ -111,7 +101,6 @@ private:
     }
 
     sim::UsbDevice& device_;
-    sim::Panel panel_;
     const Wrong wrong_;
     const test::TempDirectory directory_;
     const std::string pipe_;

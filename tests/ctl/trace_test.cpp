@@ -282,8 +282,8 @@ TEST_F(Trace, RecordsTheReportsOfAllDevices)
     const auto result = report::readRecordingFile(file);
     const auto& recording = std::get<report::Recording>(result);
     ASSERT_EQ(recording.devices.size(), 1u) << "opened twice, but one device";
-    EXPECT_EQ(
-        recording.devices[0].descriptor, sim::findProfile("speakerphone")->info.reportDescriptor);
+    EXPECT_EQ(recording.devices[0].descriptor,
+        sim::findProfile("speakerphone")->info.controls().reportDescriptor);
     EXPECT_EQ(recording.devices[0].vendorId, 0x1209);
     ASSERT_EQ(recording.reports.size(), 3u);
     EXPECT_EQ(recording.reports[0].failure, "the device refused it");

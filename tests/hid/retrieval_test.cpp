@@ -24,12 +24,13 @@ TEST_F(Retrieval, ReadsTheAnnouncedLengthFromTheInterfaceThatEitherFormOfItsPath
 {
     auto& first = plug("speakerphone");
     sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
-    info.interfaceNumber = 3;
+    sim::InterfaceInfo& interface = info.controls();
+    interface.number = 3;
     using Class = sim::ClassDescriptor;
-    info.classDescriptors = {{Class::kPhysical, 7}, {Class::kReport, 2}, {Class::kReport, 9}};
+    interface.classDescriptors = {{Class::kPhysical, 7}, {Class::kReport, 2}, {Class::kReport, 9}};
     plug(info);
-    const Retrieved second({info.reportDescriptor[0], info.reportDescriptor[1]}, "");
-    EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved(first.info().reportDescriptor, ""));
+    const Retrieved second({interface.reportDescriptor[0], interface.reportDescriptor[1]}, "");
+    EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved(first.info().controls().reportDescriptor, ""));
     EXPECT_EQ(Retrieve("1-2:1.3"), second);
     EXPECT_EQ(Retrieve("0001:0003:03"), second);
     for (const char* other : {"1-3:1.0", "1-1:1.1", "1-1:2.0", "0001:0009:00", "", "1-1"})
@@ -62,7 +63,7 @@ TEST_F(Retrieval, ClaimsTheInterfaceAndTriesFourTimesKeepingTheLongestAnswer)
             device.faults().stallReportDescriptor.arm(*next == stall ? 1 : 0);
             device.faults().shortLength = static_cast<size_t>(*next++);
         };
-        Bytes expected = device.info().reportDescriptor;
+        Bytes expected = device.info().controls().reportDescriptor;
         std::fill(expected.begin() + kept, expected.end(), uint8_t{0});
         EXPECT_EQ(Retrieve("1-1:1.0"), Retrieved(expected, printed));
         EXPECT_EQ(next, answers.end());

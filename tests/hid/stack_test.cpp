@@ -95,7 +95,7 @@ TEST_F(Stack, DrivesEachKindOfDeviceFromOpenToClose)
 TEST_F(Stack, ClosesTheDeviceWhenItHasNoDescriptorOrNoThreadStarts)
 {
     sim::UsbDeviceInfo info = sim::findProfile("led-per-report")->info;
-    info.classDescriptors.emplace();
+    info.controls().classDescriptors.emplace();
     auto& device = record(plug(info));
     const int exits = calls::hidExits;
     EXPECT_EQ(open(device), 0);

@@ -2,8 +2,8 @@
 #include "hid/model/ReportTemplate.h"
 #include "hid/model/Root.h"
 #include "hid/model/TelephonyStateMachine.h"
-#include "sim/device/profiles.h"
 #include "sim/device/wire_bytes.h"
+#include "sim/profile/profiles.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ using Machine = KX::TelephonyStateMachine;
 Controls ControlsOf(const char* profile)
 {
     KX::Root root;
-    root.Parse(sim::findProfile(profile)->info.reportDescriptor);
+    root.Parse(sim::findProfile(profile)->info.controls().reportDescriptor);
     return Controls::FromDescriptor(root);
 }
 

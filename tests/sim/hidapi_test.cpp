@@ -18,7 +18,8 @@ TEST_F(HidapiOnBus, ReadsAndWritesWithEveryProfileAtOnce)
     for (const sim::Profile& profile : sim::profiles()) {
         sim::UsbDevice& device = plug(profile.name);
         EXPECT_FALSE(device.inject({3})) << "the kernel's driver has it";
-        const uint8_t id = profile.name == "no-report-ids" ? 0 : 3;
+        const auto& descriptor = device.info().controls().reportDescriptor;
+        const uint8_t id = report::readLayout(descriptor).usesReportIds ? 3 : 0;
         all.emplace_back(device, openHid(device), Bytes{id, uint8_t(all.size())});
         for (uint8_t i = 0; i < kReports; ++i)
             ASSERT_TRUE(device.inject({i, uint8_t(all.size())}));

@@ -118,7 +118,7 @@ TEST_F(KelprobeSim, SaysWhyItCannotSimulateDevices)
         EXPECT_EQ(exitStatus(), 1);
     };
     expectError("env KELPROBE_PROFILES=/proc kelprobe-sim list",
-        "kelprobe-sim: /proc/speakerphone.hex: No such file or directory");
+        "kelprobe-sim: /proc: expected profiles, files *.json");
     expectError("env TMPDIR=/dev/null kelprobe-sim run -- true",
         "kelprobe-sim: cannot write in TMPDIR: /dev/null");
     const std::string inNamespace = "unshare --map-root-user --mount ";

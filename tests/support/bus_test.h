@@ -7,7 +7,7 @@
 #pragma once
 
 #include "sim/bus/usb_device.h"
-#include "sim/device/profiles.h"
+#include "sim/profile/profiles.h"
 #include "tests/support/story.h"
 
 #include <gtest/gtest.h>

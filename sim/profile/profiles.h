@@ -1,0 +1,45 @@
+// The devices that can be simulated: built-in profiles and files.
+#pragma once
+
+#include "report/format/descriptor_source.h"
+#include "sim/profile/profile.h"
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace sim {
+
+// Where the built-in profiles are: the directory that the environment variable KELPROBE_PROFILES
+// names, else the installed one ("../share/kelprobe/profiles" from the directory of the running
+// program) if there is one, else the one in the source tree.
+std::filesystem::path profileDirectory();
+
+// All built-in profiles: "speakerphone", which is the default, then the others by name. The first
+// call reads the files, and throws ProfileError if one of them cannot be read.
+std::span<const Profile> profiles();
+
+// Null if there is no built-in profile of that name. Throws as profiles() does.
+[[nodiscard]] const Profile* findProfile(std::string_view name);
+
+// What to use instead of what a file has. For a descriptor without ids or name, what it lacks. A
+// descriptor file has neither: its ids are 1209:0001, which are for tests, and its name is that of
+// the file.
+struct ProfileOptions {
+    std::optional<report::DeviceIds> ids = {};
+    std::optional<std::string> product = {}; // UTF-8
+    // Of the interface whose controls count. Another interface with the number gets its old one.
+    std::optional<uint8_t> interfaceNumber = {};
+    bool noOutEndpoint = false; // that interface has none
+};
+
+// The devices of a built-in profile or, if none has that name, of a file: a profile, or any file
+// that report::readDescriptors() reads. A built-in profile and a file that is a profile give one
+// device. In other files, descriptors of several interfaces of one device become one device:
+// those of usbhid-dump with the same bus and device, and those of a recording with the same ids and
+// physical path but for the interface. Blocks while files are read. Throws ProfileError.
+[[nodiscard]] std::vector<Profile> loadProfiles(
+    const std::string& nameOrFile, const ProfileOptions& options = {});
+
+} // namespace sim
