@@ -50,6 +50,7 @@ void PtyNode::setOpenable(bool openable)
 void PtyNode::hangUp()
 {
     master_.reset();
+    slave_.reset();
 }
 
 } // namespace sim

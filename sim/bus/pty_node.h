@@ -21,6 +21,7 @@ public:
     // Whether this user may open the node; at first, yes. If not, opening fails with EACCES, even
     // for root if the client has our preload library. Clients that have the node open keep it open.
     void setOpenable(bool openable);
+    // The last call: the others must not follow.
     void hangUp();
 
 private:

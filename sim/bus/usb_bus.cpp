@@ -8,6 +8,7 @@
 #include <umockdev.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -137,12 +138,13 @@ UsbBus::~UsbBus()
     g_object_unref(testbed_);
 }
 
-// The socket is made before the node, and stays when the device is unplugged: if a node had no
-// socket, all of a client's ioctls would fail with ENOTTY.
+// The socket is made before the node, and stays for some time when the device is unplugged: if a
+// node had no socket, all ioctls of a client that is just opening it would fail with ENOTTY.
 UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs)
 {
     requireRoom(root_);
-    const int address = ++lastAddress_;
+    removeOldSockets();
+    const int address = takeAddress();
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
     serveIoctls(testbed_, place.node, usbfs);
     const fs::path sysfs = root_ + "/sys" + place.sysfsPath;
@@ -164,12 +166,41 @@ void UsbBus::makeNode(const std::string& node, const Usbfs& usbfs) const
     fs::create_symlink(usbfs.nodePath(), path);
 }
 
+// As in USB, at most 127. libusb takes no more than 255.
+int UsbBus::takeAddress()
+{
+    constexpr int kFirst = 2; // 1 is the root hub
+    constexpr int kLast = 127;
+    const auto isUsed = [this](int address) {
+        const std::string node = nodeFor(address);
+        return fs::is_symlink(root_ + node)
+            || std::ranges::find(removedNodes_, node) != removedNodes_.end();
+    };
+    for (int tries = kFirst; tries <= kLast; ++tries) {
+        lastAddress_ = lastAddress_ < kLast ? lastAddress_ + 1 : kFirst;
+        if (!isUsed(lastAddress_))
+            return lastAddress_;
+    }
+    throw std::runtime_error("the USB bus has no room for another device");
+}
+
+// A client connects to the socket within open(), so a few later nodes are time enough.
+void UsbBus::removeOldSockets()
+{
+    constexpr size_t kKept = 4;
+    while (removedNodes_.size() > kKept) {
+        umockdev_testbed_detach_ioctl(testbed_, removedNodes_.front().c_str(), nullptr);
+        removedNodes_.pop_front();
+    }
+}
+
 // Removes the node first, so that it cannot be opened any more. The sysfs directory is removed by
 // hand, because umockdev_testbed_remove_device() of version 0.19 also tries to announce it and
 // reports an error in a process that is not preloaded.
 void UsbBus::unplug(const Place& place, Usbfs& usbfs)
 {
     fs::remove(root_ + place.node);
+    removedNodes_.push_back(place.node);
     usbfs.disconnect();
     fs::remove(root_ + "/sys/bus/usb/devices/" + fs::path(place.sysfsPath).filename().native());
     fs::remove_all(root_ + "/sys" + place.sysfsPath);

@@ -5,6 +5,7 @@
 
 #include <umockdev.h>
 
+#include <deque>
 #include <string>
 
 namespace sim {
@@ -33,7 +34,7 @@ public:
         std::string node;      // "/dev/bus/usb/001/NNN"
     };
 
-    // Adds a device, each time with a new address. Throws std::runtime_error.
+    // Adds a device, with an address that no device had for some time. Throws std::runtime_error.
     Place plug(int port, const UsbDeviceInfo& info, const std::shared_ptr<Usbfs>& usbfs);
 
     // Fails the device's transfers, then removes it.
@@ -41,11 +42,14 @@ public:
 
 private:
     void makeNode(const std::string& node, const Usbfs& usbfs) const;
+    void removeOldSockets();
+    int takeAddress();
 
     UMockdevTestbed* testbed_;
     std::string root_;
     int lastPort_ = 0;
-    int lastAddress_ = 1; // address of the root hub, which is not emulated
+    int lastAddress_ = 1;                  // address of the root hub, which is not emulated
+    std::deque<std::string> removedNodes_; // that still have a socket, oldest first
 };
 
 } // namespace sim

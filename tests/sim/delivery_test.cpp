@@ -1,0 +1,153 @@
+// What a program receives of very many reports, and what is left after very many plug cycles.
+#include "tests/sim/hid_handle.h"
+#include "tests/support/bus_test.h"
+
+#include <libusb.h>
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+using sim::Bytes;
+using sim::UrbQueue;
+
+class Delivery : public BusTest {
+protected:
+    void SetUp() override
+    {
+        BusTest::SetUp();
+        ASSERT_EQ(libusb_init(&context_), 0);
+    }
+    void TearDown() override
+    {
+        if (handle_)
+            libusb_close(handle_);
+        libusb_exit(context_);
+        BusTest::TearDown();
+    }
+
+    // As a program does that keeps no reports of its own.
+    void claim()
+    {
+        handle_ = libusb_open_device_with_vid_pid(context_, 0x1209, 1);
+        ASSERT_TRUE(handle_);
+        ASSERT_EQ(libusb_detach_kernel_driver(handle_, 0), 0);
+        ASSERT_EQ(libusb_claim_interface(handle_, 0), 0);
+    }
+
+    // The next report; empty if none comes.
+    Bytes read()
+    {
+        constexpr int kLimitMs = 10'000;
+        Bytes report(64);
+        int size = 0;
+        const int result = libusb_interrupt_transfer(
+            handle_, 0x81, report.data(), static_cast<int>(report.size()), &size, kLimitMs);
+        report.resize(result == 0 ? static_cast<size_t>(size) : 0);
+        return report;
+    }
+
+    libusb_context* context_ = nullptr;
+    libusb_device_handle* handle_ = nullptr;
+};
+
+Bytes numbered(size_t number)
+{
+    return {3, sim::lowByte(number), sim::highByte(number)};
+}
+
+TEST_F(Delivery, KeepsTheOrderOf8000ReportsASecond)
+{
+    constexpr size_t kReports = 4000;
+    sim::UsbDevice& device = plug();
+    claim();
+    std::thread sender([&] {
+        const auto begin = std::chrono::steady_clock::now();
+        for (size_t i = 0; i < kReports; ++i) {
+            EXPECT_TRUE(device.inject(numbered(i)));
+            std::this_thread::sleep_until(begin + (i + 1) * std::chrono::microseconds(125));
+        }
+    });
+    for (size_t i = 0; i < kReports; ++i)
+        ASSERT_EQ(read(), numbered(i)) << i;
+    sender.join();
+    EXPECT_TRUE(device.waitUntilRead());
+}
+
+TEST_F(Delivery, KeepsAsMuchUnreadInputAsFitsAndSaysThatTheRestIsLost)
+{
+    sim::UsbDevice& device = plug();
+    std::vector<sim::Delivery> deliveries;
+    device.setEventCallback([&](const sim::DeviceEvent& event) {
+        if (event.kind == sim::DeviceEvent::Kind::kInput)
+            deliveries.push_back(event.delivery);
+    });
+    EXPECT_FALSE(device.inject({3})) << "the kernel's driver has the interface";
+    claim();
+    for (size_t i = 0; i < UrbQueue::kMaxInput; ++i)
+        ASSERT_TRUE(device.inject(numbered(i)));
+    EXPECT_FALSE(device.inject({3}));
+    EXPECT_EQ(read(), numbered(0));
+    EXPECT_TRUE(device.inject({3})) << "there is room again";
+    EXPECT_EQ(deliveries.front(), sim::Delivery::kNoListener);
+    EXPECT_EQ(std::ranges::count(deliveries, sim::Delivery::kQueueFull), 1);
+
+    device.unplug();
+    libusb_close(std::exchange(handle_, nullptr));
+    device.plug();
+    claim();
+    const Bytes large(UrbQueue::kMaxInputBytes / 4, 3);
+    for (const bool fits : {true, true, true, true, false})
+        EXPECT_EQ(device.inject(large), fits);
+    EXPECT_EQ(read().size(), 64U) << "the rest comes in the next transfers";
+}
+
+size_t entries(const char* directory)
+{
+    const auto list = std::filesystem::recursive_directory_iterator(directory);
+    return static_cast<size_t>(std::distance(begin(list), end(list)));
+}
+
+// Open files, threads (each has the same number of entries), files of the bus.
+std::array<size_t, 3> resources()
+{
+    return {entries("/proc/self/fd"), entries("/proc/self/task"), entries(getenv("UMOCKDEV_DIR"))};
+}
+
+TEST_F(Delivery, LeavesNothingOfPlugCyclesUnderTraffic)
+{
+    sim::UsbDevice& device = plug();
+    const auto cycle = [&] {
+        claim();
+        std::thread sender([&] {
+            for (size_t i = 0; device.inject(numbered(i)); ++i)
+                std::this_thread::yield();
+        });
+        EXPECT_EQ(read(), numbered(0));
+        device.unplug();
+        sender.join();
+        libusb_close(std::exchange(handle_, nullptr));
+        device.plug();
+    };
+    for (int i = 0; i < 10; ++i) // until there are as many sockets of removed nodes as are kept
+        cycle();
+    const auto before = resources();
+    const size_t memory = mallinfo2().uordblks;
+    for (int i = 0; i < 100; ++i)
+        cycle();
+    EXPECT_LT(mallinfo2().uordblks, memory + 100'000);
+    for (int i = 0; i < 200; ++i) { // more than there are addresses on a bus
+        device.unplug();
+        device.plug();
+    }
+    EXPECT_TRUE(eventually([&] { return resources() == before; }));
+    claim();
+}
+
+} // namespace
