@@ -22,10 +22,12 @@ public:
     {
     }
 
-    // Goes on up to the position, or only until there are more than `maxDepth` levels.
+    // Goes on up to the position, or only until there are more than `maxDepth` levels or a comment
+    // begins.
     void goTo(size_t position, size_t maxDepth)
     {
-        while (at_ < std::min(position, text_.size()) && levels_.size() <= maxDepth)
+        while (at_ < std::min(position, text_.size()) && levels_.size() <= maxDepth
+            && text_[at_] != '/')
             take(text_[at_++]);
     }
 
@@ -112,13 +114,16 @@ std::string place(std::string_view text, size_t position, const std::string& fil
     throw ProfileError({place(text, position, file) + what});
 }
 
-void requireDepth(std::string_view text, const std::string& file)
+// JsonCpp throws an exception without a place for deep nesting, and takes comments in objects.
+void requireLimits(std::string_view text, const std::string& file)
 {
     Nesting nesting(text);
     nesting.goTo(text.size(), kMaxJsonDepth);
     if (nesting.depth() > kMaxJsonDepth)
         fail(text, nesting.position() - 1, file,
             "expected at most " + std::to_string(kMaxJsonDepth) + " levels, found more");
+    if (nesting.position() < text.size())
+        fail(text, nesting.position(), file, "expected JSON, which has no comments, found '/'");
 }
 
 // JsonCpp's errors are "* Line 1, Column 5\n  Duplicate key: 'x'\n...".
@@ -153,7 +158,7 @@ Json::Value parseJson(std::string_view text, const std::string& file)
 {
     if (const size_t valid = validLength(text); valid != text.size())
         fail(text, valid, file, "expected UTF-8");
-    requireDepth(text, file);
+    requireLimits(text, file);
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());

@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace {
 
 using sim::Bytes;
-using Seconds = std::chrono::duration<double>;
 
 std::string text(const std::optional<sim::Panel::InputReports>& reports)
 {
@@ -103,12 +103,113 @@ TEST(Panel, FindsControlsHoweverTheyAreGiven)
     }
 }
 
+// usb.ids with a few names.
+const report::UsageNames kNames = report::UsageNames::parse(
+    "HUT 0c  Consumer\n\t0e2  Mute\n\t0e9  Volume Increment\n\t0ea  +10 / -10 (dB)\n"
+    "HUT 09  Button\nHUT 08  LED\n\t001  Num Lock\nHUT 0b  Telephony\n\t0b0  Phone Key 0\n");
+
+TEST(Panel, NamesEveryButtonAndLedOnce)
+{
+    for (const auto& [items, buttons, lamps] : {
+             // Consumer keys, one with the name of a telephony button, before those; a value that
+             // is not on or off; padding; another page; two LEDs.
+             std::tuple{"050c 09e2 09e9 09ea 9503 8102 950d 8101 09e0 2564 7508 9501 8102 2501 7501"
+                        "050b 0920 092f 0931 9503 8102 0509 0902 9501 8102 0507 09e1 8102"
+                        "0508 0918 0901 9502 9102 0918 0955 9102",
+                 "mute-2 volume-increment 10-10-db hook mute 000b0031 button-2 ",
+                 "ring num-lock ring-2 00080055 "},
+             // A number after a name that another control has already.
+             {"050c 09e9 09e9 09e9 9503 8102",
+                 "volume-increment volume-increment-2 volume-increment-3 ", ""},
+             // Of an array's range only usages with names, and not the one that stands for none.
+             {"750895 02 26ff00 050c190029ff8100 050b09000901 8100",
+                 "mute volume-increment 10-10-db 000b0001 ", ""},
+         }) {
+        std::string hex = std::string("050ba101 15002501 7501 9501 ") + items;
+        std::erase(hex, ' ');
+        sim::Panel panel(sim::fromHex(hex).value(), sim::HookSwitch::kFollowsLamp, kNames);
+        std::string found;
+        for (const auto& button : panel.buttons())
+            found += button.name + ' ';
+        EXPECT_EQ(found, buttons) << items;
+        found.clear();
+        for (const auto& lamp : panel.lamps({}))
+            found += lamp.name + ' ';
+        EXPECT_EQ(found, lamps) << items;
+    }
+}
+
+TEST(Panel, KeepsButtonsDownUntilTheyAreReleased)
+{
+    sim::Panel panel(sim::findProfile("speakerphone")->info.controls().reportDescriptor);
+    EXPECT_EQ(perform(panel, "+mute +busy mute +hook -busy -hook -none"),
+        "mute pressed 03 08 00; busy pressed 03 0a 00; mute pressed 03 0a 00; "
+        "mute released 03 02 00; hook off 03 03 00; busy released 03 01 00; hook on 03 00 00; ");
+    EXPECT_FALSE(panel.press("none"));
+    const auto pressed = [&](const char* name) {
+        const auto buttons = panel.buttons();
+        return std::ranges::find(buttons, name, &sim::Panel::ButtonState::name)->pressed;
+    };
+    EXPECT_EQ(perform(panel, "+flash"), "flash pressed 03 10 00; ");
+    EXPECT_TRUE(pressed("flash") && !pressed("hook"));
+    EXPECT_EQ(panel.hook(), sim::HookPosition::kOnHook);
+    EXPECT_EQ(perform(panel, "030100"), "off-hook on; ");
+    EXPECT_TRUE(pressed("hook"));
+    EXPECT_EQ(panel.hook(), sim::HookPosition::kOffHook);
+}
+
+TEST(Panel, ALampBlinksWhileItIsSwitchedOften)
+{
+    using sim::LampState;
+    using std::chrono::milliseconds;
+    sim::Panel panel(sim::findProfile("speakerphone")->info.controls().reportDescriptor);
+    const auto ring = [&](int at) {
+        const auto lamps = panel.lamps(sim::Lamp::Time(milliseconds(at)));
+        return std::ranges::find(lamps, "ring", &sim::Panel::LampInfo::name)->state;
+    };
+    bool on = false;
+    const auto toggle = [&](int at) {
+        on = !on;
+        const sim::Lamp::Time time{milliseconds(at)};
+        EXPECT_EQ(panel.applyOutput({3, uint8_t(on ? 8 : 0), 0}, time).size(), 1U);
+        EXPECT_EQ(panel.applyOutput({3, uint8_t(on ? 8 : 0), 0}, time).size(), 0U);
+    };
+    toggle(10'000);
+    toggle(11'500);
+    EXPECT_EQ(ring(11'500), LampState::kOff);
+    toggle(13'000);
+    EXPECT_EQ(ring(13'000), LampState::kBlink);
+    EXPECT_EQ(ring(14'500), LampState::kBlink);
+    EXPECT_EQ(ring(14'501), LampState::kOn) << "the last change was too long ago";
+    toggle(14'501);
+    toggle(14'600);
+    EXPECT_EQ(ring(14'600), LampState::kOn) << "only two changes without a long gap";
+    toggle(14'700);
+    EXPECT_EQ(ring(14'700), LampState::kBlink);
+}
+
+TEST(Panel, SaysWhatAReportChanges)
+{
+    sim::Panel panel(sim::findProfile("led-per-report")->info.controls().reportDescriptor);
+    using Words = std::vector<std::string>;
+    using report::ReportKind;
+    for (const auto& [kind, report, words] : {
+             std::tuple{ReportKind::kInput, Bytes{8, 2}, Words{"Hook Switch on"}},
+             {ReportKind::kInput, Bytes{8, 2}, {}},
+             {ReportKind::kOutput, Bytes{0x18, 1}, {"Ring on"}},
+             {ReportKind::kOutput, Bytes{9, 1}, {"Mute on"}},
+             {ReportKind::kInput, Bytes{8, 1}, {"Phone Mute on", "Hook Switch off"}},
+             {ReportKind::kInput, Bytes{7}, {"unknown input report 7"}},
+         })
+        EXPECT_EQ(panel.meaning(kind, report), words) << sim::toHex(report);
+}
+
 TEST(Panel, SurvivesABrokenDescriptor)
 {
     // One-bit telephony inputs without end, of every usage there is; then half an item.
-    sim::Panel panel(
-        sim::fromHex("070b00000075 0197ffffffff1b00000000 2bffffffff 8102 8102 07").value());
+    sim::Panel panel(sim::fromHex("070b00000075 0197ffffffff1a0000 2affff 8102 8102 07").value());
     EXPECT_EQ(panel.stateReport().size(), 65534U);
+    EXPECT_EQ(panel.buttons().size(), sim::kMaxControls);
     EXPECT_EQ(text(panel.applyOutput({}, {})), "no change; ");
     EXPECT_EQ(sim::Panel({}).stateReport(), Bytes{0});
 }

@@ -1,4 +1,5 @@
 #include "hid/model/BuiltInDescriptor.h"
+#include "sim/profile/profile_text.h"
 #include "sim/profile/profiles.h"
 #include "tests/support/device_file.h"
 #include "tests/support/temp_directory.h"
@@ -8,6 +9,8 @@
 #include <set>
 
 namespace {
+
+using sim::Bytes;
 
 TEST(Profiles, DifferInTheirIdsAndBuiltInHasTheDescriptorThatKelprobeHas)
 {
@@ -31,6 +34,88 @@ TEST(Profiles, EveryDescriptorFileHasAnOriginAndALicence)
                 !file.ends_with(".hex") || origins.find("| `" + file + "` |") != origins.npos)
                 << directory << file;
     }
+}
+
+// The devices of a file: ids, product, and each interface's number and endpoints.
+std::string devicesIn(const std::string& file, const sim::ProfileOptions& options = {})
+{
+    std::string text;
+    for (const sim::Profile& profile : sim::loadProfiles(file, options)) {
+        const sim::UsbDeviceInfo& info = profile.info;
+        text += sim::toHex(Bytes{sim::highByte(info.vendorId), sim::lowByte(info.vendorId),
+                               sim::highByte(info.productId), sim::lowByte(info.productId)},
+                    "")
+            + " " + std::string(info.product.begin(), info.product.end());
+        for (const sim::InterfaceInfo& interface : info.interfaces)
+            text += " " + std::to_string(interface.number) + ":"
+                + std::to_string(interface.inEndpoint) + "/"
+                + std::to_string(interface.outEndpoint);
+        text += "; ";
+    }
+    return text;
+}
+
+TEST(Profiles, AreMadeOfAnyFileWithADescriptor)
+{
+    const test::TempDirectory directory;
+    const std::string telephony = "05 0b 09 05 a1 01 75 08 95 01 09 20 81 02 c0";
+    const std::string line = "R: 15 " + telephony + "\n";
+    const struct {
+        const char *name, *content, *devices;
+    } cases[] = {
+        {"a-b.hex", telephony.c_str(), "12090001 a-b 0:1/1; "},
+        {"sysfs.bin", "\x05\x0b\x09\x05\xa1\x01\xc0", "12090001 sysfs 0:1/1; "},
+        {"one.c", "static const unsigned char phone[] = {0x05, 0x0b};", "12090001 one 0:1/1; "},
+        {"dump.txt",
+            "001:005:003:DESCRIPTOR 1.2\n 05 0b\n\n001:005:000:DESCRIPTOR 1.3\n 05 0c\n\n"
+            "001:006:000:DESCRIPTOR 1.3\n 05 0c\n",
+            "12090001 dump 3:1/1 0:2/2; 12090001 dump 0:1/1; "},
+        {"recording.hid", nullptr,
+            "0b0e0410 Phone, new 3:1/1 0:2/2; 0b0e0411 Other 31:1/1; 12090001 Third 0:1/1; "},
+    };
+    const std::string recording = "D: 0\n" + line
+        + "N: Phone, new\nP: usb-1/input3\nI: 3 0b0e 0410\n" + "D: 1\n" + line
+        + "N: Phone, new\nP: usb-1/input0\nI: 3 0b0e 0410\n" + "D: 2\n" + line
+        + "N: Other\nP: 1-2:1.31\nI: 3 0b0e 0411\nD: 3\n" + line
+        + "N: Third\nP: 1-2:1.32\nE: 000000.000000 1 00\n";
+    for (const auto& [name, content, devices] : cases) {
+        const std::string file = directory.file(
+            name, content ? std::string_view(content) : std::string_view(recording));
+        EXPECT_EQ(devicesIn(file), devices);
+    }
+    const std::string profile
+        = directory.file("p.json", sim::writeProfile(*sim::findProfile("webcam")));
+    EXPECT_EQ(devicesIn(profile), "12090003 Simulated webcam 0:1/1; ");
+    EXPECT_EQ(devicesIn("webcam"), "12090003 Simulated webcam 0:1/1; ");
+    EXPECT_EQ(devicesIn(directory.path() + "recording.hid",
+                  {.ids = report::DeviceIds{1, 2},
+                      .product = "X",
+                      .interfaceNumber = 0,
+                      .noOutEndpoint = true}),
+        "00010002 X 0:1/0 3:2/2; 00010002 X 0:1/0; 00010002 X 0:1/0; ");
+}
+
+TEST(Profiles, SayWhyAFileHasNone)
+{
+    const test::TempDirectory directory;
+    for (const auto& [name, mistake] : {
+             std::pair<std::string, std::string>{
+                 "webcm", "unknown profile webcm; did you mean webcam?"},
+             {"toaster", "unknown profile toaster"},
+             {directory.path() + "none", directory.path() + "none: No such file or directory"},
+             {directory.file("x.hex", "05 0g"), directory.path() + "x.hex:1:5: expected "},
+             {directory.file("x.json", "{}"), directory.path() + "x.json: vendorId: expected "},
+         }) {
+        try {
+            (void)sim::loadProfiles(name);
+            ADD_FAILURE() << name;
+        } catch (const sim::ProfileError& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with(mistake)) << error.what();
+        }
+    }
+    EXPECT_THROW((void)sim::loadProfiles("webcam", {.interfaceNumber = 32}), sim::ProfileError);
+    EXPECT_THROW(
+        (void)sim::loadProfiles("webcam", {.product = std::string(127, 'x')}), sim::ProfileError);
 }
 
 } // namespace
