@@ -3,8 +3,9 @@
 
 #include <json/value.h>
 
+#include <regex.h>
+
 #include <algorithm>
-#include <regex>
 #include <string>
 
 namespace test {
@@ -53,7 +54,17 @@ private:
         const std::string text = value.asString();
         return std::count_if(text.begin(), text.end(), isFirst)
             <= schema.get("maxLength", 1'000'000).asInt64()
-            && std::regex_search(text, std::regex(schema.get("pattern", "").asString()));
+            && matches(text, schema.get("pattern", "").asString());
+    }
+
+    static bool matches(const std::string& text, const std::string& pattern)
+    {
+        regex_t compiled;
+        if (regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB) != 0)
+            return false;
+        const bool found = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+        regfree(&compiled);
+        return found;
     }
 
     static bool acceptsNumber(const Json::Value& schema, const Json::Value& value)
