@@ -116,7 +116,7 @@ TEST_F(Doctor, NamesEachKindOfFinding)
     EXPECT_EQ(run(device.hidPath(), {"Kelprobe can use no device."}), 3);
     device.faults().clear();
     EXPECT_EQ(run(device.hidPath(), {"Kelprobe can use no device."}), 3) << "the first is opened";
-    info.boot = true;
+    info.controls().subclass = sim::InterfaceInfo::kBoot;
     EXPECT_EQ(findings(plug(info)), "not-tried:note ");
 }
 

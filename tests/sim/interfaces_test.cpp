@@ -15,7 +15,8 @@ using HidInterfaces = BusTest;
 sim::UsbDeviceInfo headset()
 {
     sim::UsbDeviceInfo info = sim::findProfile("headset")->info;
-    std::swap(info.interfaces[3], info.interfaces[4]); // keys first
+    const std::vector<sim::InterfaceInfo> all = info.interfaces;
+    info.interfaces = {all[0], all[1], all[2], all[4], all[3]}; // keys first
     return info;
 }
 
