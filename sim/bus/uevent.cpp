@@ -29,8 +29,9 @@ void send(const std::string& message, const std::string& socketPath)
         return;
     socketPath.copy(to.sun_path, socketPath.size());
     const FileDescriptor from(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    // A failure is ignored: the socket of a listener that has ended remains.
-    sendto(from.get(), message.data(), message.size(), MSG_NOSIGNAL,
+    // Failures are ignored: the socket of a listener that has ended remains, and one that does not
+    // read its messages loses them, as it loses those of the kernel.
+    sendto(from.get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
         reinterpret_cast<const sockaddr*>(&to), sizeof to);
 }
 

@@ -92,9 +92,9 @@ std::vector<Bytes> takeReports(JsonObject& object, const char* key)
     return reports;
 }
 
-class Reader {
+class ProfileReader {
 public:
-    Reader(const std::string& file, const DescriptorReader& readDescriptor)
+    ProfileReader(const std::string& file, const DescriptorReader& readDescriptor)
         : mistakes_(file)
         , readDescriptor_(readDescriptor)
     {
@@ -274,7 +274,7 @@ private:
 
     std::string lampName(const Json::Value& value, const std::string& path)
     {
-        const std::string name = value.isString() ? value.asString() : "";
+        std::string name = value.isString() ? value.asString() : "";
         if (std::ranges::find(keys::kLamps, name) == std::end(keys::kLamps)) {
             std::string expected = "one of";
             for (const std::string_view lamp : keys::kLamps)
@@ -306,7 +306,7 @@ Profile parseProfile(
     if (text.size() > kMaxProfileSize)
         throw ProfileError({file + ": expected at most " + std::to_string(kMaxProfileSize)
             + " bytes, found " + std::to_string(text.size())});
-    Profile profile = Reader(file, readDescriptor).read(parseJson(text, file));
+    Profile profile = ProfileReader(file, readDescriptor).read(parseJson(text, file));
     const std::filesystem::path path = file;
     profile.name = path.extension() == ".json" ? path.stem() : path.filename();
     return profile;

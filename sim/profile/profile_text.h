@@ -10,7 +10,7 @@
 namespace sim {
 
 // Longer texts are refused. Room for the descriptors of several interfaces.
-inline constexpr size_t kMaxProfileSize = 1024 * 1024;
+inline constexpr size_t kMaxProfileSize = size_t{1024} * 1024;
 
 // Whether a text is meant as a profile: it is an object of JSON.
 [[nodiscard]] bool isProfile(std::string_view text);

@@ -47,6 +47,7 @@ std::vector<Profile> readProfiles()
     std::ranges::sort(
         files, {}, [&](const fs::path& file) { return std::pair(isLater(file), file.filename()); });
     std::vector<Profile> list;
+    list.reserve(files.size());
     for (const fs::path& file : files)
         list.push_back(readProfile(file, readText(file)));
     return list;
@@ -55,6 +56,7 @@ std::vector<Profile> readProfiles()
 ProfileError unknownProfile(const std::string& name)
 {
     std::vector<std::string_view> names;
+    names.reserve(profiles().size());
     for (const Profile& profile : profiles())
         names.push_back(profile.name);
     const std::string_view nearest = text::nearest(name, names);
