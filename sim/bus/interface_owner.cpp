@@ -1,6 +1,7 @@
 #include "sim/bus/interface_owner.h"
 
 #include <cerrno>
+#include <utility>
 
 namespace sim {
 
@@ -14,8 +15,13 @@ long InterfaceOwner::claim(UMockdevIoctlClient* client)
     }
     claimedBy_ = client;
     ++device_.counters.claims;
-    addEvent(DeviceEvent::Kind::kOpened);
     return 0;
+}
+
+void InterfaceOwner::startReading()
+{
+    if (!std::exchange(reading_, true))
+        addEvent(DeviceEvent::Kind::kOpened);
 }
 
 long InterfaceOwner::release(UMockdevIoctlClient* client)
@@ -32,7 +38,8 @@ void InterfaceOwner::removeClient(UMockdevIoctlClient* client)
         return;
     claimedBy_ = nullptr;
     ++device_.counters.releases;
-    addEvent(DeviceEvent::Kind::kClosed);
+    if (std::exchange(reading_, false))
+        addEvent(DeviceEvent::Kind::kClosed);
 }
 
 long InterfaceOwner::connectDriver()

@@ -25,6 +25,10 @@ public:
     long connectDriver();
     long disconnectDriver();
 
+    // A client that has claimed the interface reads from it. The first time, the device is opened:
+    // programs also claim an interface for a moment to read its descriptor.
+    void startReading();
+
     // Releases the interface if the client has claimed it.
     void removeClient(UMockdevIoctlClient* client);
 
@@ -42,6 +46,7 @@ private:
     const InterfaceInfo& interface_;
     bool driverBound_;
     UMockdevIoctlClient* claimedBy_ = nullptr; // only compared
+    bool reading_ = false;
 };
 
 } // namespace sim

@@ -4,7 +4,8 @@
  * - ioctls on the machine's own nodes (a terminal, a GPU) fail with ENOTTY;
  * - the node, a pseudo terminal, becomes the controlling terminal of a client that leads a session,
  *   and SIGHUP ends the client at unplug;
- * - root may open a node that nobody is permitted to open. */
+ * - root may open a node that nobody is permitted to open.
+ * Also reports to the bench that a node may not be opened, which the device cannot notice. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -14,8 +15,10 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #define EXPORT __attribute__((visibility("default")))
@@ -54,13 +57,35 @@ static int can_open(const char* node, int flags, mode_t mode)
     return fd >= 0;
 }
 
+/* Never blocks. If the bench does not take it at once, the report is lost. Leaves errno as it is. */
+static void report_refusal(const char* path)
+{
+    const int reason = errno;
+    const char* const socket_path = getenv("KELPROBE_SIM");
+    struct sockaddr_un address = {.sun_family = AF_UNIX};
+    if (socket_path && strlen(socket_path) < sizeof address.sun_path) {
+        strcpy(address.sun_path, socket_path);
+        char line[PATH_MAX + 32];
+        const int length = snprintf(line, sizeof line, "open-refused %s\n", path);
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        if (fd >= 0 && connect(fd, (const struct sockaddr*)&address, sizeof address) == 0)
+            send(fd, line, (size_t)length, MSG_NOSIGNAL);
+        if (fd >= 0)
+            close(fd);
+    }
+    errno = reason;
+}
+
 static int open_node(const char* name, const char* path, int flags, mode_t mode)
 {
     char node[PATH_MAX];
     if (find_node(path, node, sizeof node)) {
         flags |= O_NOCTTY;
-        if (!can_open(node, flags, mode))
+        if (!can_open(node, flags, mode)) {
+            if (errno == EACCES)
+                report_refusal(path);
             return -1;
+        }
     } else if (strncmp(path, "/dev/", 5) == 0) {
         return open_directly(path, flags, mode);
     }

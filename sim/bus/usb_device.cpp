@@ -59,6 +59,12 @@ bool UsbDevice::isPlugged() const
     return usbfs() != nullptr;
 }
 
+std::string UsbDevice::node() const
+{
+    const std::lock_guard lock(mutex_);
+    return place_.node;
+}
+
 bool UsbDevice::press(std::string_view button)
 {
     return send(panel().press(button));

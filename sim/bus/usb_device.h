@@ -32,6 +32,8 @@ public:
     // the device is not plugged in.
     void unplug();
     bool isPlugged() const;
+    // "/dev/bus/usb/001/002"; empty before the device was plugged in for the first time.
+    std::string node() const;
 
     // The state of LEDs and buttons, which unplugging does not change. Any thread. To press
     // buttons, use the functions below: those of the panel send nothing.

@@ -312,6 +312,7 @@ long Usbfs::submitInterrupt(Urb urb, uint8_t endpoint)
         return result;
     const InterfaceInfo& info = interface->owner.interface();
     if (endpoint == inAddress(info)) {
+        interface->owner.startReading();
         urbs_.waitForInput(endpoint, std::move(urb));
         return 0;
     }

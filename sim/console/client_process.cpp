@@ -1,12 +1,15 @@
 #include "sim/console/client_process.h"
 
-#include "sim/console/event_source.h"
+#include "sim/control/bench_processes.h"
+#include "sim/control/event_source.h"
 #include "tools/preload/preload_library.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <memory>
 #include <utility>
 
@@ -20,16 +23,31 @@ struct StringsFree {
 };
 using Environment = std::unique_ptr<gchar*, StringsFree>;
 
-Environment environmentWith(const std::string& libraries)
+Environment environmentWith(const ClientOptions& options)
 {
-    const std::string all = preload::appended(libraries);
-    return Environment(g_environ_setenv(g_get_environ(), "LD_PRELOAD", all.c_str(), TRUE));
+    const std::string libraries = preload::appended(options.libraries);
+    gchar** environment = g_environ_setenv(g_get_environ(), "LD_PRELOAD", libraries.c_str(), TRUE);
+    return Environment(
+        g_environ_setenv(environment, kSocketVariable, options.socket.c_str(), TRUE));
 }
 
+struct ChildSetup {
+    pid_t parent;
+    bool takesTerminal;
+};
+
 // Runs in the child between fork() and exec(), so it may call only async-signal-safe functions.
-void prepareChild(gpointer)
+void prepareChild(gpointer data)
 {
+    const auto& setup = *static_cast<const ChildSetup*>(data);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != setup.parent)
+        _exit(EXIT_FAILURE); // it was killed before
     setpgid(0, 0);
+    if (setup.takesTerminal) {
+        std::signal(SIGTTOU, SIG_IGN); // which a background group gets for this
+        tcsetpgrp(STDIN_FILENO, getpid());
+    }
     for (int signal = 1; signal < NSIG; ++signal)
         if (signal != SIGHUP) // ignored only under nohup, which is meant for the program, too
             std::signal(signal, SIG_DFL);
@@ -39,17 +57,32 @@ void prepareChild(gpointer)
     dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
+std::vector<char*> argumentVector(const std::vector<std::string>& command)
+{
+    std::vector<char*> arguments;
+    for (const std::string& word : command)
+        arguments.push_back(const_cast<char*>(word.c_str())); // g_spawn_async() only reads them
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
 } // namespace
 
-ClientProcess::ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd)
+ClientProcess::ClientProcess(
+    const std::vector<std::string>& command, const ClientOptions& options, EndCallback onEnd)
     : onEnd_(std::move(onEnd))
+    , socket_(options.socket)
+    , hasTerminal_(options.takesInput && isatty(STDIN_FILENO))
 {
     // GLib by default opens /dev/null as the child's standard input.
-    constexpr auto flags = static_cast<GSpawnFlags>(
-        G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_LEAVE_DESCRIPTORS_OPEN);
+    unsigned flags = G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD;
+    flags |= G_SPAWN_LEAVE_DESCRIPTORS_OPEN;
+    if (options.takesInput)
+        flags |= G_SPAWN_CHILD_INHERITS_STDIN;
+    ChildSetup setup{getpid(), hasTerminal_};
     GError* error = nullptr;
-    if (!g_spawn_async(nullptr, const_cast<gchar**>(command), environmentWith(libraries).get(),
-            flags, prepareChild, nullptr, &pid_, &error)) {
+    if (!g_spawn_async(nullptr, argumentVector(command).data(), environmentWith(options).get(),
+            static_cast<GSpawnFlags>(flags), prepareChild, &setup, &pid_, &error)) {
         using Reason = ClientStartError::Reason;
         const bool notFound = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT);
         const std::string what = error->message;
@@ -68,11 +101,16 @@ ClientProcess::ClientProcess(char* const* command, const std::string& libraries,
 ClientProcess::~ClientProcess()
 {
     kill(-pid_, SIGTERM);
-    if (waitForEnd(kTerminationLimitMs))
-        return;
-    kill(-pid_, SIGKILL);
-    while (!ended_)
-        g_main_context_iteration(nullptr, TRUE);
+    if (!waitForEnd(kTerminationLimitMs)) {
+        kill(-pid_, SIGKILL);
+        while (!ended_)
+            g_main_context_iteration(nullptr, TRUE);
+    }
+    endProcessesOf(socket_, std::chrono::milliseconds(kTerminationLimitMs));
+    if (hasTerminal_) {
+        std::signal(SIGTTOU, SIG_IGN);
+        tcsetpgrp(STDIN_FILENO, getpgrp());
+    }
 }
 
 void ClientProcess::handleEnd(int waitStatus)

@@ -4,9 +4,9 @@
 #include <glib.h>
 
 #include <functional>
-#include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -24,10 +24,19 @@ public:
     const Reason reason;
 };
 
+// What a program is started with.
+struct ClientOptions {
+    std::string libraries; // added to the inherited LD_PRELOAD after a colon
+    std::string socket;    // of the bench, for the environment
+    // The program has our standard input, and the terminal if that is one; otherwise its standard
+    // input is empty.
+    bool takesInput = false;
+};
+
 // A child process in a new process group, with the default action for every signal (an ignored
-// SIGHUP stays ignored) and none blocked. Its standard input is empty; its output is written to our
-// standard error. It has our environment, with more libraries in LD_PRELOAD; our own environment is
-// not changed.
+// SIGHUP stays ignored) and none blocked. Its output is written to our standard error. It has our
+// environment with the additions above; our own environment is not changed. If this process is
+// killed, so is the child.
 //
 // Uses GLib's default main context, which has to run in the thread that calls these. SIGCHLD must
 // not be ignored.
@@ -37,13 +46,13 @@ public:
     // a shell, 128 + the signal that ended it.
     using EndCallback = std::function<void(int status)>;
 
-    // Starts `command`, which is as for execvp(). `libraries` are added to the inherited LD_PRELOAD
-    // after a colon. Throws ClientStartError.
-    ClientProcess(char* const* command, const std::string& libraries, EndCallback onEnd);
+    // Starts `command`. Throws ClientStartError.
+    ClientProcess(
+        const std::vector<std::string>& command, const ClientOptions& options, EndCallback onEnd);
 
     // Ends the process group with SIGTERM and, if the process has not ended after two seconds, with
-    // SIGKILL. Runs the main context until the process has ended, so onEnd has been called when
-    // this returns.
+    // SIGKILL, and then kills what it has started in other groups. Runs the main context until the
+    // process has ended, so onEnd has been called when this returns.
     ~ClientProcess();
 
     ClientProcess(const ClientProcess&) = delete;
@@ -54,6 +63,8 @@ private:
     bool waitForEnd(guint milliseconds);
 
     const EndCallback onEnd_;
+    const std::string socket_;
+    const bool hasTerminal_;
     GPid pid_ = -1;
     bool ended_ = false;
 };

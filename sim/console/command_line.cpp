@@ -1,106 +1,141 @@
 #include "sim/console/command_line.h"
 
-#include "sim/console/console.h"
-#include "tools/text/suggestion.h"
+#include "sim/bench/command_words.h"
+#include "sim/console/bench_command.h"
+#include "sim/console/device_commands.h"
+#include "sim/profile/profile.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <sstream>
 
 namespace sim {
 namespace {
 
-constexpr std::string_view kCommands[] = {"run", "list", "help"};
-constexpr std::string_view kOptions[] = {"--help", "--version"};
-constexpr std::string_view kRunOptions[] = {"--help"};
+constexpr int kFailure = 1;
+constexpr int kWrongUse = 2;
 
-bool isOption(std::string_view word)
+constexpr const char* kDescription
+    = "Runs programs with simulated USB HID devices, and operates the devices.";
+
+constexpr const char* kFooter = R"(Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
+PROGRAM or kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run;
+1 if the devices cannot be simulated or a replay differs; 2 for a mistake in the
+command line or in a file. Of the commands for a running bench: 0 done, 1 an
+expectation was not met, 2 not understood, 3 there is no bench.
+
+"2: press mute" is for the second device.
+
+Example: kelprobe-sim run speakerphone -- sh -c 'kelprobectl list; kelprobe-sim devices')";
+
+const CLI::App& chosenCommand(const CLI::App& app)
 {
-    return word.starts_with('-');
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? app : *chosen.front();
 }
 
-bool asksForHelp(std::string_view word)
+// "unknown command rnu; did you mean run?"
+std::string unexpected(const CLI::App& app, const std::string& word)
 {
-    return word == "--help" || word == "-h";
-}
-
-UsageError unknown(
-    const char* kind, std::string_view word, std::span<const std::string_view> candidates)
-{
-    std::string error = std::string("unknown ") + kind + ' ' + std::string(word);
-    const std::string_view suggestion = text::nearest(word, candidates);
-    if (!suggestion.empty())
-        error += "; did you mean " + std::string(suggestion) + '?';
-    return {error};
-}
-
-UsageError unknownProfile(std::string_view name)
-{
-    std::vector<std::string_view> names;
-    for (const Profile& profile : profiles())
-        names.push_back(profile.name);
-    return unknown("profile", name, names);
-}
-
-CommandLine parseRun(char* const* arguments)
-{
-    RunCommand run{};
-    for (; *arguments && std::string_view(*arguments) != "--"; ++arguments) {
-        if (asksForHelp(*arguments))
-            return HelpCommand{};
-        if (isOption(*arguments))
-            return unknown("option", *arguments, kRunOptions);
-        const Profile* const profile = findProfile(*arguments);
-        if (!profile)
-            return unknownProfile(*arguments);
-        run.profiles.push_back(profile);
+    const CLI::App& command = chosenCommand(app);
+    const bool isOption = word.starts_with('-');
+    std::vector<std::string> names;
+    if (isOption) {
+        for (const CLI::Option* const option : command.get_options())
+            for (const std::string& name : option->get_lnames())
+                names.push_back("--" + name);
+    } else {
+        for (const CLI::App* const subcommand : command.get_subcommands(nullptr))
+            names.push_back(subcommand->get_name());
     }
-    if (!arguments[0] || !arguments[1])
-        return UsageError{"run: expected -- and a program"};
-    if (run.profiles.empty())
-        run.profiles.push_back(&profiles().front());
-    run.program = arguments + 1;
-    return run;
+    const char* const kind = isOption ? "unknown option "
+        : names.empty()               ? "unexpected argument "
+                                      : "unknown command ";
+    return kind + word + suggestion(word, {names.begin(), names.end()});
+}
+
+int reportMistake(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> extra = app.remaining(true);
+    const CLI::App& command = chosenCommand(app);
+    const std::string mistake = !extra.empty()                    ? unexpected(app, extra.front())
+        : &command == &app && error.get_name() == "RequiredError" ? "expected a command"
+                                                                  : error.what();
+    const std::string name = &command == &app ? "" : command.get_name() + ' ';
+    fprintf(stderr, "kelprobe-sim: %s\nTry kelprobe-sim %s--help.\n", mistake.c_str(), name.c_str());
+    return kWrongUse;
+}
+
+int printRequested(const CLI::App& app, const CLI::ParseError& request)
+{
+    std::ostringstream text;
+    std::ostringstream none;
+    app.exit(request, text, none);
+    fputs(text.str().c_str(), stdout);
+    return EXIT_SUCCESS;
+}
+
+// Splits the words: those before "--", and the program with its arguments after it.
+struct Words {
+    std::vector<std::string> own;
+    std::optional<std::vector<std::string>> program;
+};
+
+Words splitWords(int argc, char** argv)
+{
+    Words words;
+    const std::vector<std::string> all(argv + std::min(argc, 1), argv + argc);
+    const auto separator = std::ranges::find(all, "--");
+    words.own.assign(all.begin(), separator);
+    if (separator != all.end())
+        words.program.emplace(separator + 1, all.end());
+    if (!words.own.empty() && words.own[0] == "help") { // "COMMAND --help" for "help COMMAND"
+        words.own.erase(words.own.begin());
+        words.own.push_back("--help");
+    }
+    return words;
+}
+
+int parseAndRun(Words words)
+{
+    CLI::App app(kDescription, "kelprobe-sim");
+    app.set_version_flag("--version", "kelprobe-sim " KELPROBE_VERSION, "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this text and exit");
+    app.require_subcommand(1);
+    app.footer(kFooter);
+    Run run;
+    addDeviceCommands(app, words.program, run);
+    const std::string device = takeDeviceNumber(words.own);
+    addBenchCommands(app, device, run);
+    std::ranges::reverse(words.own); // as CLI11 takes them
+    try {
+        app.parse(words.own);
+    } catch (const CLI::ParseError& error) {
+        const bool requested = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+        return requested ? printRequested(app, error) : reportMistake(app, error);
+    }
+    return run();
 }
 
 } // namespace
 
-CommandLine parseCommandLine(char* const* arguments)
+int runCommandLine(int argc, char** argv)
 {
-    if (!arguments[0])
-        return UsageError{"expected a command"};
-    const std::string_view word = arguments[0];
-    if (word == "run")
-        return parseRun(arguments + 1);
-    const bool help = word == "help" || asksForHelp(word);
-    if (!help && word != "list" && word != "--version")
-        return isOption(word) ? unknown("option", word, kOptions)
-                              : unknown("command", word, kCommands);
-    if (arguments[1])
-        return UsageError{std::string(word) + ": unexpected argument " + arguments[1]};
-    if (help)
-        return HelpCommand{};
-    if (word == "list")
-        return ListCommand{};
-    return VersionCommand{};
-}
-
-std::string helpText()
-{
-    return R"(usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]
-       kelprobe-sim list
-       kelprobe-sim help | --help | --version
-
-run      plugs in a simulated device for each PROFILE (speakerphone if there
-         is none), runs PROGRAM with them and ends with it. Standard output
-         shows what the devices receive and send; PROGRAM's output goes to
-         standard error. Commands are read from standard input; its end does
-         not end PROGRAM.
-list     lists the profiles
-
-Exit status: PROGRAM's own, or 128 + the signal that ended PROGRAM or
-kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run; 1 if the
-devices cannot be simulated, 2 for a mistake in the command line.
-
-)" + std::string(commandHelp());
+    try {
+        return parseAndRun(splitWords(argc, argv));
+    } catch (const WrongUse& error) {
+        fprintf(stderr, "kelprobe-sim: %s\n", error.what());
+        return kWrongUse;
+    } catch (const ProfileError& error) {
+        for (const std::string& mistake : error.mistakes)
+            fprintf(stderr, "kelprobe-sim: %s\n", mistake.c_str());
+        return kWrongUse;
+    } catch (const std::exception& error) {
+        fprintf(stderr, "kelprobe-sim: %s\n", error.what());
+        return kFailure;
+    }
 }
 
 } // namespace sim

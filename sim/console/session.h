@@ -1,20 +1,32 @@
 // One run of a program with simulated devices.
 #pragma once
 
-#include "sim/profile/profiles.h"
-
-#include <span>
+#include "report/format/recording.h"
+#include "sim/bench/replay.h"
+#include "sim/profile/profile.h"
 
 namespace sim {
 
-// Plugs in a device for each profile, runs `command` (as for execvp()) with them and executes the
-// commands on standard input until the program ends. Returns the program's exit status, or 128 +
-// signal if a signal ended it. SIGINT, SIGQUIT, SIGTERM and SIGHUP to this process also end the
-// program; then 128 + signal is returned. Returns 127 if there is no such program, 126 if it cannot
-// be run. Throws std::runtime_error.
+struct ReplayedDevice {
+    std::vector<report::RecordedReport> reports; // of the first device
+    ReplayOptions options;
+};
+
+struct SessionOptions {
+    std::vector<Profile> profiles;    // one device each, at least one
+    std::vector<std::string> program; // with its arguments
+    bool programTakesInput = false;   // instead of commands
+    std::optional<ReplayedDevice> replay = {};
+};
+
+// Plugs in a device for each profile, runs the program with them and executes commands until the
+// program ends. Returns the program's exit status, or 128 + signal if a signal ended it. SIGINT,
+// SIGQUIT, SIGTERM and SIGHUP to this process also end the program; then 128 + signal is returned.
+// Returns 0 after the command `quit`, 1 if a replay differs from its recording, 127 if there is no
+// such program, 126 if it cannot be run. Throws std::runtime_error.
 //
-// To be called once, before the process has other threads: blocks those signals, ignores SIGPIPE
-// and resets SIGCHLD, and does not undo this.
-int runSession(std::span<const Profile* const> profiles, char* const* command);
+// To be called once, before the process has other threads: changes what some signals do, and
+// TMPDIR, and does not undo this.
+int runSession(const SessionOptions& options);
 
 } // namespace sim

@@ -1,30 +1,25 @@
 // What kelprobe-sim prints about its devices.
 #pragma once
 
-#include "sim/device/wire_bytes.h"
-
-#include <mutex>
-#include <string>
+#include "sim/bench/bench.h"
 
 namespace sim {
 
-// A line about a report: "ring LED on         03 08 00".
-std::string describe(const std::string& what, const Bytes& report);
+// Prints a whole line to standard output and flushes it.
+void printLine(const std::string& line);
 
-// Prints whole lines to standard output and flushes each. Any thread.
-class Transcript {
+// Prints each event for people, a line each.
+class Transcript final : private BenchListener {
 public:
-    // With more than one device, each line begins with the device's number.
-    explicit Transcript(size_t devices)
-        : numbered_(devices > 1)
-    {
-    }
-
-    void print(size_t device, const std::string& line);
+    explicit Transcript(Bench& bench);
+    ~Transcript() override;
+    Transcript(const Transcript&) = delete;
+    Transcript& operator=(const Transcript&) = delete;
 
 private:
-    const bool numbered_;
-    std::mutex mutex_;
+    void onEvent(const BenchEvent& event) override;
+
+    Bench& bench_;
 };
 
 } // namespace sim

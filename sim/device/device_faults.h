@@ -15,6 +15,8 @@ public:
     // The next `times` operations fail. 0 ends the fault.
     void arm(int times = kAlways) { left_ = times; }
 
+    [[nodiscard]] bool armed() const { return left_ != 0; }
+
     // Called by each operation. True if the operation has to fail; this counts as one of the times.
     [[nodiscard]] bool consume()
     {

@@ -18,6 +18,7 @@ enum Request : uint8_t { kGetDescriptor = 6, kSetReport = 9, kSetIdle = 10 };
 enum RequestType : uint8_t { kFromDevice = 0x80, kFromInterface = 0x81, kClassToInterface = 0x21 };
 enum DescriptorType : uint8_t { kDevice = 1, kConfiguration = 2, kString = 3, kHid = 0x21 };
 constexpr uint8_t kOutputReport = 2;
+constexpr uint8_t kFeatureReport = 3;
 
 Reply stall()
 {
@@ -116,17 +117,39 @@ Reply DeviceModel::getReportDescriptor(const Setup& setup)
 Reply DeviceModel::setReport(const Setup& setup, std::span<const uint8_t> out)
 {
     const InterfaceInfo* const interface = findInterface(lowByte(setup.index));
-    if (!interface || !interface->isHid() || setup.value >> 8 != kOutputReport
-        || !receive(*interface, out))
+    if (!interface || !interface->isHid())
         return stall();
-    return {.transferred = out.size()};
+    const int kind = setup.value >> 8;
+    const bool received = kind == kOutputReport ? receive(*interface, out)
+        : kind == kFeatureReport ? receiveFeature(*interface, lowByte(setup.value), out)
+                                 : false;
+    return received ? Reply{.transferred = out.size()} : stall();
 }
 
-bool DeviceModel::receive(const InterfaceInfo& interface, std::span<const uint8_t> wire)
+Bytes DeviceModel::withId(const InterfaceInfo& interface, std::span<const uint8_t> wire) const
 {
     Bytes report(wire.begin(), wire.end());
     if (!hasReportIds_[static_cast<size_t>(&interface - info.interfaces.data())])
         report.insert(report.begin(), 0);
+    return report;
+}
+
+// False if the interface has no such report.
+bool DeviceModel::receiveFeature(
+    const InterfaceInfo& interface, uint8_t id, std::span<const uint8_t> wire)
+{
+    const report::Layout layout = report::readLayout(interface.reportDescriptor);
+    if (!layout.reportBits.contains({report::ReportKind::kFeature, id}))
+        return false;
+    addEvent({.kind = DeviceEvent::Kind::kFeature,
+        .interface = interface.number,
+        .report = withId(interface, wire)});
+    return true;
+}
+
+bool DeviceModel::receive(const InterfaceInfo& interface, std::span<const uint8_t> wire)
+{
+    Bytes report = withId(interface, wire);
     if (faults.failWrite.consume()) {
         addEvent({.kind = DeviceEvent::Kind::kOutputRefused,
             .interface = interface.number,

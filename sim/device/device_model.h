@@ -86,6 +86,9 @@ private:
     ControlReply getDescriptor(const SetupPacket& setup);
     ControlReply getReportDescriptor(const SetupPacket& setup);
     ControlReply setReport(const SetupPacket& setup, std::span<const uint8_t> out);
+    [[nodiscard]] bool receiveFeature(
+        const InterfaceInfo& interface, uint8_t id, std::span<const uint8_t> wire);
+    [[nodiscard]] Bytes withId(const InterfaceInfo& interface, std::span<const uint8_t> wire) const;
     [[nodiscard]] bool hasEvents();
     std::vector<DeviceEvent> takeEvents();
     void callForEvents(); // callbackMutex_ is held

@@ -1,111 +1,37 @@
-// kelprobe-sim as a process, its input and output.
-#include "tests/support/temp_directory.h"
-
-#include <sys/stat.h>
-#include <sys/wait.h>
-
-#include <csignal>
-#include <cstdio>
-#include <cstring>
-#include <vector>
+// kelprobe-sim run: its command line, what it prints, and how it ends.
+#include "tests/sim/sim_process.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-class KelprobeSim : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_EQ(mkfifo(fifo_.c_str(), 0600), 0);
-        setenv("TMPDIR", directory_.path().c_str(), 1);
-        for (const int signal : {SIGHUP, SIGINT, SIGQUIT}) // a shell may have started us otherwise
-            std::signal(signal, SIG_DFL);
-    }
-    void TearDown() override
-    {
-        unsetenv("TMPDIR");
-        fs::remove(fifo_);
-        EXPECT_TRUE(fs::is_empty(directory_.path())) << "a bus was left behind";
-    }
-
-    // Starts a shell command, which finds kelprobe-sim and sim-client. The one before must have
-    // ended. As every process inherits descriptor 3, the output ends when the last process does.
-    void start(const std::string& command)
-    {
-        const std::string script = "PATH=" KELPROBE_SIM_PATH ":$PATH; exec <" + fifo_
-            + " 3>&1; echo $$; exec " + command;
-        output_ = popen(script.c_str(), "r");
-        input_ = fopen(fifo_.c_str(), "w");
-        pid_ = std::stoi(line());
-    }
-
-    // The next line of standard output; "end" after the last.
-    std::string line()
-    {
-        char text[500];
-        if (!fgets(text, sizeof text, output_))
-            return "end";
-        return std::string(text, strcspn(text, "\n"));
-    }
-
-    // Gives each command, unless it is empty, and compares the next line of standard output.
-    void play(const std::vector<std::pair<std::string, std::string>>& steps)
-    {
-        for (const auto& [command, expected] : steps) {
-            if (!command.empty())
-                fprintf(input_, "%s\n", command.c_str());
-            fflush(input_);
-            EXPECT_EQ(line(), expected) << command;
-        }
-    }
-
-    // Waits until it ends by itself.
-    int exitStatus()
-    {
-        while (line() != "end") { }
-        const int status = pclose(output_);
-        fclose(input_);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    // Ends the input at once, which does not end the program.
-    int run(const std::string& command)
-    {
-        start(command);
-        input_ = freopen("/dev/null", "w", input_);
-        return exitStatus();
-    }
-
-    pid_t pid_ = -1;
-
-private:
-    const test::TempDirectory directory_;
-    const std::string fifo_ = directory_.path() + "in";
-    FILE* input_ = nullptr;
-    FILE* output_ = nullptr;
-};
-
-#define USAGE "usage: kelprobe-sim run [PROFILE...] -- PROGRAM [ARGUMENT...]"
 
 TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
 {
     for (const auto& [arguments, firstLine, status] : {
              std::tuple{"--version", "kelprobe-sim " KELPROBE_VERSION, 0},
              {"list", "speakerphone     1209:0001  speakerphone, all controls in report 3", 0},
-             {"help", USAGE, 0},
-             {"run webcam -h -- true", USAGE, 0},
+             {"help", "Runs programs with simulated USB HID devices, and operates the devices.", 0},
+             {"run webcam -h -- true", "Run a program with simulated devices", 0},
+             {"help press", "push the button and let it go", 0},
              {"run -- echo -h", "-h", 0},
+             {"profile webcam", "{", 0},
              {"", "kelprobe-sim: expected a command", 2},
              {"lst", "kelprobe-sim: unknown command lst; did you mean list?", 2},
              {"--versoin", "kelprobe-sim: unknown option --versoin; did you mean --version?", 2},
-             {"list all", "kelprobe-sim: list: unexpected argument all", 2},
-             {"run --", "kelprobe-sim: run: expected -- and a program", 2},
+             {"list all", "kelprobe-sim: unexpected argument all", 2},
+             {"run --", "kelprobe-sim: expected -- and a program", 2},
+             {"run webcam true", "kelprobe-sim: expected -- and a program", 2},
              {"run webcm -- p", "kelprobe-sim: unknown profile webcm; did you mean webcam?", 2},
-             {"run toaster -- p", "kelprobe-sim: unknown profile toaster", 2},
              {"run --hlep -- p", "kelprobe-sim: unknown option --hlep; did you mean --help?", 2},
+             {"run --ids 12090001 -- p", "kelprobe-sim: --ids takes two numbers", 2},
+             {"run --interface 32 -- p", "kelprobe-sim: --interface: Value 32 not in range", 2},
+             {"replay -- p", "kelprobe-sim: RECORDING is required", 2},
+             {"replay no-file -- p", "kelprobe-sim: no-file: No such file or directory", 2},
+             {"press mute", "kelprobe-sim: there is no bench here; run this in", 3},
+             {"--socket /tmp/none press mute", "kelprobe-sim: no bench has the socket /tmp/none", 3},
          }) {
-        start(std::string("kelprobe-sim 2>&1 ") + arguments);
-        EXPECT_EQ(line(), firstLine);
+        start(std::string("env -u KELPROBE_SIM kelprobe-sim 2>&1 ") + arguments);
+        EXPECT_EQ(line().substr(0, strlen(firstLine)), firstLine) << arguments;
         EXPECT_EQ(exitStatus(), status) << arguments;
     }
 }
@@ -118,7 +44,7 @@ TEST_F(KelprobeSim, SaysWhyItCannotSimulateDevices)
         EXPECT_EQ(exitStatus(), 1);
     };
     expectError("env KELPROBE_PROFILES=/proc kelprobe-sim list",
-        "kelprobe-sim: /proc: expected profiles, files *.json");
+        "kelprobe-sim: /proc/speakerphone.hex: No such file or directory");
     expectError("env TMPDIR=/dev/null kelprobe-sim run -- true",
         "kelprobe-sim: cannot write in TMPDIR: /dev/null");
     const std::string inNamespace = "unshare --map-root-user --mount ";
@@ -134,62 +60,44 @@ TEST_F(KelprobeSim, PrintsWhatDevicesSendAndReceive)
     start("kelprobe-sim run webcam speakerphone -- sim-client open w 030000 w 030800 r 030100 "
           "w 030000 w 030100 r 030900 r 030100 w 030500 gone open w 030800");
     play({
-        {"", "2: no change           03 00 00"},
-        {"", "2: ring LED on         03 08 00"},
-        {"2: hook", "2: hook switch off     03 01 00"},
-        {"", "2: ring LED off        03 00 00"},
-        {"", "2: off-hook LED on     03 01 00"},
-        {"2: mute", "2: mute pressed        03 09 00"},
-        {"", "2: mute released       03 01 00"},
-        {"", "2: mute LED on         03 05 00"},
-        {"2: replug", "2: plugged in"},
-        {"", "2: off-hook LED off, mute LED off, ring LED on  03 08 00"},
+        {"", "2:  --   opened"},
+        {"", "2:  out  03 00 00     no change"},
+        {"", "2:  out  03 08 00     ring on"},
+        {"2: hook", "2:  in   03 01 00     hook off"},
+        {"", "2:  out  03 00 00     ring off"},
+        {"", "2:  out  03 01 00     off-hook on"},
+        {"2: mute", "2:  in   03 09 00     mute pressed"},
+        {"", "2:  in   03 01 00     mute released"},
+        {"", "2:  out  03 05 00     mute on"},
+        {"2: replug", "2:  --   unplugged"},
+        {"", "2:  --   plugged in"},
+        {"", "2:  --   closed"},
+        {"", "2:  --   opened"},
+        {"", "2:  out  03 08 00     off-hook off, mute off, ring on"},
+        {"", "2:  --   closed"},
     });
     EXPECT_EQ(exitStatus(), 0);
-}
-
-TEST_F(KelprobeSim, AnswersEveryCommand)
-{
-    start("kelprobe-sim run speakerphone webcam -- sleep 60");
-    play({
-        {"raw 01 02", "1: raw report          01 02  (no program listens)"},
-        {" 1 : hook off ", "1: hook switch off     03 01 00  (no program listens)"},
-        {"2:mute\r", "2: mute pressed        08 01  (no program listens)"},
-        {"", "2: mute released       08 00  (no program listens)"},
-        {"2: flash", "2: the device has no such button"},
-        {"3: mute", "1: no such device"},
-        {"0: mute", "1: no such device"},
-        {"raw 0", "1: not understood: raw 0 (try help)"},
-        {std::string(300'000, 'x'), "1: not understood: line too long"},
-        {"hook up", "1: not understood: hook up (try help)"},
-        {"fault claim x", "1: not understood: fault claim x (try help)"},
-        {"fault short", "1: not understood: fault short (try help)"},
-        {"fault flood 65536", "1: fault flood 65536"},
-        {"fault flood 65537", "1: not understood: fault flood 65537 (try help)"},
-        {"unplug", "1: unplugged"},
-        {"help", R"(Commands, a line each; "2: mute" is for the second device:)"},
-    });
-    kill(pid_, SIGTERM);
-    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
 }
 
 TEST_F(KelprobeSim, FaultsReachTheProgram)
 {
     for (const auto& [fault, steps, printed] : {
-             std::tuple{"claim", "fail", "claim refused"},
-             {"detach", "fail", "detach refused"},
-             {"open", "fail", "end"}, // the client is refused by the system, not by the device
-             {"write 1", "x 030800 w 030800", "write refused       03 08 00"},
+             std::tuple{"claim", "fail", "--   claim refused"},
+             {"detach", "fail", "--   detach refused"},
+             {"open", "fail", "--   open refused"},
+             {"write 1", "x 030800 w 030800", "--   write refused  03 08 00"},
          }) {
         start(std::string("kelprobe-sim run -- sim-client open w 030000 r 01 ") + steps);
+        const std::string name(fault, strcspn(fault, " "));
         play({
-            {"", "no change           03 00 00"},
-            {"fault detach", "fault detach"},
-            {"fault none", "fault none"},
-            {std::string("fault ") + fault, std::string("fault ") + fault},
-            {"raw 01", "raw report          01"},
-            {"", printed},
+            {"", "--   opened"},
+            {"", "out  03 00 00     no change"},
+            {"fault detach", "--   fault detach on"},
+            {"fault none", "--   fault detach off"},
+            {std::string("fault ") + fault, "--   fault " + name + " on"},
+            {"raw 01", "in   01           raw report"},
         });
+        EXPECT_EQ(lineWith("refused"), printed);
         EXPECT_EQ(exitStatus(), 0) << fault;
     }
 }
@@ -210,6 +118,7 @@ TEST_F(KelprobeSim, EndsAsTheProgramDoes)
              {R"(sh -c 'test $(cut -d" " -f5 /proc/$$/stat) = $$')", 0}, // leads its group
              {"sh -c 'test ${LD_PRELOAD%%:/*} = libdl.so.2:libm.so.6'", 0},
              {"sh -c 'test $(stat -c %a $UMOCKDEV_DIR) = 700'", 0},
+             {"sh -c 'test $(stat -c %a $(dirname $KELPROBE_SIM)) = 700'", 0},
              {"sh -c 'test $(stat -Lc %a $UMOCKDEV_DIR/dev/bus/usb/001/*) = 600'", 0},
          })
         EXPECT_EQ(run(std::string("env --ignore-signal=CHLD,USR1 --block-signal=USR2 "
@@ -229,7 +138,7 @@ TEST_F(KelprobeSim, EndsTheProgramWhenASignalEndsIt)
              {R"(sh -c 'trap "" TERM; sim-client open w 030000; sleep 1000')", SIGTERM},
          }) {
         start(std::string("kelprobe-sim run -- ") + program);
-        EXPECT_EQ(line(), "no change           03 00 00");
+        EXPECT_EQ(lineWith("03 00 00"), "out  03 00 00     no change");
         kill(pid_, signal);
         EXPECT_EQ(exitStatus(), 128 + signal) << program;
     }

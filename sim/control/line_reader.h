@@ -22,6 +22,9 @@ public:
     }
 
     void add(std::string_view text);
+    // Whether the line that has begun is longer than kMaxLine already.
+    [[nodiscard]] bool isTooLong() const { return line_.size() > kMaxLine; }
+
     // To be called at the end of the stream. Text after the last line end is a line, too.
     void finish();
 

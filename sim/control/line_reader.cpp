@@ -1,4 +1,4 @@
-#include "sim/console/line_reader.h"
+#include "sim/control/line_reader.h"
 
 #include <utility>
 

@@ -1,0 +1,142 @@
+#include "sim/bench/command.h"
+
+#include "sim/bench/bench.h"
+#include "sim/bench/command_words.h"
+
+#include <json/value.h>
+
+#include <algorithm>
+#include <array>
+
+namespace sim {
+namespace {
+
+constexpr std::string_view kJson = "--json";
+constexpr std::string_view kHold = "--hold";
+constexpr std::string_view kWithin = "--within";
+
+CommandResult notUnderstood(const std::string& error)
+{
+    return {kNotUnderstood, error};
+}
+
+const Command* findCommand(std::string_view name)
+{
+    const auto list = commands();
+    const auto found = std::ranges::find(list, name, &Command::name);
+    return found == list.end() ? nullptr : &*found;
+}
+
+CommandResult unknownCommand(std::string_view name)
+{
+    std::vector<std::string_view> names;
+    for (const Command& command : commands())
+        if (!command.help.empty())
+            names.push_back(command.name);
+    const std::string hint = suggestion(name, names);
+    return notUnderstood(
+        "unknown command " + std::string(name) + (hint.empty() ? "; try help" : hint));
+}
+
+std::string usageOf(const Command& command)
+{
+    return std::string(command.name) + (command.arguments.empty() ? "" : " ")
+        + std::string(command.arguments);
+}
+
+// Moves the options from `words` to `call`. Returns what is wrong with them.
+std::string takeOptions(
+    const Command& command, std::span<const std::string_view> words, CommandCall& call)
+{
+    std::vector<std::string_view> allowed;
+    for (const std::string_view option : {kJson, kHold, kWithin})
+        if (command.arguments.find(option) != std::string_view::npos)
+            allowed.push_back(option);
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (!words[i].starts_with("--")) {
+            call.words.push_back(words[i]);
+        } else if (std::ranges::find(allowed, words[i]) == allowed.end()) {
+            return "unknown option " + std::string(words[i]) + suggestion(words[i], allowed);
+        } else if (words[i] == kWithin) {
+            call.within = ++i < words.size() ? parseDuration(words[i]) : std::nullopt;
+            if (!call.within)
+                return "--within takes a time such as 500ms or 2s";
+        } else {
+            (words[i] == kJson ? call.json : call.hold) = true;
+        }
+    }
+    return {};
+}
+
+CommandOutcome call(const Command& command, std::span<const std::string_view> words,
+    CommandCall&& call)
+{
+    const std::string mistake = takeOptions(command, words, call);
+    if (!mistake.empty())
+        return notUnderstood(mistake);
+    // Arguments without brackets and options are needed. None takes more than it names.
+    size_t least = 0;
+    size_t most = 0;
+    for (std::string_view word : splitWords(command.arguments)) {
+        if (word.find("--") != word.npos || word == "T]")
+            continue;
+        ++most;
+        least += !word.starts_with('[');
+    }
+    if (command.name == "raw") // its bytes may be separated by blanks
+        most = call.words.size();
+    if (call.words.size() < least || call.words.size() > most)
+        return notUnderstood("expected " + usageOf(command));
+    return command.run(call);
+}
+
+} // namespace
+
+void Answers::text(const std::string& line)
+{
+    Json::Value object;
+    object["text"] = line;
+    send(object);
+}
+
+std::string commandHelp()
+{
+    constexpr size_t kColumn = 30;
+    std::string text = "Commands, a line each; \"2: mute\" is for the second device:\n";
+    for (const Command& command : commands()) {
+        if (command.help.empty())
+            continue;
+        std::string left = "  " + usageOf(command);
+        std::string_view help = command.help;
+        while (!help.empty()) {
+            const size_t end = std::min(help.find('\n'), help.size());
+            left.resize(std::max(left.size() + 1, kColumn), ' ');
+            text += left + std::string(help.substr(0, end)) + '\n';
+            help.remove_prefix(std::min(end + 1, help.size()));
+            left.clear();
+        }
+    }
+    return text;
+}
+
+CommandOutcome runCommand(Bench& bench, Answers& answers, std::string_view line)
+{
+    size_t number = 1;
+    if (const size_t colon = line.find(':'); colon != line.npos) {
+        const auto before = splitWords(line.substr(0, colon));
+        const auto given = before.size() == 1 ? parseNumber(before[0]) : std::nullopt;
+        if (!given || *given < 1 || static_cast<size_t>(*given) > bench.devices().size())
+            return notUnderstood("no such device; there are " + std::to_string(bench.devices().size()));
+        number = static_cast<size_t>(*given);
+        line.remove_prefix(colon + 1);
+    }
+    const auto words = splitWords(line);
+    if (words.empty())
+        return CommandResult{};
+    const Command* const command = findCommand(words[0]);
+    if (!command)
+        return unknownCommand(words[0]);
+    return call(*command, std::span(words).subspan(1), {bench, bench.device(number), answers});
+}
+
+} // namespace sim

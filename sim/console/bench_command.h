@@ -1,0 +1,18 @@
+// The commands of kelprobe-sim that another kelprobe-sim, which runs a program, executes.
+#pragma once
+
+#include "sim/console/run.h"
+
+#include <vector>
+
+namespace sim {
+
+// Removes the number of a device, "2:", from the beginning of the words, and returns it. Empty if
+// there is none.
+[[nodiscard]] std::string takeDeviceNumber(std::vector<std::string>& words);
+
+// Adds each command of the bench, and the option --socket. `device` comes before the command that
+// is sent; app and run outlive it.
+void addBenchCommands(CLI::App& app, const std::string& device, Run& run);
+
+} // namespace sim

@@ -1,0 +1,266 @@
+#include "sim/console/device_commands.h"
+
+#include "report/format/recording.h"
+#include "sim/bench/command_words.h"
+#include "sim/bench/device_json.h"
+#include "sim/console/session.h"
+#include "sim/profile/profile_text.h"
+#include "sim/profile/profiles.h"
+#include "sim/profile/utf16.h"
+#include "tools/text/printable.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <memory>
+
+namespace sim {
+namespace {
+
+using Program = std::optional<std::vector<std::string>>;
+
+constexpr const char* kRunFooter = R"(FILE is a device profile, a report descriptor in any format that kelprobectl
+describe reads, or a recording; PROFILE is one that kelprobe-sim list shows.
+Without either it is the speakerphone.
+
+Standard output shows what the devices send and receive; both outputs of PROGRAM
+go to standard error. Commands for the devices are read from standard input, a
+line each; "help" lists them. The end of the input does not end PROGRAM. PROGRAM
+and what it starts can give the same commands: kelprobe-sim press mute.
+
+Example: kelprobe-sim run bug-report.hid -- kelprobe)";
+
+constexpr const char* kReplayFooter = R"(The device's reports are sent at their times, from when PROGRAM reads from the
+device. With --check they also wait for the reports of PROGRAM that come before
+them in the recording, and PROGRAM's reports are compared with the recorded ones.
+The first difference is printed and ends PROGRAM; the exit status is 1 then.
+
+Example: kelprobe-sim replay meeting.hid --check -- kelprobe)";
+
+struct DeviceOptions {
+    ProfileOptions profile;
+    std::string ids;
+    std::string name;
+    int interface = -1;
+
+    void add(CLI::App& command)
+    {
+        command.add_option("--ids", ids, "Vendor and product id of the device")
+            ->type_name("VVVV:PPPP");
+        command.add_option("--name", name, "Product name of the device");
+        command.add_option("--interface", interface, "Number of the interface with the controls")
+            ->check(CLI::Range(0, 31))
+            ->type_name("N");
+        command.add_flag("--no-out-endpoint", profile.noOutEndpoint,
+            "The host sends output reports by control transfers");
+    }
+
+    [[nodiscard]] ProfileOptions get() const
+    {
+        ProfileOptions options = profile;
+        if (!ids.empty())
+            options.ids = parseIds();
+        if (!name.empty())
+            options.product = name;
+        if (interface >= 0)
+            options.interfaceNumber = static_cast<uint8_t>(interface);
+        return options;
+    }
+
+private:
+    [[nodiscard]] report::DeviceIds parseIds() const
+    {
+        const bool hasColon = ids.size() == 9 && ids[4] == ':';
+        const auto bytes = hasColon ? report::fromHex(ids.substr(0, 4) + ids.substr(5))
+                                    : std::nullopt;
+        if (!bytes)
+            throw WrongUse("--ids takes two numbers of four hexadecimal digits, such as 1209:0001");
+        const auto number = [&bytes](size_t at) {
+            return static_cast<uint16_t>((*bytes)[at] << 8 | (*bytes)[at + 1]);
+        };
+        return {number(0), number(2)};
+    }
+};
+
+const std::vector<std::string>& requireProgram(const Program& program)
+{
+    if (!program || program->empty())
+        throw WrongUse("expected -- and a program");
+    return *program;
+}
+
+struct RunOptions {
+    std::vector<std::string> files;
+    DeviceOptions device;
+    bool programTakesInput = false;
+};
+
+int runProgram(const RunOptions& options, const Program& program)
+{
+    SessionOptions session;
+    session.program = requireProgram(program);
+    session.programTakesInput = options.programTakesInput;
+    for (const std::string& file : options.files)
+        for (Profile& profile : loadProfiles(file, options.device.get()))
+            session.profiles.push_back(std::move(profile));
+    if (session.profiles.empty())
+        session.profiles.push_back(profiles().front());
+    return runSession(session);
+}
+
+void addInputOption(CLI::App& command, bool& programTakesInput)
+{
+    command.add_flag("-i,--interactive", programTakesInput,
+        "PROGRAM has standard input, and the terminal, instead of commands");
+}
+
+void addRunCommand(CLI::App& app, const Program& program, Run& run)
+{
+    const auto options = std::make_shared<RunOptions>();
+    CLI::App* const command
+        = app.add_subcommand("run", "Run a program with simulated devices");
+    command->add_option("FILE", options->files, "Files and profiles, one or more devices each")
+        ->type_name("");
+    options->device.add(*command);
+    addInputOption(*command, options->programTakesInput);
+    command->footer(kRunFooter);
+    command->callback([options, &program, &run] {
+        run = [options, &program] { return runProgram(*options, program); };
+    });
+}
+
+struct ReplayCommandOptions {
+    std::string file;
+    size_t device = 1;
+    ReplayOptions replay;
+    std::string within;
+    bool programTakesInput = false;
+};
+
+Profile profileOf(const report::RecordedDevice& device, const std::string& file)
+{
+    if (device.descriptor.empty())
+        throw WrongUse(file + ": the recording has no report descriptor (R: line) of the device");
+    Profile profile{.name = file, .description = "", .info = {}};
+    profile.info.vendorId = device.vendorId;
+    profile.info.productId = device.productId;
+    profile.info.product = utf16(text::printable(device.name)).value_or(u"");
+    profile.info.controls().reportDescriptor = device.descriptor;
+    return profile;
+}
+
+report::Recording readRecording(const std::string& file)
+{
+    auto result = report::readRecordingFile(file);
+    if (const auto* const error = std::get_if<report::DescriptorError>(&result))
+        throw WrongUse(error->text);
+    return std::get<report::Recording>(std::move(result));
+}
+
+int replay(const ReplayCommandOptions& options, const Program& program)
+{
+    SessionOptions session;
+    session.program = requireProgram(program);
+    session.programTakesInput = options.programTakesInput;
+    const report::Recording recording = readRecording(options.file);
+    if (options.device > recording.devices.size())
+        throw WrongUse(options.file + ": the recording has no device "
+            + std::to_string(options.device) + "; it has "
+            + std::to_string(recording.devices.size()));
+    session.profiles = {profileOf(recording.devices[options.device - 1], options.file)};
+    session.replay.emplace();
+    session.replay->options = options.replay;
+    for (const report::RecordedReport& report : recording.reports)
+        if (report.device == options.device - 1)
+            session.replay->reports.push_back(report);
+    if (!options.within.empty()) {
+        const auto within = parseDuration(options.within);
+        if (!within)
+            throw WrongUse("--within takes a time such as 500ms or 2s");
+        session.replay->options.patience = *within;
+    }
+    return runSession(session);
+}
+
+void addReplayCommand(CLI::App& app, const Program& program, Run& run)
+{
+    const auto options = std::make_shared<ReplayCommandOptions>();
+    CLI::App* const command
+        = app.add_subcommand("replay", "Run a program with a device that was recorded");
+    command->add_option("RECORDING", options->file, "As kelprobectl monitor --record writes it")
+        ->required()
+        ->type_name("");
+    command->add_option("--device", options->device, "Of several in the recording; default 1")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+    command->add_option("--speed", options->replay.speed, "2 is twice as fast; default 1")
+        ->check(CLI::Range(0.001, 1000.0))
+        ->type_name("N");
+    command->add_flag(
+        "--check", options->replay.check, "Compare what PROGRAM sends with the recording");
+    command->add_option("--within", options->within,
+           "With --check: how much later than recorded a report of PROGRAM may be; default 5s")
+        ->type_name("T");
+    addInputOption(*command, options->programTakesInput);
+    command->footer(kReplayFooter);
+    command->callback([options, &program, &run] {
+        run = [options, &program] { return replay(*options, program); };
+    });
+}
+
+int printProfiles()
+{
+    for (const Profile& profile : profiles())
+        printf("%-16s %04x:%04x  %s\n", profile.name.c_str(), unsigned{profile.info.vendorId},
+            unsigned{profile.info.productId}, profile.description.c_str());
+    return EXIT_SUCCESS;
+}
+
+int printProfile(const std::string& file, size_t number, const ProfileOptions& options)
+{
+    const std::vector<Profile> found = loadProfiles(file, options);
+    if (number > found.size())
+        throw WrongUse(file + ": there is no device " + std::to_string(number) + "; there are "
+            + std::to_string(found.size()));
+    fputs(writeProfile(found[number - 1]).c_str(), stdout);
+    return EXIT_SUCCESS;
+}
+
+void addProfileCommand(CLI::App& app, Run& run)
+{
+    struct Options {
+        std::string file;
+        size_t number = 1;
+        DeviceOptions device;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command
+        = app.add_subcommand("profile", "Print the device of a file as a device profile");
+    command->add_option("FILE", options->file, "A descriptor file, a recording or a profile")
+        ->required()
+        ->type_name("");
+    command->add_option("--device", options->number, "Of several in the file; default 1")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+    options->device.add(*command);
+    command->footer("Example: kelprobe-sim profile bug-report.hid >bug-report.json");
+    command->callback([options, &run] {
+        run = [options] {
+            return printProfile(options->file, options->number, options->device.get());
+        };
+    });
+}
+
+} // namespace
+
+void addDeviceCommands(CLI::App& app, const Program& program, Run& run)
+{
+    addRunCommand(app, program, run);
+    addReplayCommand(app, program, run);
+    app.add_subcommand("list", "List the built-in profiles")->callback([&run] {
+        run = [] { return printProfiles(); };
+    });
+    addProfileCommand(app, run);
+}
+
+} // namespace sim
