@@ -24,6 +24,12 @@ void InterfaceOwner::startReading()
         addEvent(DeviceEvent::Kind::kOpened);
 }
 
+void InterfaceOwner::stopReading()
+{
+    if (std::exchange(reading_, false))
+        addEvent(DeviceEvent::Kind::kClosed);
+}
+
 long InterfaceOwner::release(UMockdevIoctlClient* client)
 {
     if (claimedBy_ != client)
@@ -38,8 +44,7 @@ void InterfaceOwner::removeClient(UMockdevIoctlClient* client)
         return;
     claimedBy_ = nullptr;
     ++device_.counters.releases;
-    if (std::exchange(reading_, false))
-        addEvent(DeviceEvent::Kind::kClosed);
+    stopReading();
 }
 
 long InterfaceOwner::connectDriver()

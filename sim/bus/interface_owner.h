@@ -28,6 +28,7 @@ public:
     // A client that has claimed the interface reads from it. The first time, the device is opened:
     // programs also claim an interface for a moment to read its descriptor.
     void startReading();
+    void stopReading(); // also when the interface is released
 
     // Releases the interface if the client has claimed it.
     void removeClient(UMockdevIoctlClient* client);

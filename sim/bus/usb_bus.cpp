@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 namespace sim {
 namespace {
 
-constexpr size_t kMaxRootLength = 60; // paths of sockets below it have at most 107 characters
+constexpr size_t kMaxRootLength = 80; // paths of sockets below it have at most 107 characters
 constexpr size_t kMinFreeBytes = 512 * size_t{1024}; // a device takes some 10 files of a block
 constexpr size_t kMinFreeFiles = 100;
 

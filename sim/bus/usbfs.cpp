@@ -104,14 +104,19 @@ void Usbfs::setOpenable(bool openable)
 
 void Usbfs::disconnect()
 {
-    const std::lock_guard lock(mutex_);
-    if (!connected_)
-        return;
-    urbs_.finishAllWaiting(-ESHUTDOWN);
-    stateChanged();
-    connected_ = false;
-    node_.hangUp();
-    changed_.notify_all();
+    {
+        const std::lock_guard lock(mutex_);
+        if (!connected_)
+            return;
+        urbs_.finishAllWaiting(-ESHUTDOWN);
+        stateChanged();
+        connected_ = false;
+        node_.hangUp();
+        changed_.notify_all();
+        for (Interface& interface : interfaces_)
+            interface.owner.stopReading();
+    }
+    device_->deliverEvents();
 }
 
 bool Usbfs::driverBound(uint8_t interface)
