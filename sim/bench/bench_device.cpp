@@ -11,6 +11,8 @@ namespace {
 using Kind = BenchEvent::Kind;
 
 constexpr const char* kFloodCause = "flood";
+constexpr const char* kRawCause = "raw";
+constexpr const char* kRecordedCause = "recorded";
 
 Kind kindOf(DeviceEvent::Kind kind)
 {
@@ -59,7 +61,8 @@ BenchDevice::~BenchDevice()
 
 void BenchDevice::add(Kind kind, std::string name, std::string state)
 {
-    queue_.add({.device = number_, .kind = kind, .name = std::move(name), .state = std::move(state)});
+    queue_.add(
+        {.device = number_, .kind = kind, .name = std::move(name), .state = std::move(state)});
 }
 
 void BenchDevice::note(const std::string& text)
@@ -87,7 +90,8 @@ CommandResult BenchDevice::noButton(std::string_view name)
     for (const Panel::ButtonState& button : device_.panel().buttons())
         buttons.push_back(button.name);
     const std::vector<std::string_view> names(buttons.begin(), buttons.end());
-    return {kNotUnderstood, "the device has no button " + std::string(name) + suggestion(name, names)};
+    return {
+        kNotUnderstood, "the device has no button " + std::string(name) + suggestion(name, names)};
 }
 
 CommandResult BenchDevice::press(std::string_view button, Press press)
@@ -103,8 +107,13 @@ CommandResult BenchDevice::release(std::string_view button)
 
 CommandResult BenchDevice::sendRaw(const Bytes& report)
 {
-    device_.inject(report, "raw report");
+    device_.inject(report, kRawCause);
     return {};
+}
+
+void BenchDevice::sendRecorded(const Bytes& report)
+{
+    device_.inject(report, kRecordedCause);
 }
 
 CommandResult BenchDevice::unplug()
@@ -148,7 +157,8 @@ CommandResult BenchDevice::flood(int reports)
 {
     if (reports < 1 || static_cast<size_t>(reports) > UrbQueue::kMaxInput)
         return {kNotUnderstood,
-            "fault flood takes a number of reports from 1 to " + std::to_string(UrbQueue::kMaxInput)};
+            "fault flood takes a number of reports from 1 to "
+                + std::to_string(UrbQueue::kMaxInput)};
     BenchEvent event{.device = number_, .kind = Kind::kInput, .count = 0};
     event.report = device_.panel().stateReport();
     event.cause = kFloodCause;
@@ -250,7 +260,9 @@ std::string BenchDevice::summary()
 {
     const std::string hook = hookText();
     return std::to_string(number_) + "  " + summaryOf(profile_) + "  "
-        + (!device_.isPlugged() ? "unplugged" : open_ ? "open" : "closed")
+        + (!device_.isPlugged() ? "unplugged"
+                : open_         ? "open"
+                                : "closed")
         + (hook.empty() ? "" : ", hook " + hook);
 }
 

@@ -29,6 +29,7 @@ public:
     CommandResult replug();
     // `number` is empty, a number, or "off".
     CommandResult setFault(std::string_view name, std::string_view number);
+    void sendRecorded(const Bytes& report);
     void note(const std::string& text); // adds a line to the transcript
 
     // "/dev/bus/usb/001/002"
@@ -52,9 +53,9 @@ public:
     void announceLamps();
     [[nodiscard]] std::optional<std::chrono::microseconds> blinkCheck() const;
 
-    [[nodiscard]] Json::Value json();      // as in `devices --json`
-    [[nodiscard]] std::string summary();   // a line, printable
-    [[nodiscard]] std::string hookText();  // "on", "off"; empty without a hook switch
+    [[nodiscard]] Json::Value json();     // as in `devices --json`
+    [[nodiscard]] std::string summary();  // a line, printable
+    [[nodiscard]] std::string hookText(); // "on", "off"; empty without a hook switch
 
 private:
     void add(BenchEvent::Kind kind, std::string name = {}, std::string state = {});

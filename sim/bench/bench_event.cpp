@@ -63,9 +63,12 @@ std::string changesOf(const BenchEvent& event)
     return words.empty() ? "no change" : joined(words);
 }
 
+// A button's name explains its report. Other reports need their meaning.
 std::string causeOf(const BenchEvent& event)
 {
     std::string text = event.cause;
+    if ((text == "raw" || text == "recorded") && !event.meaning.empty())
+        text += ": " + joined(event.meaning);
     if (event.count > 1)
         text += ", " + std::to_string(event.count) + " times";
     if (event.delivery == Delivery::kNoListener)

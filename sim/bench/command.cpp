@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace sim {
 namespace {
@@ -68,8 +69,8 @@ std::string takeOptions(
     return {};
 }
 
-CommandOutcome call(const Command& command, std::span<const std::string_view> words,
-    CommandCall&& call)
+CommandOutcome call(
+    const Command& command, std::span<const std::string_view> words, CommandCall&& call)
 {
     const std::string mistake = takeOptions(command, words, call);
     if (!mistake.empty())
@@ -101,16 +102,18 @@ void Answers::text(const std::string& line)
 
 std::string commandHelp()
 {
-    constexpr size_t kColumn = 30;
+    constexpr size_t kColumn = 22;
     std::string text = "Commands, a line each; \"2: mute\" is for the second device:\n";
     for (const Command& command : commands()) {
         if (command.help.empty())
             continue;
         std::string left = "  " + usageOf(command);
+        if (left.size() >= kColumn)
+            text += std::exchange(left, "") + '\n';
         std::string_view help = command.help;
         while (!help.empty()) {
             const size_t end = std::min(help.find('\n'), help.size());
-            left.resize(std::max(left.size() + 1, kColumn), ' ');
+            left.resize(kColumn, ' ');
             text += left + std::string(help.substr(0, end)) + '\n';
             help.remove_prefix(std::min(end + 1, help.size()));
             left.clear();
@@ -126,7 +129,8 @@ CommandOutcome runCommand(Bench& bench, Answers& answers, std::string_view line)
         const auto before = splitWords(line.substr(0, colon));
         const auto given = before.size() == 1 ? parseNumber(before[0]) : std::nullopt;
         if (!given || *given < 1 || static_cast<size_t>(*given) > bench.devices().size())
-            return notUnderstood("no such device; there are " + std::to_string(bench.devices().size()));
+            return notUnderstood(
+                "no such device; there are " + std::to_string(bench.devices().size()));
         number = static_cast<size_t>(*given);
         line.remove_prefix(colon + 1);
     }

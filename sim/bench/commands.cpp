@@ -107,8 +107,9 @@ CommandOutcome wait(const CommandCall& call)
     const auto check = [&device, wanted]() -> CommandResult {
         if (device.isOpen() == (wanted == "open"))
             return {};
-        return {kNotMet, std::string("the device is ") + (device.isOpen() ? "open" : "closed")
-                + ", not " + wanted};
+        return {kNotMet,
+            std::string("the device is ") + (device.isOpen() ? "open" : "closed") + ", not "
+                + wanted};
     };
     return CommandWait{check, within};
 }
@@ -127,7 +128,9 @@ CommandOutcome expect(const CommandCall& call)
         const std::string state = nameOf(*list.state(lamp));
         if (state == wanted)
             return {};
-        return {kNotMet, lamp + " is " + state + ", not " + wanted};
+        const auto words
+            = [](const std::string& name) { return name == "blink" ? "blinking" : name; };
+        return {kNotMet, lamp + " is " + words(state) + ", not " + words(wanted)};
     };
     return CommandWait{check, call.within.value_or(std::chrono::milliseconds(0))};
 }
@@ -190,8 +193,8 @@ constexpr Command kCommands[] = {
         "none does; until every report has been read and\n"
         "none was sent for 200 ms. T is 500ms or 2s, default 5s",
         wait},
-    {"expect", "LAMP on|off|blink [--within T]",
-        "fail unless the lamp is so, now or within T", expect},
+    {"expect", "LAMP on|off|blink [--within T]", "fail unless the lamp is so, now or within T",
+        expect},
     {"unplug", "", "unplug the device", unplug},
     {"replug", "", "plug it in again, unplug it first if necessary", replug},
     {"fault", "NAME [N|off]",

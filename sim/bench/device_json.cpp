@@ -54,8 +54,8 @@ std::string summaryOf(const Profile& profile)
 {
     const UsbDeviceInfo& info = profile.info;
     const std::string product = text::printable(validUtf8(info.product));
-    return text::printable(profile.name) + "  " + hex16(info.vendorId) + ':'
-        + hex16(info.productId) + (product.empty() ? "" : "  " + product);
+    return text::printable(profile.name) + "  " + hex16(info.vendorId) + ':' + hex16(info.productId)
+        + (product.empty() ? "" : "  " + product);
 }
 
 } // namespace sim

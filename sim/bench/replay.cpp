@@ -135,7 +135,7 @@ void Replay::onTick()
         latest_ = bench_.now();
         ++nextInput_;
         findNext(nextInput_, true);
-        (void)device_.sendRaw(input.bytes);
+        device_.sendRecorded(input.bytes);
         bench_.dispatch();
     }
     if (const auto limit = outputLimit(); limit && *limit <= bench_.now())

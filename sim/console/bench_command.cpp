@@ -12,6 +12,8 @@
 namespace sim {
 namespace {
 
+constexpr const char* kSocketOption = "--socket";
+
 // In the line that is sent, words are between blanks.
 std::string lineOf(const std::string& device, const CLI::App& command)
 {
@@ -37,20 +39,23 @@ std::string takeDeviceNumber(std::vector<std::string>& words)
 {
     const auto isNumber = [](const std::string& word) {
         return word.size() > 1 && word.back() == ':'
-            && std::all_of(word.begin(), word.end() - 1,
-                [](unsigned char c) { return std::isdigit(c) != 0; });
+            && std::all_of(
+                word.begin(), word.end() - 1, [](unsigned char c) { return std::isdigit(c) != 0; });
     };
-    if (words.empty() || !isNumber(words.front()))
+    const bool hasSocket = !words.empty() && words.front() == kSocketOption;
+    const auto place
+        = words.begin() + std::min<std::ptrdiff_t>(hasSocket ? 2 : 0, std::ssize(words));
+    if (place == words.end() || !isNumber(*place))
         return {};
-    const std::string number = words.front();
-    words.erase(words.begin());
+    const std::string number = *place;
+    words.erase(place);
     return number;
 }
 
 void addBenchCommands(CLI::App& app, const std::string& device, Run& run)
 {
     const auto socket = std::make_shared<std::string>();
-    app.add_option("--socket", *socket,
+    app.add_option(kSocketOption, *socket,
            "The control socket of the bench; default: that of the bench in which this runs")
         ->type_name("PATH");
     for (const Command& command : commands()) {

@@ -7,7 +7,7 @@
 
 namespace sim {
 
-// Removes the number of a device, "2:", from the beginning of the words, and returns it. Empty if
+// Removes the number of a device, "2:", from the words before the command, and returns it. Empty if
 // there is none.
 [[nodiscard]] std::string takeDeviceNumber(std::vector<std::string>& words);
 

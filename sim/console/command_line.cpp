@@ -20,7 +20,8 @@ constexpr int kWrongUse = 2;
 constexpr const char* kDescription
     = "Runs programs with simulated USB HID devices, and operates the devices.";
 
-constexpr const char* kFooter = R"(Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
+constexpr const char* kFooter
+    = R"(Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
 PROGRAM or kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run;
 1 if the devices cannot be simulated or a replay differs; 2 for a mistake in the
 command line or in a file. Of the commands for a running bench: 0 done, 1 an
@@ -64,7 +65,9 @@ int reportMistake(const CLI::App& app, const CLI::ParseError& error)
         : &command == &app && error.get_name() == "RequiredError" ? "expected a command"
                                                                   : error.what();
     const std::string name = &command == &app ? "" : command.get_name() + ' ';
-    fprintf(stderr, "kelprobe-sim: %s\nTry kelprobe-sim %s--help.\n", mistake.c_str(), name.c_str());
+    const bool suggests = mistake.ends_with('?');
+    const std::string remedy = suggests ? "" : "; try kelprobe-sim " + name + "--help";
+    fprintf(stderr, "kelprobe-sim: %s%s\n", mistake.c_str(), remedy.c_str());
     return kWrongUse;
 }
 
@@ -101,7 +104,8 @@ Words splitWords(int argc, char** argv)
 int parseAndRun(Words words)
 {
     CLI::App app(kDescription, "kelprobe-sim");
-    app.set_version_flag("--version", "kelprobe-sim " KELPROBE_VERSION, "Print the version and exit");
+    app.set_version_flag(
+        "--version", "kelprobe-sim " KELPROBE_VERSION, "Print the version and exit");
     app.set_help_flag("-h,--help", "Print this text and exit");
     app.require_subcommand(1);
     app.footer(kFooter);

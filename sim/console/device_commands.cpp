@@ -19,7 +19,8 @@ namespace {
 
 using Program = std::optional<std::vector<std::string>>;
 
-constexpr const char* kRunFooter = R"(FILE is a device profile, a report descriptor in any format that kelprobectl
+constexpr const char* kRunFooter
+    = R"(FILE is a device profile, a report descriptor in any format that kelprobectl
 describe reads, or a recording; PROFILE is one that kelprobe-sim list shows.
 Without either it is the speakerphone.
 
@@ -30,7 +31,8 @@ and what it starts can give the same commands: kelprobe-sim press mute.
 
 Example: kelprobe-sim run bug-report.hid -- kelprobe)";
 
-constexpr const char* kReplayFooter = R"(The device's reports are sent at their times, from when PROGRAM reads from the
+constexpr const char* kReplayFooter
+    = R"(The device's reports are sent at their times, from when PROGRAM reads from the
 device. With --check they also wait for the reports of PROGRAM that come before
 them in the recording, and PROGRAM's reports are compared with the recorded ones.
 The first difference is printed and ends PROGRAM; the exit status is 1 then.
@@ -71,8 +73,8 @@ private:
     [[nodiscard]] report::DeviceIds parseIds() const
     {
         const bool hasColon = ids.size() == 9 && ids[4] == ':';
-        const auto bytes = hasColon ? report::fromHex(ids.substr(0, 4) + ids.substr(5))
-                                    : std::nullopt;
+        const auto bytes
+            = hasColon ? report::fromHex(ids.substr(0, 4) + ids.substr(5)) : std::nullopt;
         if (!bytes)
             throw WrongUse("--ids takes two numbers of four hexadecimal digits, such as 1209:0001");
         const auto number = [&bytes](size_t at) {
@@ -100,11 +102,10 @@ int runProgram(const RunOptions& options, const Program& program)
     SessionOptions session;
     session.program = requireProgram(program);
     session.programTakesInput = options.programTakesInput;
-    for (const std::string& file : options.files)
+    const std::vector<std::string> standard = {profiles().front().name};
+    for (const std::string& file : options.files.empty() ? standard : options.files)
         for (Profile& profile : loadProfiles(file, options.device.get()))
             session.profiles.push_back(std::move(profile));
-    if (session.profiles.empty())
-        session.profiles.push_back(profiles().front());
     return runSession(session);
 }
 
@@ -117,8 +118,7 @@ void addInputOption(CLI::App& command, bool& programTakesInput)
 void addRunCommand(CLI::App& app, const Program& program, Run& run)
 {
     const auto options = std::make_shared<RunOptions>();
-    CLI::App* const command
-        = app.add_subcommand("run", "Run a program with simulated devices");
+    CLI::App* const command = app.add_subcommand("run", "Run a program with simulated devices");
     command->add_option("FILE", options->files, "Files and profiles, one or more devices each")
         ->type_name("");
     options->device.add(*command);
@@ -198,8 +198,9 @@ void addReplayCommand(CLI::App& app, const Program& program, Run& run)
         ->type_name("N");
     command->add_flag(
         "--check", options->replay.check, "Compare what PROGRAM sends with the recording");
-    command->add_option("--within", options->within,
-           "With --check: how much later than recorded a report of PROGRAM may be; default 5s")
+    command
+        ->add_option("--within", options->within,
+            "With --check: how much later than recorded a report of PROGRAM may be; default 5s")
         ->type_name("T");
     addInputOption(*command, options->programTakesInput);
     command->footer(kReplayFooter);

@@ -52,8 +52,8 @@ public:
         , transcript_(bench_)
         , source_(bench_)
         , server_(bench_, directory_.socket())
-        , clientOptions_{preloadLibraries(directory_.path()), directory_.socket(),
-              options.programTakesInput}
+        , clientOptions_{
+              preloadLibraries(directory_.path()), directory_.socket(), options.programTakesInput}
     {
         bench_.onQuit = [this] { end(EXIT_SUCCESS); };
         if (options.replay)
@@ -65,7 +65,7 @@ public:
     int run(const std::vector<std::string>& program)
     {
         runProgram(program);
-        bench_.tick(); // prints what happened at the end
+        finish();
         if (replay_)
             replay_->end();
         return differs_ ? kDiffers : *status_;
@@ -88,6 +88,15 @@ private:
             g_main_context_iteration(nullptr, TRUE);
     }
 
+    // Handles what happened until the end of the program: events, and reports of our preload
+    // library on the socket.
+    void finish()
+    {
+        constexpr int kMost = 10'000; // a client of the socket may go on
+        for (int i = 0; i < kMost && g_main_context_iteration(nullptr, FALSE); ++i) { }
+        bench_.tick();
+    }
+
     void startReplay(const ReplayedDevice& replayed)
     {
         const auto onDifference = [this](const std::string& explanation) {
@@ -95,8 +104,7 @@ private:
             differs_ = true;
             end(kDiffers);
         };
-        replay_.emplace(
-            bench_, bench_.device(1), replayed.reports, replayed.options, onDifference);
+        replay_.emplace(bench_, bench_.device(1), replayed.reports, replayed.options, onDifference);
         bench_.isPlaying = [this] { return replay_->isPlaying(); };
     }
 

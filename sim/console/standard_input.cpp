@@ -20,8 +20,8 @@ StandardInput::StandardInput(Bench& bench)
     const auto onReadable = +[](int, GIOCondition, gpointer self) -> gboolean {
         return static_cast<StandardInput*>(self)->read() ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
     };
-    source_ = std::make_unique<EventSource>(
-        g_unix_fd_add(STDIN_FILENO, kReadable, onReadable, this));
+    source_
+        = std::make_unique<EventSource>(g_unix_fd_add(STDIN_FILENO, kReadable, onReadable, this));
 }
 
 void StandardInput::send(const Json::Value& object)

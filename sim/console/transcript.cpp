@@ -24,7 +24,8 @@ Transcript::~Transcript()
 // With more than one device, the number of the device comes after the time.
 void Transcript::onEvent(const BenchEvent& event)
 {
-    const std::string line = toText(event, bench_.devices().size() > 1 ? Numbered::kYes : Numbered::kNo);
+    const std::string line
+        = toText(event, bench_.devices().size() > 1 ? Numbered::kYes : Numbered::kNo);
     if (!line.empty())
         printLine(line);
 }

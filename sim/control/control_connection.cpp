@@ -127,8 +127,7 @@ void ControlConnection::write()
 {
     while (!closed_ && !output_.empty()) {
         GError* error = nullptr;
-        const gssize size
-            = g_socket_send(socket_, output_.data(), output_.size(), nullptr, &error);
+        const gssize size = g_socket_send(socket_, output_.data(), output_.size(), nullptr, &error);
         if (size < 0) {
             if (!wouldBlock(error))
                 close();

@@ -16,8 +16,7 @@ public:
 
     // `onClose` is called from the main context, once, after which the object may be destroyed,
     // but not during the call. Takes its own reference to `connection`.
-    ControlConnection(
-        Bench& bench, GSocketConnection* connection, std::function<void()> onClose);
+    ControlConnection(Bench& bench, GSocketConnection* connection, std::function<void()> onClose);
     ~ControlConnection() override;
     ControlConnection(const ControlConnection&) = delete;
     ControlConnection& operator=(const ControlConnection&) = delete;

@@ -38,8 +38,8 @@ ControlServer::ControlServer(Bench& bench, const std::filesystem::path& socket)
         g_object_unref(service_);
         throw std::runtime_error(text);
     }
-    const auto incoming = +[](GSocketService*, GSocketConnection* connection, GObject*,
-                               gpointer self) -> gboolean {
+    const auto incoming
+        = +[](GSocketService*, GSocketConnection* connection, GObject*, gpointer self) -> gboolean {
         static_cast<ControlServer*>(self)->accept(connection);
         return TRUE;
     };

@@ -7,8 +7,8 @@
 
 namespace sim {
 
-// "kelprobe-sim.XXXXXX" below TMPDIR (or /tmp), which only its user may enter. The file "lock" in it
-// is locked while the bench lives, so that another one can see whether its directory was left
+// "kelprobe-sim.XXXXXX" below TMPDIR (or /tmp), which only its user may enter. The file "lock" in
+// it is locked while the bench lives, so that another one can see whether its directory was left
 // behind.
 class RunDirectory {
 public:

@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -33,8 +34,7 @@ public:
     bool send(const std::string& text) const
     {
         for (size_t sent = 0; sent < text.size();) {
-            const ssize_t size
-                = ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+            const ssize_t size = ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
             if (size <= 0)
                 return false;
             sent += static_cast<size_t>(size);
@@ -42,7 +42,13 @@ public:
         return true;
     }
 
-    // The next line; "end" after the last.
+    // Sends what there is room for. False if there is none.
+    bool sendNow(const std::string& text) const
+    {
+        return ::send(fd_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT) > 0;
+    }
+
+    // The next line; "end" after the last, "nothing came" after 20 s.
     std::string line()
     {
         for (;;) {
@@ -54,7 +60,7 @@ public:
             char buffer[4096];
             const ssize_t size = recv(fd_, buffer, sizeof buffer, 0);
             if (size <= 0)
-                return "end";
+                return size < 0 && errno == EAGAIN ? "nothing came" : "end";
             text_.append(buffer, static_cast<size_t>(size));
         }
     }
@@ -67,7 +73,8 @@ public:
         for (;;) {
             const std::string object = line();
             text += object + '\n';
-            if (object == "end" || object.find("\"status\"") != object.npos)
+            if (object == "end" || object == "nothing came"
+                || object.find("\"status\"") != object.npos)
                 return text;
         }
     }

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 class KelprobeSim : public testing::Test {
@@ -92,12 +93,16 @@ protected:
         return exitStatus();
     }
 
-    // The control socket of the bench that runs.
+    // The control socket of the bench that was started. Waits until there is one.
     std::string socket() const
     {
-        for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))
-            if (entry.path().filename().native().starts_with("kelprobe-sim."))
-                return entry.path() / "control";
+        constexpr int kTries = 20'000;
+        for (int i = 0; i < kTries; ++i) {
+            for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))
+                if (std::filesystem::exists(entry.path() / "control"))
+                    return entry.path() / "control";
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         return "no socket";
     }
 

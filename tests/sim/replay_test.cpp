@@ -1,0 +1,110 @@
+// kelprobe-sim replay with the recording of a meeting.
+#include "tests/sim/sim_process.h"
+
+namespace {
+
+class Replay : public KelprobeSim {
+protected:
+    // The recording with other lines instead of the one that switches the mute lamp on, whose time
+    // they can refer to as \\1.
+    std::string recordingWith(const std::string& text) const
+    {
+        return outputOf("sed -E 's/^# output ([0-9.]+) 3 03 05 00 .*/" + text + "/' "
+            + KELPROBE_MEETING + " >" + changed_.path() + "changed.hid; echo -n " + changed_.path()
+            + "changed.hid");
+    }
+
+    // Replays four times as fast, with what a person did at the computer when it was recorded.
+    std::string command(const std::string& recording) const
+    {
+        return "kelprobe-sim 2>&1 replay " + recording
+            + " --check --speed 4 --within 1s -- sh -c '(echo ring; "
+              "kelprobe-sim expect mute on --within 20s; kelprobe-sim expect mute off --within "
+              "20s; "
+              "echo ring; kelprobe-sim wait idle --within 20s) 2>&1 | kelprobectl meeting' >&2";
+    }
+
+private:
+    const test::TempDirectory changed_;
+};
+
+TEST_F(Replay, AProgramThatBehavesAsRecordedPasses)
+{
+    const test::TempDirectory directory;
+    const std::string again = directory.path() + "again.hid";
+    const std::string recording = KELPROBE_MEETING;
+    std::string text = command(recording);
+    text.replace(text.find("meeting'"), 7, "meeting --record " + again);
+    start(text);
+    EXPECT_EQ(lineWith("every recorded report"), "--   every recorded report was sent");
+    EXPECT_EQ(exitStatus(), 0);
+
+    // What it did was recorded in turn: the same reports, at other times.
+    for (const std::string kind : {"E:", "# output"}) {
+        const std::string reports = "sed -nE 's/^" + kind + " [0-9.]+ //p' ";
+        EXPECT_EQ(outputOf(reports + again), outputOf(reports + recording));
+    }
+}
+
+TEST_F(Replay, PrintsTheFirstDifferenceInContext)
+{
+    const std::string muteOn = "# output \\1 3 03 05 00 -> 3";
+    for (const auto& [text, explanation] :
+        {
+            // The program sends another report than was recorded.
+            std::pair{std::string("# output \\1 3 03 04 00 -> 3"),
+                std::vector<std::string>{"kelprobe-sim: difference at report 11 of",
+                    "out      03 01 00     Off-Hook on", "out      03 01 00",
+                    "in       03 09 00     Phone Mute on",
+                    "out      03 04 00     Off-Hook off, Mute on", "+ the program sent 03 05 00"}},
+            // It does not send a report that the device waits for.
+            {muteOn + "\\n" + muteOn,
+                {"kelprobe-sim: difference at report 12 of", "out      03 05 00     Mute on",
+                    "+ the program sent nothing for 1 s"}},
+            // It sends one more.
+            {"# none", {"kelprobe-sim: difference at report 13 of", "+ the program sent 03 05 00"}},
+        }) {
+        start(command(recordingWith(text)));
+        for (const std::string& part : explanation)
+            EXPECT_NE(lineWith(part), "end") << part;
+        EXPECT_EQ(exitStatus(), 1) << text;
+    }
+}
+
+// In the order of the recording, and not before the program reads.
+TEST_F(Replay, SendsTheDevicesReportsAtTheirTimes)
+{
+    start("kelprobe-sim replay " + std::string(KELPROBE_MEETING)
+        + " --speed 100 -- sh -c 'sleep .05; exec sim-client open r 030100 r 030900 r 030100 "
+          "r 030900 r 030100 r 030300 r 030100 gone'");
+    play({
+        {"", "--   opened"},
+        {"", "in   03 01 00     recorded: Hook Switch on"},
+        {"", "in   03 09 00     recorded: Phone Mute on"},
+        {"", "in   03 01 00     recorded: Phone Mute off"},
+        {"", "in   03 09 00     recorded: Phone Mute on"},
+        {"", "in   03 01 00     recorded: Phone Mute off"},
+        {"", "in   03 03 00     recorded: Line Busy Tone on"},
+        {"", "in   03 01 00     recorded: Line Busy Tone off"},
+        {"", "--   every recorded report was sent"},
+    });
+    give("quit");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Replay, RefusesARecordingThatItCannotPlay)
+{
+    const test::TempDirectory files;
+    for (const auto& [text, options, error] : {
+             std::tuple{"N: x\n", "", ": the recording has no report descriptor (R: line) of"},
+             {"R: 1 c0\n", "--device 2", ": the recording has no device 2; it has 1"},
+             {"R: 2 c0\n", "", ":1:"},
+             {"R: 1 c0\n", "--within soon", "--within takes a time"},
+         }) {
+        start("kelprobe-sim 2>&1 replay " + files.file("r.hid", text) + " " + options + " -- true");
+        EXPECT_NE(line().find(error), std::string::npos) << error;
+        EXPECT_EQ(exitStatus(), 2) << error;
+    }
+}
+
+} // namespace
