@@ -57,7 +57,7 @@ static int can_open(const char* node, int flags, mode_t mode)
     return fd >= 0;
 }
 
-/* Never blocks. If the bench does not take it at once, the report is lost. Leaves errno as it is. */
+/* Never blocks: what the bench does not take at once is lost. Leaves errno as it is. */
 static void report_refusal(const char* path)
 {
     const int reason = errno;
