@@ -14,11 +14,11 @@ protected:
             + "changed.hid");
     }
 
-    // Replays four times as fast, with what a person did at the computer when it was recorded.
+    // Replays twice as fast, with what a person did at the computer when it was recorded.
     std::string command(const std::string& recording) const
     {
         return "kelprobe-sim 2>&1 replay " + recording
-            + " --check --speed 4 --within 1s -- sh -c '(echo ring; "
+            + " --check --speed 2 --within 2s -- sh -c '(echo ring; "
               "kelprobe-sim expect mute on --within 20s; kelprobe-sim expect mute off --within "
               "20s; "
               "echo ring; kelprobe-sim wait idle --within 20s) 2>&1 | kelprobectl meeting' >&2";
@@ -39,11 +39,10 @@ TEST_F(Replay, AProgramThatBehavesAsRecordedPasses)
     EXPECT_EQ(lineWith("every recorded report"), "--   every recorded report was sent");
     EXPECT_EQ(exitStatus(), 0);
 
-    // What it did was recorded in turn: the same reports, at other times.
-    for (const std::string kind : {"E:", "# output"}) {
-        const std::string reports = "sed -nE 's/^" + kind + " [0-9.]+ //p' ";
-        EXPECT_EQ(outputOf(reports + again), outputOf(reports + recording));
-    }
+    // What it did was recorded in turn: the same reports. Two threads write them into a recording,
+    // not always in the order in which the device receives them.
+    const std::string reports = " | sed -nE 's/^(E:|# output) [0-9.]+ /\\1 /p' | sort";
+    EXPECT_EQ(outputOf("cat " + again + reports), outputOf("cat " + recording + reports));
 }
 
 TEST_F(Replay, PrintsTheFirstDifferenceInContext)
@@ -60,7 +59,7 @@ TEST_F(Replay, PrintsTheFirstDifferenceInContext)
             // It does not send a report that the device waits for.
             {muteOn + "\\n" + muteOn,
                 {"kelprobe-sim: difference at report 12 of", "out      03 05 00     Mute on",
-                    "+ the program sent nothing for 1 s"}},
+                    "+ the program sent nothing for 2 s"}},
             // It sends one more.
             {"# none", {"kelprobe-sim: difference at report 13 of", "+ the program sent 03 05 00"}},
         }) {

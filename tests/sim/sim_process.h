@@ -3,8 +3,11 @@
 
 #include "tests/support/temp_directory.h"
 
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -93,13 +96,13 @@ protected:
         return exitStatus();
     }
 
-    // The control socket of the bench that was started. Waits until there is one.
+    // The control socket of the bench that was started. Waits until it takes clients.
     std::string socket() const
     {
         constexpr int kTries = 20'000;
         for (int i = 0; i < kTries; ++i) {
             for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))
-                if (std::filesystem::exists(entry.path() / "control"))
+                if (takesClients(entry.path() / "control"))
                     return entry.path() / "control";
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
@@ -111,6 +114,18 @@ protected:
     pid_t pid_ = -1;
 
 private:
+    static bool takesClients(const std::string& path)
+    {
+        const int file = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+        const bool connected
+            = connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        close(file);
+        return connected;
+    }
+
     const test::TempDirectory directory_;
     const std::string fifo_ = directory_.path() + "in";
     FILE* input_ = nullptr;
