@@ -18,10 +18,9 @@ protected:
     std::string command(const std::string& recording) const
     {
         return "kelprobe-sim 2>&1 replay " + recording
-            + " --check --speed 2 --within 2s -- sh -c '(echo ring; "
-              "kelprobe-sim expect mute on --within 20s; kelprobe-sim expect mute off --within "
-              "20s; "
-              "echo ring; kelprobe-sim wait idle --within 20s) 2>&1 | kelprobectl meeting' >&2";
+            + " --check --speed 2 --within 2s -- sh -c '"
+              "(echo ring; kelprobe-sim expect ring on --within 20s; echo pickup; "
+              "kelprobe-sim wait idle --within 20s) 2>&1 | kelprobectl meeting' >&2";
     }
 
 private:
@@ -48,21 +47,21 @@ TEST_F(Replay, AProgramThatBehavesAsRecordedPasses)
 TEST_F(Replay, PrintsTheFirstDifferenceInContext)
 {
     const std::string muteOn = "# output \\1 3 03 05 00 -> 3";
-    for (const auto& [text, explanation] :
-        {
-            // The program sends another report than was recorded.
-            std::pair{std::string("# output \\1 3 03 04 00 -> 3"),
-                std::vector<std::string>{"kelprobe-sim: difference at report 11 of",
-                    "out      03 01 00     Off-Hook on", "out      03 01 00",
-                    "in       03 09 00     Phone Mute on",
-                    "out      03 04 00     Off-Hook off, Mute on", "+ the program sent 03 05 00"}},
-            // It does not send a report that the device waits for.
-            {muteOn + "\\n" + muteOn,
-                {"kelprobe-sim: difference at report 12 of", "out      03 05 00     Mute on",
-                    "+ the program sent nothing for 2 s"}},
-            // It sends one more.
-            {"# none", {"kelprobe-sim: difference at report 13 of", "+ the program sent 03 05 00"}},
-        }) {
+    for (const auto& [text, explanation] : {
+             // The program sends another report than was recorded.
+             std::pair{std::string("# output \\1 3 03 04 00 -> 3"),
+                 std::vector<std::string>{"kelprobe-sim: difference at report 8 of 19:",
+                     "out      03 00 00     Ring off", "out      03 01 00     Off-Hook on",
+                     "in       03 09 00     Hook Switch on, Phone Mute on",
+                     "out      03 04 00     Off-Hook off, Mute on", "+ the program sent 03 05 00"}},
+             // It does not send a report that the device waits for.
+             {muteOn + "\\n" + muteOn,
+                 {"kelprobe-sim: difference at report 9 of 20:", "out      03 05 00     Mute on",
+                     "+ the program sent nothing for 2 s"}},
+             // It sends one more.
+             {"# none",
+                 {"kelprobe-sim: difference at report 10 of 18:", "+ the program sent 03 05 00"}},
+         }) {
         start(command(recordingWith(text)));
         for (const std::string& part : explanation)
             EXPECT_NE(lineWith(part), "end") << part;
@@ -74,15 +73,16 @@ TEST_F(Replay, PrintsTheFirstDifferenceInContext)
 TEST_F(Replay, SendsTheDevicesReportsAtTheirTimes)
 {
     start("kelprobe-sim replay " + std::string(KELPROBE_MEETING)
-        + " --speed 100 -- sh -c 'sleep .05; exec sim-client open r 030100 r 030900 r 030100 "
-          "r 030900 r 030100 r 030300 r 030100 gone'");
+        + " --speed 100 -- sh -c 'sleep .05; exec sim-client open r 030900 r 030100 "
+          "r 030900 r 030100 r 031100 r 030100 r 030300 r 030100 gone'");
     play({
         {"", "--   opened"},
-        {"", "in   03 01 00     recorded: Hook Switch on"},
-        {"", "in   03 09 00     recorded: Phone Mute on"},
+        {"", "in   03 09 00     recorded: Hook Switch on, Phone Mute on"},
         {"", "in   03 01 00     recorded: Phone Mute off"},
         {"", "in   03 09 00     recorded: Phone Mute on"},
         {"", "in   03 01 00     recorded: Phone Mute off"},
+        {"", "in   03 11 00     recorded: Flash on"},
+        {"", "in   03 01 00     recorded: Flash off"},
         {"", "in   03 03 00     recorded: Line Busy Tone on"},
         {"", "in   03 01 00     recorded: Line Busy Tone off"},
         {"", "--   every recorded report was sent"},
