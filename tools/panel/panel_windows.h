@@ -1,0 +1,36 @@
+// The windows: one for each device.
+#pragma once
+
+#include "tools/panel/bench.h"
+#include "tools/panel/theme.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+
+#include <optional>
+
+namespace panel {
+
+class PanelWindows {
+public:
+    // Both must outlive the object.
+    PanelWindows(Bench& bench, Theme& theme);
+
+    // Opens the window of each device of the bench, or of this one. False if there is none, or if a
+    // window cannot be made.
+    [[nodiscard]] bool open(std::optional<int> device);
+
+    [[nodiscard]] const std::vector<std::unique_ptr<QQuickWindow>>& windows() const
+    {
+        return windows_;
+    }
+
+private:
+    [[nodiscard]] bool openWindow(QQmlComponent& component, Device& device);
+
+    Bench& bench_;
+    QQmlEngine engine_;
+    std::vector<std::unique_ptr<QQuickWindow>> windows_;
+};
+
+} // namespace panel
