@@ -80,7 +80,7 @@ double luminance(const QColor& colour)
 // From 1 to 21, as the Web Content Accessibility Guidelines define it.
 double contrast(const QColor& a, const QColor& b)
 {
-    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
     return (light + 0.05) / (dark + 0.05);
 }
 

@@ -161,8 +161,10 @@ TEST_P(PanelWindow, AButtonIsDownAsLongAsTheMouseOrTheKeyIs)
     fake_.commands.clear();
     item("button-flash")->forceActiveFocus(Qt::TabFocusReason);
     QTest::keyPress(window_, Qt::Key_Space);
-    QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Space, {}, " ", true);
-    QCoreApplication::sendEvent(window_, &repeated);
+    for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) { // the key repeats itself
+        QKeyEvent repeated(type, Qt::Key_Space, {}, QStringLiteral(" "), true);
+        QCoreApplication::sendEvent(window_, &repeated);
+    }
     QTest::keyRelease(window_, Qt::Key_Space);
     EXPECT_TRUE(commandsAre({"1: press flash --hold", "1: release flash"}));
 

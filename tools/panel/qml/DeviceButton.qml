@@ -19,6 +19,10 @@ AbstractButton {
     Accessible.name: isDown ? qsTr("%1, held down").arg(text) : text
     Accessible.pressed: isDown
 
+    // A key that is held down repeats itself, which is no reason to let go.
+    Keys.onPressed: event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+    Keys.onReleased: event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+
     ToolTip.visible: hovered && label.truncated
     ToolTip.text: text
     ToolTip.delay: 500
