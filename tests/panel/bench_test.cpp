@@ -98,6 +98,29 @@ TEST_F(PanelBench, ShowsTheDeviceAndWhatHappensToIt)
     }
 }
 
+TEST_F(PanelBench, PutsTheButtonsOfTheTelephonyPageFirst)
+{
+    QJsonObject state = speakerphone();
+    QJsonArray buttons = state["buttons"].toArray();
+    buttons.prepend(buttons.takeAt(3));
+    state["buttons"] = buttons;
+    fake_.devices[0] = state;
+    connectPanel();
+    EXPECT_EQ(
+        all(*device().buttons(), "name"), "hook mute flash volume-increment volume-decrement");
+}
+
+TEST_F(PanelBench, TakesARelativePathOfTheSocket)
+{
+    const QString before = QDir::currentPath();
+    const QFileInfo socket(fake_.socket());
+    ASSERT_TRUE(QDir::setCurrent(socket.path()));
+    Bench bench(socket.fileName());
+    QDir::setCurrent(before);
+    bench.start();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bench.isConnected(); }, 1000));
+}
+
 TEST_F(PanelBench, SendsCommandsForItsDevice)
 {
     fake_.devices.append(QJsonObject{{"number", 7}});

@@ -1,5 +1,7 @@
 #include "tools/panel/bench_client.h"
 
+#include <QFileInfo>
+
 #include <utility>
 
 namespace panel {
@@ -15,7 +17,7 @@ QString errorOf(const QJsonObject& answer)
 
 BenchClient::BenchClient(const QString& socket, QObject* parent)
     : QObject(parent)
-    , socket_(socket)
+    , socket_(QFileInfo(socket).absoluteFilePath()) // Qt looks for others in /tmp
 {
     connect(&events_, &BenchConnection::received, this, &BenchClient::takeEvent);
     connect(&events_, &BenchConnection::closed, this, &BenchClient::reopenEvents);

@@ -12,6 +12,21 @@ const QString kPressed = QStringLiteral("pressed");
 const QString kArmed = QStringLiteral("armed");
 const QString kState = QStringLiteral("state");
 const QString kSwitch = QStringLiteral("switch");
+const QString kTelephonyPage = QStringLiteral("000b"); // begins its usages
+
+// The controls of calls first: others, such as those of the volume, may come first in the report.
+QJsonArray inOrder(const QJsonArray& buttons)
+{
+    QJsonArray calls;
+    QJsonArray others;
+    for (const auto& button : buttons) {
+        const QString usage = button.toObject()[QLatin1String("usage")].toString();
+        (usage.startsWith(kTelephonyPage) ? calls : others).append(button);
+    }
+    for (const auto& button : others)
+        calls.append(button);
+    return calls;
+}
 
 } // namespace
 
@@ -53,7 +68,7 @@ bool Device::isOpen() const
 
 void Device::setState(const QJsonObject& state)
 {
-    buttons_.setParts(state[QLatin1String("buttons")].toArray());
+    buttons_.setParts(inOrder(state[QLatin1String("buttons")].toArray()));
     lamps_.setParts(state[QLatin1String("lamps")].toArray());
     faults_.setParts(state[QLatin1String("faults")].toArray());
     state_ = state;

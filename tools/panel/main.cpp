@@ -3,6 +3,7 @@
 #include "tools/panel/command_line.h"
 #include "tools/panel/panel_windows.h"
 
+#include <QFile>
 #include <QGuiApplication>
 
 #include <cstdio>
@@ -36,7 +37,7 @@ int openWindows(panel::PanelWindows& windows, const panel::Bench& bench, std::op
 int showPanel(const panel::Options& options)
 {
     panel::Theme theme(options.look);
-    panel::Bench bench(QString::fromStdString(options.socket));
+    panel::Bench bench(QFile::decodeName(options.socket.c_str()));
     panel::PanelWindows windows(bench, theme);
     QObject::connect(&bench, &panel::Bench::ready, [&] {
         if (const int status = openWindows(windows, bench, options.device))

@@ -1,4 +1,4 @@
-// A fault that can be switched on, some of them for a number of times.
+// A fault that can be switched on, some with a number: how many times, or what the label says.
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
@@ -30,8 +30,8 @@ RowLayout {
         Layout.preferredWidth: Theme.fontSize * 5
         visible: row.takesCount
         enabled: !row.armed
-        placeholderText: qsTr("times")
-        label: qsTr("How many times: %1; empty for always").arg(row.label)
+        placeholderText: qsTr("N")
+        label: qsTr("N, the number for the fault: %1").arg(row.label)
         inputMethodHints: Qt.ImhDigitsOnly
         validator: IntValidator { bottom: 1; top: 999999 }
         horizontalAlignment: TextInput.AlignRight
