@@ -31,7 +31,7 @@ constexpr const char* kLines[][2] = {
     {R"("event": "output", "report": "030800000000", "meaning": ["Ring on"], "lamps": {})",
         "   1.500000  out  03 08 00 00 00 00 Ring on"},
     {R"("event": "output", "report": "030000", "meaning": [])",
-        "   1.500000  out  03 00 00     nothing on"},
+        "   1.500000  out  03 00 00     no change"},
     {R"("event": "feature", "report": "0502", "meaning": ["x"])",
         "   1.500000  out  05 02        feature report: x"},
     {R"("event": "write-refused", "report": "0305", "meaning": ["Mute on"])",
@@ -158,7 +158,7 @@ TEST_F(PanelLogView, HasBoundsAndKeepsTheSelection)
     EXPECT_EQ(view_.rowCount(), static_cast<int>(EventLog::kMaxLines));
     EXPECT_EQ(view_.countText(), "20,000 lines, older ones are gone");
     EXPECT_EQ(selected(), "5 6") << "the others are gone";
-    const std::string large(1024 * 1024, 'x'); // two bytes a character
+    const std::string large(1'000'000, 'x'); // two bytes a character
     for (int i = 0; i < 40; ++i)
         add("03", large.c_str());
     log_.flush();

@@ -131,7 +131,8 @@ TEST_P(PanelWindow, LampsCanBeToldApartWithoutColour)
     QList<QImage> pictures;
     for (const auto& [state, text] : states) {
         fake_.setLamp("ring", state);
-        EXPECT_TRUE(waitFor([&] { return value("lamp-ring", "lampState") == state; }));
+        EXPECT_TRUE(
+            waitFor([this, state = state] { return value("lamp-ring", "lampState") == state; }));
         EXPECT_EQ(spoken(item("lamp-ring")), std::string("Ring lamp: ") + text);
         pictures.append(picture(lamp));
     }

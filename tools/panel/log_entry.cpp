@@ -40,7 +40,7 @@ QString reportText(Kind kind, const QJsonObject& event)
 {
     QString text = meaningOf(event);
     if (text.isEmpty())
-        text = QStringLiteral("nothing on");
+        text = QStringLiteral("no change");
     if (kind == Kind::kRefusedWrite)
         text.prepend(QLatin1String("refused: "));
     if (kind == Kind::kFeature)

@@ -39,6 +39,28 @@ Flickable {
         spacing: Theme.gap
 
         SectionTitle {
+            text: qsTr("Lamps")
+            visible: lamps.count > 0
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+            opacity: pane.usable ? 1 : 0.45
+
+            Repeater {
+                id: lamps
+                model: pane.device.lamps
+                delegate: Lamp {
+                    objectName: "lamp-" + model.name
+                    Layout.fillWidth: true
+                    label: model.label
+                    lampState: model.state
+                }
+            }
+        }
+
+        SectionTitle {
+            Layout.topMargin: Theme.gap
             text: qsTr("Buttons")
             visible: switches.count + buttons.count > 0
         }
@@ -87,28 +109,6 @@ Flickable {
                     text: model.label
                     isDown: model.pressed || pressed
                     onPressedChanged: pane.device.setPressed(model.name, pressed)
-                }
-            }
-        }
-
-        SectionTitle {
-            Layout.topMargin: Theme.gap
-            text: qsTr("Lamps")
-            visible: lamps.count > 0
-        }
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: 0
-            opacity: pane.usable ? 1 : 0.45
-
-            Repeater {
-                id: lamps
-                model: pane.device.lamps
-                delegate: Lamp {
-                    objectName: "lamp-" + model.name
-                    Layout.fillWidth: true
-                    label: model.label
-                    lampState: model.state
                 }
             }
         }

@@ -32,7 +32,6 @@ AbstractButton {
         text: button.text
         textFormat: Text.PlainText
         color: button.isDown ? Theme.accentText : Theme.text
-        font.weight: button.isDown ? Font.DemiBold : Font.Normal
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         wrapMode: Text.Wrap
