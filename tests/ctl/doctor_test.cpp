@@ -196,20 +196,21 @@ TEST(UdevRule, RemedyDependsOnTheDeviceAndTheRule)
     ctl::DeviceEntry entry;
     entry.vendorId = 0x47f;
     entry.productId = 0xc056;
-    const auto remedy = [&](bool covered) {
-        return ctl::permissionRemedy(entry, covered, std::array{fs::path(directory.path())});
+    const auto remedy = [&](std::string_view exclusion) {
+        return ctl::permissionRemedy(entry, exclusion, std::array{fs::path(directory.path())});
     };
     EXPECT_NE(
-        remedy(true).find("doctor --udev-rule | sudo tee /etc/udev/rules.d/70-kelprobe.rules\n"),
+        remedy("").find("doctor --udev-rule | sudo tee /etc/udev/rules.d/70-kelprobe.rules\n"),
         std::string::npos);
     (void)directory.file("70-kelprobe.rules", ctl::udevRule());
-    EXPECT_TRUE(remedy(true).starts_with("the udev rule is installed"));
-    EXPECT_NE(remedy(false).find(R"(echo 'SUBSYSTEM=="usb", ATTR{idVendor}=="047f", )"
-                                 R"(ATTR{idProduct}=="c056", TAG+="uaccess"' | sudo tee )"
-                                 "/etc/udev/rules.d/70-kelprobe-047f-c056.rules\n"),
+    EXPECT_TRUE(remedy("").starts_with("the udev rule is installed"));
+    EXPECT_NE(remedy("it has no audio")
+                  .find(R"(echo 'SUBSYSTEM=="usb", ATTR{idVendor}=="047f", )"
+                        R"(ATTR{idProduct}=="c056", TAG+="uaccess"' | sudo tee )"
+                        "/etc/udev/rules.d/70-kelprobe-047f-c056.rules\n"),
         std::string::npos);
     (void)directory.file("70-kelprobe-047f-c056.rules", "");
-    EXPECT_TRUE(remedy(false).starts_with("the udev rule is installed"));
+    EXPECT_TRUE(remedy("it has no audio").starts_with("the udev rule is installed"));
 }
 
 } // namespace

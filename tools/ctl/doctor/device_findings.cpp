@@ -4,6 +4,7 @@
 #include "tools/ctl/doctor/udev_rule.h"
 #include "tools/ctl/usb/sysfs.h"
 
+#include <algorithm>
 #include <array>
 #include <unistd.h>
 #include <utility>
@@ -32,13 +33,19 @@ Finding busy(const HidInterface& interface)
         "close it; these have the device open: " + joined(users)};
 }
 
-// As the udev rule does.
-bool isCoveredByRule(libusb_device* device)
+// Why the udev rule does not match a device with a HID interface; empty if it does.
+std::string_view exclusionFromUdevRule(libusb_device* device)
 {
-    const auto isAudio = [](const libusb_interface_descriptor& interface) {
-        return interface.bInterfaceClass == LIBUSB_CLASS_AUDIO;
+    const auto has = [device](uint8_t interfaceClass) {
+        return hasInterface(device, [=](const libusb_interface_descriptor& interface) {
+            return interface.bInterfaceClass == interfaceClass;
+        });
     };
-    return hasInterface(device, isAudio) && !hasInterface(device, isBootInterface);
+    if (!has(LIBUSB_CLASS_AUDIO))
+        return "it has no audio";
+    if (has(LIBUSB_CLASS_SMART_CARD))
+        return "it is also a smart card reader";
+    return hasInterface(device, isBootInterface) ? "it is also a keyboard or mouse" : "";
 }
 
 Finding access(const DeviceEntry& entry, const HidInterface& interface)
@@ -52,7 +59,7 @@ Finding access(const DeviceEntry& entry, const HidInterface& interface)
     case Access::kNoPermission:
         return {Level::kProblem, "no-permission", "no permission to open " + interface.node,
             permissionRemedy(
-                entry, isCoveredByRule(interface.device.get()), udevRuleDirectories())};
+                entry, exclusionFromUdevRule(interface.device.get()), udevRuleDirectories())};
     case Access::kBusy:
         return busy(interface);
     case Access::kOtherError:

@@ -77,8 +77,9 @@ RuleState udevRuleState(std::span<const fs::path> directories)
 }
 
 std::string permissionRemedy(
-    const DeviceEntry& entry, bool covered, std::span<const fs::path> directories)
+    const DeviceEntry& entry, std::string_view exclusion, std::span<const fs::path> directories)
 {
+    const bool covered = exclusion.empty();
     const std::string file = covered ? kFileName : fileNameFor(entry);
     const bool installed = covered ? udevRuleState(directories) == RuleState::kInstalled
                                    : !findRule(directories, file).empty();
@@ -87,8 +88,7 @@ std::string permissionRemedy(
             + "the rule is for the user who sits at the machine; over ssh, run the program as root";
     if (covered)
         return installation(std::string(program_invocation_name) + " doctor --udev-rule", file);
-    return "Kelprobe's udev rule is for devices with audio that are no keyboard or mouse, so this "
-           "one needs its own; "
+    return std::string(exclusion) + ", so Kelprobe's udev rule does not cover it; "
         + installation("echo '" + ruleFor(entry) + '\'', file);
 }
 

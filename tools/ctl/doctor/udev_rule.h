@@ -21,9 +21,10 @@ enum class RuleState { kMissing, kDiffers, kInstalled };
 // Whether the rule is in one of the directories. Comments do not count as a difference.
 [[nodiscard]] RuleState udevRuleState(std::span<const std::filesystem::path> directories);
 
-// What to do in order to get permission for a device, as lines. `covered` is whether the rule
-// matches the device; if not, it needs a rule of its own. `directories` as above.
-[[nodiscard]] std::string permissionRemedy(
-    const DeviceEntry& entry, bool covered, std::span<const std::filesystem::path> directories);
+// What to do in order to get permission for a device, as lines. `exclusion` is the reason for which
+// the rule does not match the device, as "it has no audio"; empty if it does. Otherwise the device
+// needs a rule of its own. `directories` as above.
+[[nodiscard]] std::string permissionRemedy(const DeviceEntry& entry, std::string_view exclusion,
+    std::span<const std::filesystem::path> directories);
 
 } // namespace ctl
