@@ -43,6 +43,9 @@ if(NOT KELPROBE_SANITIZER)
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
 endif()
 
+# Programs for users do not depend on where they were built.
+add_compile_options($<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
+
 # All code, not only the fuzz targets: libFuzzer cannot observe code that is not instrumented.
 if(KELPROBE_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
