@@ -27,12 +27,12 @@ struct DeviceEvent {
     enum class Kind {
         kInput,         // an input report was sent
         kOutput,        // an output report was received
-        kFeature,       // a feature report was received
         kOutputRefused, // an output report stalled
         kOpened,        // a client reads from the interface
         kClosed,        // the client released it or ended
         kClaimRefused,  // claiming the interface gave EBUSY
         kDetachRefused, // detaching the kernel driver gave EBUSY
+        kFeature,       // a feature report was received
     };
 
     Kind kind = Kind::kOutput;

@@ -104,6 +104,13 @@ TEST_F(KelprobeSim, FaultsReachTheProgram)
     }
 }
 
+TEST_F(KelprobeSim, PrintsFeatureReports)
+{
+    start("kelprobe-sim run -- kelprobectl send --feature 0401");
+    EXPECT_EQ(lineWith("feature").substr(0, 32), "out  04 01        feature report");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
 // The program inherits neither signal settings nor input, and sees a bus of this user only.
 TEST_F(KelprobeSim, EndsAsTheProgramDoes)
 {
