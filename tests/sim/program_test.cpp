@@ -163,7 +163,7 @@ TEST_F(KelprobeSim, TheBenchPassesTheConformanceRun)
 {
     start("kelprobe-sim 2>&1 run -- kelprobectl check --silence 50 "
           "--press-command 'kelprobe-sim press' --replug-command kelprobe-sim");
-    EXPECT_NE(lineWith("24 passed, 0 failed, 0 skipped"), "end");
+    EXPECT_NE(lineWith("24 passed, 0 failed, 5 skipped"), "end");
     EXPECT_EQ(exitStatus(), 0);
 }
 
