@@ -1,15 +1,14 @@
 #include "sim/console/command_line.h"
 
-#include "sim/bench/command_words.h"
 #include "sim/console/bench_command.h"
 #include "sim/console/device_commands.h"
 #include "sim/profile/profile.h"
+#include "tools/command_line/parse_outcome.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cstdio>
-#include <sstream>
 
 namespace sim {
 namespace {
@@ -30,55 +29,6 @@ expectation was not met, 2 not understood, 3 there is no bench.
 "2: press mute" is for the second device.
 
 Example: kelprobe-sim run speakerphone -- sh -c 'kelprobectl list; kelprobe-sim devices')";
-
-const CLI::App& chosenCommand(const CLI::App& app)
-{
-    const auto chosen = app.get_subcommands();
-    return chosen.empty() ? app : *chosen.front();
-}
-
-// "unknown command rnu; did you mean run?"
-std::string unexpected(const CLI::App& app, const std::string& word)
-{
-    const CLI::App& command = chosenCommand(app);
-    const bool isOption = word.starts_with('-');
-    std::vector<std::string> names;
-    if (isOption) {
-        for (const CLI::Option* const option : command.get_options())
-            for (const std::string& name : option->get_lnames())
-                names.push_back("--" + name);
-    } else {
-        for (const CLI::App* const subcommand : command.get_subcommands(nullptr))
-            names.push_back(subcommand->get_name());
-    }
-    const char* const kind = isOption ? "unknown option "
-        : names.empty()               ? "unexpected argument "
-                                      : "unknown command ";
-    return kind + word + suggestion(word, {names.begin(), names.end()});
-}
-
-int reportMistake(const CLI::App& app, const CLI::ParseError& error)
-{
-    const std::vector<std::string> extra = app.remaining(true);
-    const CLI::App& command = chosenCommand(app);
-    const std::string mistake = !extra.empty()                    ? unexpected(app, extra.front())
-        : &command == &app && error.get_name() == "RequiredError" ? "expected a command"
-                                                                  : error.what();
-    const std::string name = &command == &app ? "" : command.get_name() + ' ';
-    const bool suggests = mistake.ends_with('?');
-    const std::string remedy = suggests ? "" : "; try kelprobe-sim " + name + "--help";
-    fprintf(stderr, "kelprobe-sim: %s%s\n", mistake.c_str(), remedy.c_str());
-    return kWrongUse;
-}
-
-int printRequested(const CLI::App& app, const CLI::ParseError& request)
-{
-    std::ostringstream text;
-    std::ostringstream none;
-    app.exit(request, text, none);
-    fputs(text.str().c_str(), stdout);
-    return EXIT_SUCCESS;
-}
 
 // Splits the words: those before "--", and the program with its arguments after it.
 struct Words {
@@ -117,8 +67,10 @@ int parseAndRun(Words words)
     try {
         app.parse(words.own);
     } catch (const CLI::ParseError& error) {
-        const bool requested = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        return requested ? printRequested(app, error) : reportMistake(app, error);
+        if (!command_line::isRequest(error))
+            throw WrongUse(command_line::mistakeWithRemedy(app, error));
+        printf("%s\n", command_line::requestedText(app, error).c_str());
+        return EXIT_SUCCESS;
     }
     return run();
 }

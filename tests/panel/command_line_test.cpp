@@ -14,6 +14,8 @@ using panel::EarlyExit;
 using panel::Look;
 using panel::Options;
 
+#define TRY "; try kelprobe-panel --help"
+
 struct Mistake {
     std::vector<const char*> words;
     const char* text;
@@ -21,15 +23,16 @@ struct Mistake {
 
 const Mistake kMistakes[] = {
     {{"--sokcet", "x"}, "kelprobe-panel: unknown option --sokcet; did you mean --socket?"},
-    {{"--qwertz"}, "kelprobe-panel: unknown option --qwertz; try --help"},
-    {{"speakerphone"}, "kelprobe-panel: unexpected argument speakerphone"},
-    {{"--socket"}, "kelprobe-panel: --socket: 1 required PATH missing"},
-    {{"--device", "0"}, "kelprobe-panel: --device: expected the number of a device, from 1, not 0"},
+    {{"--qwertz"}, "kelprobe-panel: unknown option --qwertz" TRY},
+    {{"speakerphone"}, "kelprobe-panel: unexpected argument speakerphone" TRY},
+    {{"--socket"}, "kelprobe-panel: --socket: 1 required PATH missing" TRY},
+    {{"--device", "0"},
+        "kelprobe-panel: --device: expected the number of a device, from 1, not 0" TRY},
     {{"--device", "two"},
-        "kelprobe-panel: --device: expected the number of a device, from 1, not two"},
+        "kelprobe-panel: --device: expected the number of a device, from 1, not two" TRY},
     {{"--device", "99999999999"},
-        "kelprobe-panel: --device: expected the number of a device, from 1, not 99999999999"},
-    {{"--theme", "blue"}, "kelprobe-panel: --theme: expected light or dark, not blue"},
+        "kelprobe-panel: --device: expected the number of a device, from 1, not 99999999999" TRY},
+    {{"--theme", "blue"}, "kelprobe-panel: --theme: expected light or dark, not blue" TRY},
     {{},
         "kelprobe-panel: KELPROBE_SIM is not set, so there is no bench; start it with "
         "kelprobe-sim run PROFILE -- kelprobe-panel"},

@@ -16,7 +16,7 @@ TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
             {"help press", "push the button and let it go", 0},
             {"run -- echo -h", "-h", 0},
             {"profile webcam", "{", 0},
-            {"", "kelprobe-sim: expected a command", 2},
+            {"", "kelprobe-sim: a command is required", 2},
             {"lst", "kelprobe-sim: unknown command lst; did you mean list?", 2},
             {"--versoin", "kelprobe-sim: unknown option --versoin; did you mean --version?", 2},
             {"list all", "kelprobe-sim: unexpected argument all", 2},

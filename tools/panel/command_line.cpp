@@ -1,9 +1,8 @@
 #include "tools/panel/command_line.h"
 
-#include "tools/text/suggestion.h"
+#include "tools/command_line/parse_outcome.h"
 
 #include <CLI/CLI.hpp>
-#include <sstream>
 
 namespace panel {
 namespace {
@@ -31,32 +30,6 @@ std::string isDeviceNumber(const std::string& value)
 std::string isLook(const std::string& value)
 {
     return value == kLight || value == kDark ? "" : "expected light or dark, not " + value;
-}
-
-std::string requestedText(const CLI::App& app, const CLI::ParseError& request)
-{
-    std::ostringstream text;
-    std::ostringstream none;
-    app.exit(request, text, none);
-    std::string lines = text.str();
-    while (lines.ends_with('\n'))
-        lines.pop_back();
-    return lines;
-}
-
-// The word that is not an option or its value.
-std::string unexpected(const CLI::App& app, const std::string& word)
-{
-    if (!word.starts_with('-'))
-        return "unexpected argument " + word;
-    std::vector<std::string> names;
-    for (const CLI::Option* const option : app.get_options())
-        for (const std::string& name : option->get_lnames())
-            names.push_back("--" + name);
-    const std::vector<std::string_view> views(names.begin(), names.end());
-    const std::string_view nearest = text::nearest(word, views);
-    return "unknown option " + word
-        + (nearest.empty() ? "; try --help" : "; did you mean " + std::string(nearest) + '?');
 }
 
 EarlyExit mistake(const std::string& text)
@@ -88,10 +61,9 @@ std::variant<Options, EarlyExit> parseCommandLine(
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
-            return EarlyExit{kFine, requestedText(app, error)};
-        const std::vector<std::string> extra = app.remaining();
-        return mistake(extra.empty() ? error.what() : unexpected(app, extra.front()));
+        if (command_line::isRequest(error))
+            return EarlyExit{kFine, command_line::requestedText(app, error)};
+        return mistake(command_line::mistakeWithRemedy(app, error));
     }
     if (!look.empty())
         options.look = look == kDark ? Look::kDark : Look::kLight;

@@ -1,13 +1,10 @@
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/cli/command_model.h"
 #include "tools/ctl/cli/output.h"
-#include "tools/text/printable.h"
-#include "tools/text/suggestion.h"
+#include "tools/command_line/parse_outcome.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <csignal>
-#include <sstream>
 
 namespace ctl {
 namespace {
@@ -15,84 +12,11 @@ namespace {
 constexpr std::string_view kHelp = "help"; // as a command
 constexpr const char* kVersion = "kelprobectl " KELPROBE_VERSION;
 
-// The command whose part of the command line could not be parsed.
-const CLI::App& chosenCommand(const CLI::App& app)
-{
-    const auto chosen = app.get_subcommands();
-    return chosen.empty() ? app : *chosen.front();
-}
-
-// The names that may stand in the place of `word`.
-std::vector<std::string> candidates(const CLI::App& command, std::string_view word)
-{
-    std::vector<std::string> names;
-    if (word.starts_with('-')) {
-        for (const CLI::Option* const option : command.get_options())
-            for (const std::string& name : option->get_lnames())
-                names.push_back("--" + name);
-    } else {
-        for (const CLI::App* const subcommand : command.get_subcommands(nullptr))
-            names.push_back(subcommand->get_name());
-    }
-    return names;
-}
-
-// The word that is most likely the mistake. An unknown option makes its argument an extra word,
-// too.
-std::string firstMistake(const std::vector<std::string>& extra)
-{
-    const auto option = std::find_if(
-        extra.begin(), extra.end(), [](const std::string& word) { return word.starts_with('-'); });
-    return option == extra.end() ? extra.front() : option->substr(0, option->find('='));
-}
-
-std::string unexpected(const CLI::App& app, const std::string& word)
-{
-    const CLI::App& command = chosenCommand(app);
-    const std::vector<std::string> names = candidates(command, word);
-    const bool isName = std::find(names.begin(), names.end(), word) != names.end(); // after --
-    const std::string quoted = word.empty() ? "\"\"" : text::printable(word);
-    if (isName || (!word.starts_with('-') && command.get_subcommands(nullptr).empty()))
-        return "unexpected argument " + quoted;
-    const std::vector<std::string_view> views(names.begin(), names.end());
-    const std::string_view suggestion = text::nearest(word, views);
-    return (word.starts_with('-') ? "unknown option " : "unknown command ") + quoted
-        + (suggestion.empty() ? "" : "; did you mean " + std::string(suggestion) + '?');
-}
-
-// CLI11's words for the mistake, without control characters.
-std::string wordsOf(const CLI::ParseError& error)
-{
-    constexpr std::string_view flagWithValue = " was given a disallowed flag override";
-    const std::string words = text::printable(error.what());
-    if (!words.ends_with(flagWithValue))
-        return words;
-    return "--" + words.substr(0, words.size() - flagWithValue.size()) + " takes no value";
-}
-
 int reportMistake(const CLI::App& app, const CLI::ParseError& error)
 {
-    const std::vector<std::string> extra = app.remaining(true);
-    const CLI::App& command = chosenCommand(app);
-    const std::string mistake = !extra.empty() ? unexpected(app, firstMistake(extra))
-        : &command == &app && error.get_name() == "RequiredError" ? "a command is required"
-                                                                  : wordsOf(error);
-    Output::err().line("kelprobectl: " + mistake);
-    Output::err().line(
-        "Try kelprobectl " + (&command == &app ? "" : command.get_name() + ' ') + "--help.");
+    Output::err().line("kelprobectl: " + command_line::mistake(app, error));
+    Output::err().line("Try " + command_line::helpCommand(app) + '.');
     return kWrongUse;
-}
-
-int printRequested(const CLI::App& app, const CLI::ParseError& request)
-{
-    std::ostringstream text;
-    std::ostringstream none;
-    app.exit(request, text, none);
-    std::string lines = text.str();
-    while (lines.ends_with('\n'))
-        lines.pop_back();
-    Output::out().line(lines);
-    return kFine;
 }
 
 // A hidden command that the build runs: prints a completion or the man page.
@@ -178,9 +102,10 @@ int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
     try {
         app.parse(static_cast<int>(arguments.size()), arguments.data());
     } catch (const CLI::ParseError& error) {
-        const bool requested = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)
-            && !(isHelp && !app.remaining(true).empty());
-        return requested ? printRequested(app, error) : reportMistake(app, error);
+        if (!command_line::isRequest(error) || (isHelp && !app.remaining(true).empty()))
+            return reportMistake(app, error);
+        Output::out().line(command_line::requestedText(app, error));
+        return kFine;
     }
     return run();
 }
