@@ -1,7 +1,7 @@
+#include "tools/command_line/parse_outcome.h"
 #include "tools/ctl/cli/command.h"
 #include "tools/ctl/cli/command_model.h"
 #include "tools/ctl/cli/output.h"
-#include "tools/command_line/parse_outcome.h"
 
 #include <CLI/CLI.hpp>
 #include <csignal>
