@@ -9,6 +9,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 include(CheckPIESupported)
 check_pie_supported() # programs are linked position-independent, too
+# Debian's Qt refers to its own data directly. A program must not have copies of them, which link-time
+# optimisation would make for position-independent programs unless it is asked for shared code.
+link_libraries(-fPIC)
 
 set(KELPROBE_SANITIZER "" CACHE STRING "Value for -fsanitize=, or empty")
 set(KELPROBE_CONFIGURATION "dev" CACHE STRING "Prefix of test names in joint runs")
