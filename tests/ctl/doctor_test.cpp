@@ -170,6 +170,37 @@ TEST_F(Doctor, LeavesTheDriverAttachedWhenASignalEndsIt)
     }
 }
 
+// The same devices as in tests/tools/rules_test, which asks the rule itself.
+TEST_F(Doctor, SaysWhyTheUdevRuleDoesNotCoverADevice)
+{
+    sim::UsbDeviceInfo info = sim::loadProfiles("speakerphone").front().info;
+    const sim::InterfaceInfo telephony = info.controls();
+    const sim::InterfaceInfo audio{.number = 1, .interfaceClass = 1, .subclass = 1};
+    sim::InterfaceInfo protocol = telephony;
+    protocol.protocol = 1;
+    const auto other = [](uint8_t interfaceClass, uint8_t subclass) {
+        return sim::InterfaceInfo{
+            .number = 2, .interfaceClass = interfaceClass, .subclass = subclass};
+    };
+    const std::string covered = " doctor --udev-rule | ";
+    for (const auto& [interfaces, text] :
+        std::vector<std::pair<std::vector<sim::InterfaceInfo>, std::string>>{
+            {{telephony, audio}, covered},
+            {{telephony}, "it has no audio, so Kelprobe's udev rule does not cover it"},
+            {{protocol, audio}, "it is also a keyboard, so"},
+            {{telephony, audio, other(0x08, 6)}, "it is also a disk, so"},
+            {{telephony, audio, other(0x0b, 0)}, "it is also a smart card reader, so"},
+            {{telephony, audio, other(0xe0, 1)}, "it is also a Bluetooth radio, so"},
+            {{telephony, audio, other(0xe0, 2)}, covered},
+        }) {
+        info.interfaces = interfaces;
+        auto& device = plug(info);
+        device.setOpenable(false);
+        (void)run("", {text});
+        device.unplug();
+    }
+}
+
 TEST_F(Doctor, PrintsTheUdevRule)
 {
     EXPECT_EQ(run("--udev-rule", {}), 0);

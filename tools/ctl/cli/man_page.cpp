@@ -105,6 +105,7 @@ If set and not empty, no colours are used. They are used on terminals only.
 Names of usage pages and usages. Without it they are shown as hexadecimal numbers.
 .SH SEE ALSO
 .BR kelprobe (1),
+.BR kelprobe\-sim (1),
 .BR lsusb (8),
 .BR usbhid\-dump (8)
 )";

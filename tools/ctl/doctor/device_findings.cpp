@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 
@@ -33,19 +35,48 @@ Finding busy(const HidInterface& interface)
         "close it; these have the device open: " + joined(users)};
 }
 
+// Interfaces with which the udev rule does not match a device, as ID_USB_INTERFACES in it.
+struct Exclusion {
+    uint8_t interfaceClass;
+    std::optional<uint8_t> subclass; // any without a value
+    std::optional<uint8_t> protocol;
+    std::string_view reason;
+};
+
+constexpr uint8_t kBootSubclass = 1;
+constexpr uint8_t kKeyboardProtocol = 1;
+constexpr uint8_t kMouseProtocol = 2;
+constexpr uint8_t kRadioSubclass = 1;
+
+constexpr Exclusion kExclusions[] = {
+    {LIBUSB_CLASS_HID, kBootSubclass, {}, "it is also a keyboard or mouse"},
+    {LIBUSB_CLASS_HID, {}, kKeyboardProtocol, "it is also a keyboard"},
+    {LIBUSB_CLASS_HID, {}, kMouseProtocol, "it is also a mouse"},
+    {LIBUSB_CLASS_MASS_STORAGE, {}, {}, "it is also a disk"},
+    {LIBUSB_CLASS_SMART_CARD, {}, {}, "it is also a smart card reader"},
+    {LIBUSB_CLASS_WIRELESS, kRadioSubclass, {}, "it is also a Bluetooth radio"},
+};
+
+bool matches(const Exclusion& exclusion, const libusb_interface_descriptor& interface)
+{
+    return interface.bInterfaceClass == exclusion.interfaceClass
+        && interface.bInterfaceSubClass == exclusion.subclass.value_or(interface.bInterfaceSubClass)
+        && interface.bInterfaceProtocol
+        == exclusion.protocol.value_or(interface.bInterfaceProtocol);
+}
+
 // Why the udev rule does not match a device with a HID interface; empty if it does.
 std::string_view exclusionFromUdevRule(libusb_device* device)
 {
-    const auto has = [device](uint8_t interfaceClass) {
-        return hasInterface(device, [=](const libusb_interface_descriptor& interface) {
-            return interface.bInterfaceClass == interfaceClass;
-        });
+    const auto hasAudio = [](const libusb_interface_descriptor& interface) {
+        return interface.bInterfaceClass == LIBUSB_CLASS_AUDIO;
     };
-    if (!has(LIBUSB_CLASS_AUDIO))
+    if (!hasInterface(device, hasAudio))
         return "it has no audio";
-    if (has(LIBUSB_CLASS_SMART_CARD))
-        return "it is also a smart card reader";
-    return hasInterface(device, isBootInterface) ? "it is also a keyboard or mouse" : "";
+    for (const Exclusion& exclusion : kExclusions)
+        if (hasInterface(device, std::bind_front(matches, exclusion)))
+            return exclusion.reason;
+    return "";
 }
 
 Finding access(const DeviceEntry& entry, const HidInterface& interface)
