@@ -35,7 +35,8 @@ device, reads its buttons, keeps the window and the device in the same state,
 and lists every change.
 .
 kelprobectl shows, explains, records and checks what such a device sends and
-expects. kelprobe-sim runs any program with simulated devices.]])
+expects. kelprobe-sim runs any program with simulated devices, and
+kelprobe-panel has their buttons and lamps in windows.]])
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # In addition to the libraries that the programs are linked with: umockdev has a preload library,
 # usb.ids the names of usages.
