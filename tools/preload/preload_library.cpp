@@ -12,12 +12,12 @@ fs::path find(const std::string& name)
 {
     const fs::path directory = fs::read_symlink("/proc/self/exe").parent_path();
     fs::path built = directory / name;
-    fs::path installed = directory / KELPROBE_INSTALLED_LIBRARIES / name;
+    fs::path installed = (directory / KELPROBE_INSTALLED_LIBRARIES / name).lexically_normal();
     if (fs::exists(built))
         return built;
     if (fs::exists(installed))
         return installed;
-    throw std::runtime_error("missing library: " + built.string());
+    throw std::runtime_error("missing library: " + installed.string());
 }
 
 bool fitsLdPreload(const fs::path& path)
