@@ -10,10 +10,13 @@
 namespace report {
 namespace {
 
-constexpr std::streamoff kMaxFileSize = 16 * 1024 * 1024;
+constexpr std::streamoff kMaxFileSize = std::streamoff{16} * 1024 * 1024;
 constexpr size_t kFirstRead = size_t{32} * 1024; // the pages and what is after them
 constexpr size_t kMaxNameSize = 255;             // longer ones are ignored
 constexpr uint16_t kButtonPage = 0x09;
+constexpr uint16_t kTelephonyPage = 0x0b;
+constexpr uint16_t kPhoneKey0 = 0xb0; // to 9, see HID Usage Tables, Telephony Device page
+constexpr uint16_t kPhoneKey9 = 0xb9;
 constexpr std::string_view kPagePrefix = "HUT ";
 constexpr std::string_view kLaterPage = "\nHUT ";
 
@@ -188,6 +191,9 @@ std::string UsageNames::fullUsage(Usage usage) const
 
 std::optional<std::string> UsageNames::name(Usage usage) const
 {
+    const bool isDigit = usage.id >= kPhoneKey0 && usage.id <= kPhoneKey9;
+    if (usage.page == kTelephonyPage && isDigit && !usages_.empty())
+        return "Key " + std::to_string(usage.id - kPhoneKey0);
     if (auto found = find(usages_, keyOf(usage)))
         return found;
     if (usage.page == kButtonPage && usage.id != 0)

@@ -28,8 +28,10 @@ public:
 
     [[nodiscard]] bool empty() const { return pages_.empty(); }
 
-    // As in the file, typing errors included: "Telephony", "Hook Switch". Pages and usages without
-    // a name give "Page 0xff30" and "0x0031", such a usage of the Button page gives "Button 9".
+    // As in the file, typing errors included: "Telephony", "Hook Switch". Only the digits of phone
+    // keys are not, because usb.ids gives most of them the next one: 0xb1 is "Key 1". Pages and
+    // usages without a name give "Page 0xff30" and "0x0031", such a usage of the Button page gives
+    // "Button 9".
     [[nodiscard]] std::string page(uint16_t page) const;
     [[nodiscard]] std::string usage(Usage usage) const;
 

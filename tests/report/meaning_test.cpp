@@ -11,8 +11,8 @@ const report::UsageNames& names()
 {
     static const auto names = report::UsageNames::parse(
         "HUT 08  LEDs\n\t017  Off-Hook\n\t018  Ring\n"
-        "HUT 0b  Telephony\n\t020  Hook Switch\n\t02f  Phone Mute\n\t0b4  Phone Key 4\n"
-        "\t0b5  Phone Key 5\n"
+        "HUT 0b  Telephony\n\t020  Hook Switch\n\t02f  Phone Mute\n\t0b4  Key 4\n"
+        "\t0b5  Key 5\n"
         "HUT 0c  Consumer\n\t0e0  Volume\n");
     return names;
 }
@@ -49,12 +49,12 @@ TEST(Meaning, PutsReportsIntoWords)
                 "Phone Mute on*; Phone Mute off*; Phone Mute 2*, Phone Mute out of range*; "},
             // The place in an array has no meaning.
             {keys, Reports{"030200", "000302", "030000", "000000", "000000"},
-                "Phone Key 4 pressed*, Phone Key 5 pressed*; Phone Key 4 pressed, "
-                "Phone Key 5 pressed; Phone Key 5 pressed, Phone Key 4 released*; "
-                "Phone Key 5 released*; nothing on; "},
+                "Key 4 pressed*, Key 5 pressed*; Key 4 pressed, "
+                "Key 5 pressed; Key 5 pressed, Key 4 released*; "
+                "Key 5 released*; nothing on; "},
             {keys, Reports{"010909", "040000"}, "nothing on; Telephony 0x0031 pressed*; "},
             {"050b 2509 75089502 09b4 8100", Reports{"0105", "0000"},
-                "Value 1 pressed*, Value 5 pressed*; Phone Key 4 pressed*, Value 1 released*, "
+                "Value 1 pressed*, Value 5 pressed*; Key 4 pressed*, Value 1 released*, "
                 "Value 5 released*; "},
             // Data of several bytes is one word.
             {data, Reports{"01020000", "01020000", "00000000", "00000000", "00000001"},

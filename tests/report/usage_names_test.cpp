@@ -21,6 +21,8 @@ TEST(UsageNames, AreThoseOfTheFile)
                              "\t022 One blank\n"
                              "\t023\n"
                              "\t10024  Too large\n"
+                             "\t0b1  Key 2\n"
+                             "\t0ba  Key Star\n"
                              "\t025  "
         + std::string(256, 'x')
         + "\n"
@@ -50,6 +52,9 @@ TEST(UsageNames, AreThoseOfTheFile)
                  {{0x0b, 0x23}, "0x0023", "Telephony 0x0023"},
                  {{0x0b, 0x24}, "0x0024", "Telephony 0x0024"},
                  {{0x0b, 0x25}, "0x0025", "Telephony 0x0025"},
+                 {{0x0b, 0xb0}, "Key 0", "Key 0"},
+                 {{0x0b, 0xb1}, "Key 1", "Key 1"},
+                 {{0x0b, 0xba}, "Key Star", "Key Star"},
                  {{0x0b, 0x09}, "0x0009", "Telephony 0x0009"},
                  {{0x08, 0x09}, "0x0009", "Page 0x0008 0x0009"},
                  {{0x09, 0x00}, "0x0000", "Buttons 0x0000"},
