@@ -11,7 +11,7 @@
 namespace report {
 namespace {
 
-constexpr size_t kMebibyte = 1024 * 1024;
+constexpr size_t kMebibyte = size_t{1024} * 1024;
 
 struct FileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }

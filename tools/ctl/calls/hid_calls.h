@@ -14,8 +14,8 @@
  * C, because it is preloaded into programs of any kind. */
 #pragma once
 
-#include <stddef.h>
-#include <stdint.h>
+#include <stddef.h> /* NOLINT(modernize-deprecated-headers): C, too */
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers): C, too */
 
 #ifdef __cplusplus
 extern "C" {
