@@ -93,6 +93,8 @@ TEST_F(Generated, FishCompletesWhatCanStandThere)
         GTEST_SKIP() << "fish is not installed";
     directory_.file("my recording", "");
     const std::string file = write("fish", ctl::fishCompletion(ctl::modelOf(app_)));
+    const std::string start = "cd " + directory_.path() + " && HOME=" + directory_.path()
+        + " fish -c 'source " + file + R"(; complete -C"kelprobectl )";
     for (const auto& [line, expected] : std::vector<std::pair<std::string, std::string>>{
              {"li", "list\tShow [all]: the user's devices\n"},
              {"help tr", "trace\n"},
@@ -100,11 +102,7 @@ TEST_F(Generated, FishCompletesWhatCanStandThere)
              {"convert my", "my recording\n"},
              {"trace -- cat my", "my recording\n"},
          })
-        EXPECT_EQ(
-            outputOf("cd " + directory_.path() + " && HOME=" + directory_.path()
-                + " fish -c 'source " + file + R"(; complete -C"kelprobectl )" + line + "\"'"),
-            expected)
-            << line;
+        EXPECT_EQ(outputOf(start + line + "\"'"), expected) << line;
 }
 
 TEST_F(Generated, OtherShellsAndManCanReadTheirs)

@@ -133,7 +133,7 @@ TEST_F(Meeting, AnswersFromTheDevice)
     EXPECT_EQ(lines(*process, 2), "input   03 01 00\naccept  from the device\n");
     EXPECT_EQ(sorted(*process, 5),
         (std::multiset<std::string>{"output  03 00 00", "output  03 00 00", "output  03 01 00",
-            "output  03 01 00", LOG "Accept Meeting from device"}));
+            "output  03 01 00", (LOG "Accept Meeting from device")}));
     closeInput();
     EXPECT_EQ(rest(*process), ONHOOK "close\n");
     EXPECT_EQ(process->end(), 0);

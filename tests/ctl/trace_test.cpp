@@ -225,7 +225,8 @@ TEST_F(Trace, CanBeReachedFromAnyDirectory)
 {
     plug();
     const char* const variable = "XDG_RUNTIME_DIR";
-    const std::string earlier = getenv(variable) ? getenv(variable) : "";
+    const char* const value = getenv(variable);
+    const std::string earlier = value ? value : "";
     const auto directory = std::filesystem::current_path();
     setenv(variable, ".", 1);
     std::filesystem::current_path(files_.path());
