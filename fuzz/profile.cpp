@@ -20,10 +20,10 @@ void PressEverything(const sim::UsbDeviceInfo& info)
         Require(reports && !reports->empty());
         (void)panel.meaning(report::ReportKind::kInput, reports->front().report);
     }
-    for (const auto& lamp : panel.lamps({}))
-        Require(lamp.state == sim::LampState::kOff);
+    for (const auto& lamp : panel.lamps())
+        Require(!lamp.on);
     for (const sim::Bytes& report : info.behaviour.onOpen) {
-        for (const sim::LampChange& change : panel.applyOutput(report, {}))
+        for (const sim::LampChange& change : panel.applyOutput(report))
             Require(!change.lamp.empty());
     }
 }

@@ -72,9 +72,12 @@ CommandResult Bench::checkIdle(BenchDevice& device)
         return {kNotMet, "the recording is not played yet"};
     if (!device.isOpen())
         return {kNotMet, "the device is closed, not idle"};
+    if (device.hasReportsToSend())
+        return {kNotMet, "the device has reports to send"};
     if (!device.allRead())
         return {kNotMet, "the program has not read every report"};
-    if (now() - device.lastReport() < kQuiet)
+    // The device may have sent its last report just now.
+    if (!queue_.isEmpty() || now() - device.lastReport() < kQuiet)
         return {kNotMet, "a report was exchanged less than " + durationText(kQuiet) + " ago"};
     return {};
 }

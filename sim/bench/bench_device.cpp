@@ -5,6 +5,8 @@
 
 #include <json/value.h>
 
+#include <cassert>
+
 namespace sim {
 namespace {
 
@@ -44,9 +46,9 @@ BenchDevice::BenchDevice(UsbBus& bus, const Profile& profile, size_t number, Eve
     , number_(number)
     , queue_(queue)
     , device_(bus, profile.info)
-    , lamps_(device_.panel().lamps(Lamp::Time{}))
+    , lamps_(device_.panel().lamps())
     , faults_(device_)
-    , hook_(hookText())
+    , hook_(device_.panel().hook())
 {
     device_.setEventCallback([this](const DeviceEvent& event) { addDeviceEvent(event); });
     device_.plug();
@@ -79,6 +81,7 @@ void BenchDevice::addDeviceEvent(const DeviceEvent& event)
     added.cause = event.cause;
     added.delivery = event.delivery;
     added.changes = event.lamps;
+    added.hook = event.hook;
     if (event.interface != device_.controlsNumber())
         added.interface = event.interface;
     queue_.add(std::move(added));
@@ -94,25 +97,46 @@ CommandResult BenchDevice::noButton(std::string_view name)
         kNotUnderstood, "the device has no button " + std::string(name) + suggestion(name, names)};
 }
 
+CommandResult BenchDevice::checkCanSend() const
+{
+    if (!device_.info().controls().isHid())
+        return {kNotMet, "the device has no HID interface"};
+    if (!device_.isPlugged())
+        return {kNotMet, "the device is unplugged"};
+    return {};
+}
+
 CommandResult BenchDevice::press(std::string_view button, Press press)
 {
-    const bool exists = press == Press::kHold ? device_.press(button) : device_.push(button);
-    return exists ? CommandResult{} : noButton(button);
+    if (!device_.panel().hasButton(button))
+        return noButton(button);
+    const CommandResult possible = checkCanSend();
+    if (possible.status == kDone)
+        (void)(press == Press::kHold ? device_.press(button) : device_.push(button));
+    return possible;
 }
 
 CommandResult BenchDevice::release(std::string_view button)
 {
-    return device_.release(button) ? CommandResult{} : noButton(button);
+    if (!device_.panel().hasButton(button))
+        return noButton(button);
+    const CommandResult possible = checkCanSend();
+    if (possible.status == kDone)
+        (void)device_.release(button);
+    return possible;
 }
 
 CommandResult BenchDevice::sendRaw(const Bytes& report)
 {
-    device_.inject(report, kRawCause);
-    return {};
+    const CommandResult possible = checkCanSend();
+    if (possible.status == kDone)
+        device_.inject(report, kRawCause);
+    return possible;
 }
 
 void BenchDevice::sendRecorded(const Bytes& report)
 {
+    assert(device_.info().controls().isHid());
     device_.inject(report, kRecordedCause);
 }
 
@@ -120,7 +144,7 @@ CommandResult BenchDevice::unplug()
 {
     if (device_.isPlugged()) {
         device_.unplug();
-        add(Kind::kUnplugged);
+        queue_.add({.device = number_, .kind = Kind::kUnplugged, .hook = device_.panel().hook()});
     }
     return {};
 }
@@ -141,12 +165,18 @@ CommandResult BenchDevice::replug()
 CommandResult BenchDevice::setFault(std::string_view name, std::string_view number)
 {
     const bool off = number == "off";
-    const std::optional<int> given = off ? std::optional(0) : parseNumber(number);
-    if (!given && !number.empty())
+    const std::optional<int> given = parseNumber(number);
+    if (!given && !off && !number.empty())
         return {kNotUnderstood, "expected a number or off, not " + std::string(number)};
     if (name == FaultSwitches::kFlood)
         return flood(given.value_or(0));
-    CommandResult result = faults_.set(name, given.value_or(Fault::kAlways));
+    CommandResult result;
+    if (name != FaultSwitches::kNone)
+        result = off ? faults_.switchOff(name) : faults_.switchOn(name, given);
+    else if (number.empty())
+        faults_.switchAllOff();
+    else
+        result = {kNotUnderstood, "fault none takes no number"};
     for (const FaultSwitches::Change& change : faults_.takeChanges())
         add(Kind::kFault, std::string(change.name), change.armed ? "on" : "off");
     return result;
@@ -159,6 +189,8 @@ CommandResult BenchDevice::flood(int reports)
         return {kNotUnderstood,
             "fault flood takes a number of reports from 1 to "
                 + std::to_string(UrbQueue::kMaxInput)};
+    if (CommandResult possible = checkCanSend(); possible.status != kDone)
+        return possible;
     BenchEvent event{.device = number_, .kind = Kind::kInput, .count = 0};
     event.report = device_.panel().stateReport();
     event.cause = kFloodCause;
@@ -176,6 +208,11 @@ CommandResult BenchDevice::flood(int reports)
 const Bytes& BenchDevice::reportDescriptor() const
 {
     return device_.info().controls().reportDescriptor;
+}
+
+bool BenchDevice::hasReportsToSend()
+{
+    return device_.hasDelayedReports();
 }
 
 bool BenchDevice::allRead()
@@ -202,6 +239,8 @@ std::vector<BenchEvent> BenchDevice::complete(BenchEvent event)
         lastReport_ = event.time;
     if (!event.interface && (event.kind == Kind::kOpened || event.kind == Kind::kClosed))
         open_ = event.kind == Kind::kOpened;
+    if (event.kind == Kind::kPlugged || event.kind == Kind::kUnplugged)
+        plugged_ = event.kind == Kind::kPlugged;
     explain(event);
     const auto following = [&event](Kind kind, std::string_view name, const std::string& state) {
         BenchEvent next{.device = event.device, .kind = kind, .time = event.time};
@@ -209,15 +248,18 @@ std::vector<BenchEvent> BenchDevice::complete(BenchEvent event)
         next.state = state;
         return next;
     };
-    const auto changes = lamps_.apply(event.changes, event.time);
+    const auto changes = plugged_ ? lamps_.apply(event.changes, event.time) : lamps_.switchAllOff();
     lampsUpdated_ = event.time;
     std::vector<BenchEvent> events;
     if (event.kind != Kind::kLamp) // which only asks for what has changed by the time
         events.push_back(event);
     for (const DeviceLamps::Change& change : changes)
         events.push_back(following(Kind::kLamp, change.lamp, nameOf(change.state)));
-    if (const std::string hook = hookText(); hook != hook_)
-        events.push_back(following(Kind::kHook, "", hook_ = hook));
+    if (event.hook && event.hook != hook_) {
+        hook_ = event.hook;
+        events.push_back(following(Kind::kHook, "", hookText()));
+        events.back().cause = event.cause;
+    }
     for (const FaultSwitches::Change& change : faults_.takeChanges())
         events.push_back(following(Kind::kFault, change.name, change.armed ? "on" : "off"));
     return events;
@@ -237,10 +279,9 @@ std::optional<std::chrono::microseconds> BenchDevice::blinkCheck() const
     return lampsUpdated_ + kInterval;
 }
 
-std::string BenchDevice::hookText()
+std::string BenchDevice::hookText() const
 {
-    const std::optional<HookPosition> hook = device_.panel().hook();
-    return !hook ? "" : *hook == HookPosition::kOffHook ? "off" : "on";
+    return !hook_ ? "" : *hook_ == HookPosition::kOffHook ? "off" : "on";
 }
 
 Json::Value BenchDevice::json()

@@ -21,7 +21,8 @@ public:
     BenchDevice(const BenchDevice&) = delete;
     BenchDevice& operator=(const BenchDevice&) = delete;
 
-    // Commands.
+    // Commands. Those that send a report fail if the device is unplugged or has no HID interface;
+    // no button and no hook switch moves then.
     CommandResult press(std::string_view button, Press press);
     CommandResult release(std::string_view button);
     CommandResult sendRaw(const Bytes& report);
@@ -29,8 +30,8 @@ public:
     CommandResult replug();
     // `number` is empty, a number, or "off".
     CommandResult setFault(std::string_view name, std::string_view number);
-    void sendRecorded(const Bytes& report);
-    void note(const std::string& text); // adds a line to the transcript
+    void sendRecorded(const Bytes& report); // of a device with a HID interface
+    void note(const std::string& text);     // adds a line to the transcript
 
     // "/dev/bus/usb/001/002"
     [[nodiscard]] bool hasNode(std::string_view path) const { return device_.node() == path; }
@@ -45,7 +46,8 @@ public:
     [[nodiscard]] bool isOpen() const { return open_; }
     [[nodiscard]] std::chrono::microseconds lastReport() const { return lastReport_; }
     [[nodiscard]] DeviceLamps& lamps() { return lamps_; }
-    [[nodiscard]] bool allRead(); // whether a program has read every input report
+    [[nodiscard]] bool hasReportsToSend(); // after the device's delay
+    [[nodiscard]] bool allRead();          // whether a program has read every input report
     [[nodiscard]] const Bytes& reportDescriptor() const;
 
     // From blinkCheck() on, adds an event to the queue with which complete() finds lamps that no
@@ -53,16 +55,17 @@ public:
     void announceLamps();
     [[nodiscard]] std::optional<std::chrono::microseconds> blinkCheck() const;
 
-    [[nodiscard]] Json::Value json();     // as in `devices --json`
-    [[nodiscard]] std::string summary();  // a line, printable
-    [[nodiscard]] std::string hookText(); // "on", "off"; empty without a hook switch
+    [[nodiscard]] Json::Value json();    // as in `devices --json`
+    [[nodiscard]] std::string summary(); // a line, printable
 
 private:
+    [[nodiscard]] std::string hookText() const; // "on", "off"; empty without a hook switch
     void add(BenchEvent::Kind kind, std::string name = {}, std::string state = {});
     void addDeviceEvent(const DeviceEvent& event);
     void explain(BenchEvent& event);
     CommandResult flood(int reports);
     CommandResult noButton(std::string_view name);
+    [[nodiscard]] CommandResult checkCanSend() const;
 
     const Profile profile_;
     const size_t number_;
@@ -70,8 +73,9 @@ private:
     UsbDevice device_;
     DeviceLamps lamps_;
     FaultSwitches faults_;
-    bool open_ = false;
-    std::string hook_; // as the latest event has it
+    bool open_ = false; // this and the next two: as the latest event has it
+    bool plugged_ = true;
+    std::optional<HookPosition> hook_;
     std::chrono::microseconds lastReport_{};
     std::chrono::microseconds lampsUpdated_{};
 };

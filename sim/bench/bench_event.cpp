@@ -29,7 +29,7 @@ constexpr std::array kKindNames{
     KindName{"closed", "-- ", "closed"},
     KindName{"plugged", "-- ", "plugged in"},
     KindName{"unplugged", "-- ", "unplugged"},
-    KindName{"hook", "", ""},
+    KindName{"hook", "-- ", "hook"},
     KindName{"lamp", "", ""},
     KindName{"fault", "-- ", "fault"},
     KindName{"note", "-- ", ""},
@@ -87,6 +87,8 @@ std::string explanation(const BenchEvent& event)
         return event.interface ? "" : changesOf(event);
     case Kind::kFeature:
         return "feature report" + (event.meaning.empty() ? "" : ": " + joined(event.meaning));
+    case Kind::kHook:
+        return "hook " + event.state;
     case Kind::kFault:
         return "fault " + event.name + ' ' + event.state;
     case Kind::kNote:
@@ -144,7 +146,9 @@ std::string toText(const BenchEvent& event, Numbered numbered)
 {
     constexpr size_t kReportColumn = 12;
     const KindName& names = entryOf(event.kind);
-    if (*names.direction == '\0')
+    std::string words = explanation(event);
+    const bool isKnown = event.kind == Kind::kHook && event.cause == words; // from the line before
+    if (*names.direction == '\0' || isKnown)
         return {};
     std::array<char, 32> time{};
     snprintf(time.data(), time.size(), "%11.6f  ", static_cast<double>(event.time.count()) / 1e6);
@@ -152,7 +156,6 @@ std::string toText(const BenchEvent& event, Numbered numbered)
     if (numbered == Numbered::kYes)
         line += std::to_string(event.device) + ":  ";
     line += std::string(names.direction) + "  ";
-    std::string words = explanation(event);
     if (event.interface)
         words += (words.empty() ? "interface " : "  interface ") + std::to_string(*event.interface);
     if (event.kind == Kind::kWriteRefused)

@@ -43,11 +43,12 @@ struct BenchEvent {
     Bytes report = {};                     // input: as on the wire; others: report id first
     std::vector<std::string> meaning = {}; // of the report: what it changed
     std::vector<LampChange> changes = {};  // of an output report
-    std::string cause = {};                // this and the next two: of an input report
-    Delivery delivery = Delivery::kQueued;
-    size_t count = 1; // the report was sent so many times
+    std::string cause = {};                // of an input report, and of a hook event after it
+    Delivery delivery = Delivery::kQueued; // of an input report
+    size_t count = 1;                      // it was sent so many times
 
-    std::string name = {};  // of the lamp or fault; the text of a note
+    std::optional<HookPosition> hook = {}; // if the event was added with it
+    std::string name = {};                 // of the lamp or fault; the text of a note
     std::string state = {}; // of the hook or fault: "on", "off"; of a lamp also "blink"
 };
 
@@ -57,7 +58,8 @@ struct BenchEvent {
 [[nodiscard]] Json::Value toJson(const BenchEvent& event);
 
 // A line for people: "   0.512345  out  03 08 00     ring on". Events that another line contains
-// already (a lamp, the hook) give an empty text. Numbered: the device's number is after the time.
+// already give an empty text: a lamp, and a hook switch that was moved by hand. Numbered: the
+// device's number is after the time.
 enum class Numbered { kNo, kYes };
 [[nodiscard]] std::string toText(const BenchEvent& event, Numbered numbered);
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <utility>
 
 namespace sim {
@@ -54,19 +55,41 @@ std::string takeOptions(
         if (command.arguments.find(option) != std::string_view::npos)
             allowed.push_back(option);
     for (size_t i = 0; i < words.size(); ++i) {
-        if (!words[i].starts_with("--")) {
+        const size_t equals = words[i].find('=');
+        const bool hasValue = equals != std::string_view::npos;
+        const std::string_view name = words[i].substr(0, equals);
+        if (!name.starts_with("--")) {
             call.words.push_back(words[i]);
-        } else if (std::ranges::find(allowed, words[i]) == allowed.end()) {
-            return "unknown option " + std::string(words[i]) + suggestion(words[i], allowed);
-        } else if (words[i] == kWithin) {
-            call.within = ++i < words.size() ? parseDuration(words[i]) : std::nullopt;
+        } else if (std::ranges::find(allowed, name) == allowed.end()) {
+            return "unknown option " + std::string(name) + suggestion(name, allowed);
+        } else if (name == kWithin) { // "--within=2s" or "--within 2s"
+            const bool isNext = !hasValue && ++i < words.size();
+            call.within = parseDuration(hasValue ? words[i].substr(equals + 1)
+                    : isNext                     ? words[i]
+                                                 : std::string_view{});
             if (!call.within)
                 return "--within takes a time such as 500ms or 2s";
+        } else if (hasValue) {
+            return std::string(name) + " takes no value";
         } else {
-            (words[i] == kJson ? call.json : call.hold) = true;
+            (name == kJson ? call.json : call.hold) = true;
         }
     }
     return {};
+}
+
+// Takes the number of a device from the front of a line: "2" of "2: mute". Empty if there is none.
+std::string_view takeDeviceNumber(std::string_view& line)
+{
+    const size_t colon = line.find(':');
+    if (colon == line.npos)
+        return {};
+    const auto before = splitWords(line.substr(0, colon));
+    const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+    if (before.size() != 1 || !std::ranges::all_of(before[0], isDigit))
+        return {};
+    line.remove_prefix(colon + 1);
+    return before[0];
 }
 
 CommandOutcome call(
@@ -125,14 +148,12 @@ std::string commandHelp()
 CommandOutcome runCommand(Bench& bench, Answers& answers, std::string_view line)
 {
     size_t number = 1;
-    if (const size_t colon = line.find(':'); colon != line.npos) {
-        const auto before = splitWords(line.substr(0, colon));
-        const auto given = before.size() == 1 ? parseNumber(before[0]) : std::nullopt;
+    if (const std::string_view digits = takeDeviceNumber(line); !digits.empty()) {
+        const auto given = parseNumber(digits);
         if (!given || *given < 1 || static_cast<size_t>(*given) > bench.devices().size())
             return notUnderstood(
                 "no such device; there are " + std::to_string(bench.devices().size()));
         number = static_cast<size_t>(*given);
-        line.remove_prefix(colon + 1);
     }
     const auto words = splitWords(line);
     if (words.empty())

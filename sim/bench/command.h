@@ -38,7 +38,7 @@ enum CommandStatus : int {
 
 struct CommandResult {
     CommandStatus status = kDone;
-    std::string error = {}; // one line, unless done
+    std::string error = {}; // one line, unless done; not always printable
 };
 
 // The command ends when the check is done, or with the last result of the check after this time.

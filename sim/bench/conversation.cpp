@@ -1,5 +1,7 @@
 #include "sim/bench/conversation.h"
 
+#include "tools/text/printable.h"
+
 #include <json/value.h>
 
 #include <algorithm>
@@ -73,7 +75,7 @@ void Conversation::finish(const CommandResult& result)
     Json::Value object;
     object["status"] = result.status;
     if (result.status != kDone)
-        object["error"] = result.error;
+        object["error"] = text::printable(result.error); // contains words of the line
     answers_.send(object);
 }
 

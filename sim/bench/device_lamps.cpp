@@ -16,7 +16,7 @@ std::string nameOf(LampState state)
 DeviceLamps::DeviceLamps(std::vector<Panel::LampInfo> lamps)
 {
     for (Panel::LampInfo& lamp : lamps)
-        entries_.push_back({std::move(lamp), {}});
+        entries_.push_back({std::move(lamp)});
 }
 
 std::vector<DeviceLamps::Change> DeviceLamps::apply(
@@ -26,19 +26,26 @@ std::vector<DeviceLamps::Change> DeviceLamps::apply(
         const auto entry = std::ranges::find_if(
             entries_, [&](const Entry& each) { return each.info.name == change.lamp; });
         if (entry != entries_.end())
-            entry->lamp.set(change.on, Lamp::Time(now));
+            entry->lamp.set(change.on, now);
     }
     return update(now);
+}
+
+std::vector<DeviceLamps::Change> DeviceLamps::switchAllOff()
+{
+    for (Entry& entry : entries_)
+        entry.lamp = {};
+    return update({});
 }
 
 std::vector<DeviceLamps::Change> DeviceLamps::update(Time now)
 {
     std::vector<Change> changed;
     for (Entry& entry : entries_) {
-        const LampState state = entry.lamp.state(Lamp::Time(now));
-        if (state != entry.info.state)
+        const LampState state = entry.lamp.state(now);
+        if (state != entry.state)
             changed.push_back({entry.info.name, state});
-        entry.info.state = state;
+        entry.state = state;
     }
     return changed;
 }
@@ -46,14 +53,14 @@ std::vector<DeviceLamps::Change> DeviceLamps::update(Time now)
 bool DeviceLamps::anyBlinks() const
 {
     return std::ranges::any_of(
-        entries_, [](const Entry& entry) { return entry.info.state == LampState::kBlink; });
+        entries_, [](const Entry& entry) { return entry.state == LampState::kBlink; });
 }
 
 std::optional<LampState> DeviceLamps::state(std::string_view lamp) const
 {
     const auto entry = std::ranges::find_if(
         entries_, [lamp](const Entry& each) { return each.info.name == lamp; });
-    return entry == entries_.end() ? std::nullopt : std::optional(entry->info.state);
+    return entry == entries_.end() ? std::nullopt : std::optional(entry->state);
 }
 
 std::vector<std::string_view> DeviceLamps::names() const
@@ -72,7 +79,7 @@ Json::Value DeviceLamps::json() const
         lamp["name"] = entry.info.name;
         lamp["label"] = entry.info.label;
         lamp["usage"] = usageText(entry.info.usage);
-        lamp["state"] = nameOf(entry.info.state);
+        lamp["state"] = nameOf(entry.state);
         list.append(lamp);
     }
     return list;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sim/bench/bench_event.h"
+#include "sim/bench/lamp.h"
 #include "sim/device/panel.h"
 
 #include <map>
@@ -17,8 +18,9 @@ namespace sim {
 // Pure: all times are passed, and never go back. Not locked.
 class DeviceLamps {
 public:
-    using Time = std::chrono::microseconds; // since the bench started
+    using Time = Lamp::Time; // since the bench started
 
+    // All are off.
     explicit DeviceLamps(std::vector<Panel::LampInfo> lamps);
 
     // Applies the changes of an output report. Returns the lamps whose state changed with it.
@@ -27,6 +29,10 @@ public:
         LampState state;
     };
     [[nodiscard]] std::vector<Change> apply(const std::vector<LampChange>& changes, Time now);
+
+    // Switches all lamps off at once, as a device without power does; none blinks. Returns
+    // likewise.
+    [[nodiscard]] std::vector<Change> switchAllOff();
 
     // The lamps whose state changed by the time alone.
     [[nodiscard]] std::vector<Change> update(Time now);
@@ -39,8 +45,9 @@ public:
 
 private:
     struct Entry {
-        Panel::LampInfo info; // with the latest state
-        Lamp lamp;
+        Panel::LampInfo info;
+        Lamp lamp = {};
+        LampState state = LampState::kOff; // the latest
     };
     std::vector<Entry> entries_; // in the order of the descriptor
 };

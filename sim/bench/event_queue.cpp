@@ -40,6 +40,12 @@ std::vector<BenchEvent> EventQueue::take()
     return std::exchange(events_, {});
 }
 
+bool EventQueue::isEmpty()
+{
+    const std::lock_guard lock(mutex_);
+    return events_.empty();
+}
+
 std::chrono::microseconds EventQueue::now() const
 {
     return std::chrono::duration_cast<std::chrono::microseconds>(

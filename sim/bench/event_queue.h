@@ -26,6 +26,7 @@ public:
     int fd() const { return wake_.get(); }
 
     [[nodiscard]] std::vector<BenchEvent> take();
+    [[nodiscard]] bool isEmpty();
 
     // Since the object was made. Any thread.
     [[nodiscard]] std::chrono::microseconds now() const;

@@ -18,7 +18,6 @@ struct FaultSwitches::Switch {
 
 namespace {
 
-constexpr std::string_view kNone = "none";
 constexpr std::string_view kShort = "short";
 constexpr std::string_view kOpen = "open";
 
@@ -32,6 +31,21 @@ constexpr std::array<FaultSwitches::Switch, 7> kSwitches{{
     {"strings", "reading names fails", true, &DeviceFaults::stallStrings},
     {"write", "output reports are refused", true, &DeviceFaults::failWrite},
 }};
+
+// Null if there is none of that name.
+const FaultSwitches::Switch* findSwitch(std::string_view name)
+{
+    const auto entry = std::ranges::find(kSwitches, name, &FaultSwitches::Switch::name);
+    return entry == kSwitches.end() ? nullptr : &*entry;
+}
+
+CommandResult unknownFault(std::string_view name)
+{
+    std::vector<std::string_view> names = {FaultSwitches::kNone, FaultSwitches::kFlood};
+    for (const FaultSwitches::Switch& each : kSwitches)
+        names.push_back(each.name);
+    return {kNotUnderstood, "unknown fault " + std::string(name) + suggestion(name, names)};
+}
 
 } // namespace
 
@@ -52,34 +66,48 @@ bool FaultSwitches::isArmed(const Switch& entry) const
     return found ? found->armed() : openRefused_;
 }
 
-CommandResult FaultSwitches::set(std::string_view name, int number)
+void FaultSwitches::setOpenRefused(bool refused)
 {
-    if (name == kNone) {
-        device_.faults().clear();
-        name = kOpen;
-        number = 0;
-    }
-    const auto entry = std::ranges::find(kSwitches, name, &Switch::name);
-    if (entry == kSwitches.end()) {
-        std::vector<std::string_view> names = {kNone, kFlood};
-        for (const Switch& each : kSwitches)
-            names.push_back(each.name);
-        return {kNotUnderstood, "unknown fault " + std::string(name) + suggestion(name, names)};
-    }
+    openRefused_ = refused;
+    device_.setOpenable(!refused);
+}
+
+CommandResult FaultSwitches::switchOn(std::string_view name, std::optional<int> number)
+{
+    const Switch* const entry = findSwitch(name);
+    if (!entry)
+        return unknownFault(name);
     if (name == kOpen) {
-        if (number > 0)
+        if (number)
             return {kNotUnderstood, "fault open takes no number"};
-        openRefused_ = number != 0;
-        device_.setOpenable(!openRefused_);
+        setOpenRefused(true);
     } else if (name == kShort) {
-        if (number < 0)
+        if (!number)
             return {kNotUnderstood, "fault short takes a length in bytes, or off"};
-        device_.faults().shortLength = static_cast<size_t>(number);
-        fault(*entry)->arm(number == 0 ? 0 : Fault::kAlways);
+        device_.faults().shortLength = static_cast<size_t>(*number);
+        fault(*entry)->arm();
     } else {
-        fault(*entry)->arm(number);
+        fault(*entry)->arm(number.value_or(Fault::kAlways));
     }
     return {};
+}
+
+CommandResult FaultSwitches::switchOff(std::string_view name)
+{
+    const Switch* const entry = findSwitch(name);
+    if (!entry)
+        return unknownFault(name);
+    if (Fault* const found = fault(*entry))
+        found->arm(0);
+    else
+        setOpenRefused(false);
+    return {};
+}
+
+void FaultSwitches::switchAllOff()
+{
+    device_.faults().clear();
+    setOpenRefused(false);
 }
 
 std::vector<FaultSwitches::Change> FaultSwitches::takeChanges()

@@ -12,9 +12,11 @@ public:
     // `device` must outlive the object.
     explicit FaultSwitches(UsbDevice& device);
 
-    // `number` is how many times the operation fails, or the length for "short"; -1 without one,
-    // which is always. 0 switches the fault off. "none" switches all off.
-    CommandResult set(std::string_view name, int number);
+    // `number` is how many times the operation fails, or the length for "short". Without one it
+    // always fails.
+    CommandResult switchOn(std::string_view name, std::optional<int> number);
+    CommandResult switchOff(std::string_view name);
+    void switchAllOff();
 
     // The faults that were switched on or off, also by themselves, since the last call.
     struct Change {
@@ -25,11 +27,14 @@ public:
 
     [[nodiscard]] Json::Value json() const; // as in `devices --json`
 
-    static constexpr std::string_view kFlood = "flood"; // which the bench does itself
+    // The bench does these itself.
+    static constexpr std::string_view kFlood = "flood";
+    static constexpr std::string_view kNone = "none";
 
     struct Switch; // an entry of the table of faults
 
 private:
+    void setOpenRefused(bool refused);
     [[nodiscard]] bool isArmed(const Switch& entry) const;
     Fault* fault(const Switch& entry) const; // null for "open"
 

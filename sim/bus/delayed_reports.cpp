@@ -33,6 +33,12 @@ void DelayedReports::clear()
     entries_.clear();
 }
 
+bool DelayedReports::isEmpty()
+{
+    const std::lock_guard lock(mutex_);
+    return entries_.empty() && !sending_;
+}
+
 void DelayedReports::run()
 {
     std::unique_lock lock(mutex_);
@@ -44,9 +50,11 @@ void DelayedReports::run()
         } else {
             Panel::InputReport report = std::move(entries_.front().report);
             entries_.pop_front();
+            sending_ = true;
             lock.unlock();
             send_(std::move(report));
             lock.lock();
+            sending_ = false;
         }
     }
 }

@@ -35,6 +35,9 @@ public:
     // Drops the reports that wait. One that is being sent is not stopped.
     void clear();
 
+    // Whether no report waits and none is being sent.
+    [[nodiscard]] bool isEmpty();
+
 private:
     using Clock = std::chrono::steady_clock;
     struct Entry {
@@ -48,6 +51,7 @@ private:
     std::mutex mutex_; // guards the fields below
     std::condition_variable changed_;
     std::deque<Entry> entries_;
+    bool sending_ = false;
     bool ended_ = false;
     std::thread thread_;
 };

@@ -50,8 +50,10 @@ void UsbDevice::unplug()
         place = place_;
     }
     delayed_.clear();
-    if (usbfs)
-        bus_.unplug(place, *usbfs);
+    if (!usbfs)
+        return;
+    bus_.unplug(place, *usbfs);
+    panel().losePower();
 }
 
 bool UsbDevice::isPlugged() const

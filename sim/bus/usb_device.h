@@ -27,16 +27,17 @@ public:
 
     // Not from a callback. Does nothing if the device is plugged in. Throws std::runtime_error.
     void plug();
-    // Any thread, including from a callback and during transfers, but not while another thread
-    // plugs or unplugs on the same bus. When it returns, every transfer has failed. Does nothing if
-    // the device is not plugged in.
+    // All LEDs are off and all buttons up afterwards: see Panel::losePower(). Any thread, including
+    // from a callback and during transfers, but not while another thread plugs or unplugs on the
+    // same bus. When it returns, every transfer has failed. Does nothing if the device is not
+    // plugged in.
     void unplug();
     bool isPlugged() const;
     // "/dev/bus/usb/001/002"; empty before the device was plugged in for the first time.
     std::string node() const;
 
-    // The state of LEDs and buttons, which unplugging does not change. Any thread. To press
-    // buttons, use the functions below: those of the panel send nothing.
+    // The state of LEDs and buttons. Any thread. To press buttons, use the functions below: those
+    // of the panel send nothing.
     Panel& panel() { return model_->panel; }
 
     // Press and release buttons by name, as the functions of Panel do, and send the reports. False
@@ -53,6 +54,9 @@ public:
     // class HID. Any thread, including from a callback.
     bool inject(const Bytes& report, std::string cause = "raw");
     bool inject(uint8_t interface, const Bytes& report, std::string cause = "raw");
+    // Whether the device will send a report by itself, because its behaviour has a delay. Any
+    // thread.
+    [[nodiscard]] bool hasDelayedReports() { return !delayed_.isEmpty(); }
     // Waits until a client's libusb has read every injected report. hidapi keeps only the 30 newest
     // unread reports, so call this at least every 20 reports if none may be lost. Returns false
     // after the timeout and if the device is unplugged. Any thread.

@@ -3,10 +3,13 @@
 
 #include "sim/device/wire_bytes.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace sim {
+
+enum class HookPosition { kOnHook, kOffHook };
 
 // An LED that was switched, by its name in the panel.
 struct LampChange {
@@ -42,6 +45,8 @@ struct DeviceEvent {
     std::string cause = {};                // of an input report: "mute pressed", "hook off", "raw"
     Delivery delivery = Delivery::kQueued; // of an input report
     std::vector<LampChange> lamps = {};    // of an output report: those that it changed
+    // At the event. No value without a hook switch that keeps its position.
+    std::optional<HookPosition> hook = {};
 };
 
 } // namespace sim

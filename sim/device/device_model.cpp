@@ -160,8 +160,7 @@ bool DeviceModel::receive(const InterfaceInfo& interface, std::span<const uint8_
     addEvent({.kind = DeviceEvent::Kind::kOutput,
         .interface = interface.number,
         .report = report,
-        .lamps = toControls ? panel.applyOutput(report, std::chrono::steady_clock::now())
-                            : std::vector<LampChange>{}});
+        .lamps = toControls ? panel.applyOutput(report) : std::vector<LampChange>{}});
     if (toControls)
         outputs.add(std::move(report));
     return true;
@@ -175,6 +174,7 @@ const InterfaceInfo* DeviceModel::findInterface(unsigned number) const
 
 void DeviceModel::addEvent(DeviceEvent event)
 {
+    event.hook = panel.hook();
     const std::lock_guard lock(eventsMutex_);
     events_.push_back(std::move(event));
 }

@@ -59,7 +59,7 @@ public:
     // The one whose controls the panel has.
     [[nodiscard]] const InterfaceInfo& controls() const { return controls_; }
 
-    // Adds an event for the callback.
+    // Adds an event for the callback, with the present position of the hook switch.
     void addEvent(DeviceEvent event);
     // Calls the callback for each event that was added, in order. The caller must hold no lock that
     // the callback may need. waitForEvents() returns when it has been called for all of them,

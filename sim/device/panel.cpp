@@ -38,9 +38,10 @@ const report::UsageNames& systemUsageNames()
 Panel::Panel(const Bytes& reportDescriptor, HookSwitch hookSwitch, const report::UsageNames& names)
     : layout_(report::readLayout(reportDescriptor))
     , hookSwitch_(hookSwitch)
+    , names_(names)
     , buttons_(findButtons(layout_, names))
     , lampControls_(findLamps(layout_, names))
-    , words_(layout_, names)
+    , words_(std::in_place, layout_, names)
     , lamps_(lampControls_.size())
 {
 }
@@ -55,15 +56,21 @@ std::vector<Panel::ButtonState> Panel::buttons() const
     return states;
 }
 
-std::vector<Panel::LampInfo> Panel::lamps(Time now) const
+std::vector<Panel::LampInfo> Panel::lamps() const
 {
     const std::lock_guard lock(mutex_);
     std::vector<LampInfo> infos;
     for (size_t i = 0; i < lamps_.size(); ++i) {
         const Control& control = lampControls_[i];
-        infos.push_back({control.name, control.label, control.usage, lamps_[i].state(now)});
+        infos.push_back({control.name, control.label, control.usage, lamps_[i]});
     }
     return infos;
+}
+
+bool Panel::hasButton(std::string_view name) const
+{
+    const std::lock_guard lock(mutex_);
+    return find(name) != nullptr;
 }
 
 std::optional<HookPosition> Panel::hook() const
@@ -126,7 +133,7 @@ Bytes Panel::stateReport() const
     return hasInput ? inputReport(first->first.id) : Bytes{0};
 }
 
-std::vector<LampChange> Panel::applyOutput(const Bytes& report, Time now)
+std::vector<LampChange> Panel::applyOutput(const Bytes& report)
 {
     const std::lock_guard lock(mutex_);
     report::ReportView view = report::sentReport(ReportKind::kOutput, report);
@@ -142,14 +149,31 @@ std::vector<LampChange> Panel::applyOutput(const Bytes& report, Time now)
     for (size_t i = 0; i < lamps_.size(); ++i) {
         const Control& control = lampControls_[i];
         const bool on = switchedOn.contains({control.field, control.index});
-        if (control.field->reportId != view.key.id || !lamps_[i].set(on, now))
+        if (control.field->reportId != view.key.id || lamps_[i] == on)
             continue;
+        switchLamp(i, on);
         changes.push_back({control.name, on});
-        const Control* const hook = find("hook");
-        if (hook && control.name == "off-hook" && hookSwitch_ == HookSwitch::kFollowsLamp)
-            set(*hook, on);
     }
     return changes;
+}
+
+void Panel::switchLamp(size_t index, bool on)
+{
+    lamps_[index] = on;
+    const Control* const hook = find("hook");
+    const bool moves = hook && hookSwitch_ == HookSwitch::kFollowsLamp;
+    if (moves && lampControls_[index].name == "off-hook")
+        set(*hook, on);
+}
+
+void Panel::losePower()
+{
+    const std::lock_guard lock(mutex_);
+    for (size_t i = 0; i < lamps_.size(); ++i)
+        if (lamps_[i])
+            switchLamp(i, false);
+    std::erase_if(pressed_, [this](const Control* button) { return !isSwitch(*button); });
+    words_.emplace(layout_, names_);
 }
 
 std::vector<std::string> Panel::meaning(ReportKind kind, const Bytes& report)
@@ -159,7 +183,7 @@ std::vector<std::string> Panel::meaning(ReportKind kind, const Bytes& report)
         ? report::wireReport(layout_, kind, report)
         : report::sentReport(kind, report);
     std::vector<std::string> changed;
-    for (report::ReportWords::Word& word : words_.describe(view)) {
+    for (report::ReportWords::Word& word : words_->describe(view)) {
         if (word.changed)
             changed.push_back(std::move(word.text));
     }

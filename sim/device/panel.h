@@ -4,7 +4,6 @@
 #include "report/meaning.h"
 #include "sim/device/device_behaviour.h"
 #include "sim/device/device_event.h"
-#include "sim/device/lamp.h"
 #include "sim/device/panel_controls.h"
 
 #include <mutex>
@@ -12,8 +11,6 @@
 #include <set>
 
 namespace sim {
-
-enum class HookPosition { kOnHook, kOffHook };
 
 // The names from usb.ids, empty without that file. The first call reads it, which takes some
 // milliseconds. Any thread.
@@ -26,8 +23,6 @@ const report::UsageNames& systemUsageNames();
 // Any thread may call any of these.
 class Panel {
 public:
-    using Time = Lamp::Time;
-
     struct ButtonState {
         std::string name;
         std::string label; // for people: "Hook Switch"
@@ -40,7 +35,7 @@ public:
         std::string name;
         std::string label;
         report::Usage usage;
-        LampState state = LampState::kOff;
+        bool on = false;
     };
 
     struct InputReport {
@@ -55,7 +50,8 @@ public:
 
     // In the order of the descriptor.
     [[nodiscard]] std::vector<ButtonState> buttons() const;
-    [[nodiscard]] std::vector<LampInfo> lamps(Time now) const;
+    [[nodiscard]] std::vector<LampInfo> lamps() const;
+    [[nodiscard]] bool hasButton(std::string_view name) const;
     // No value without a hook switch that keeps its position.
     [[nodiscard]] std::optional<HookPosition> hook() const;
 
@@ -79,11 +75,15 @@ public:
 
     // Takes an output report, report id first, and returns which LEDs it changed, in the order of
     // the descriptor. Those that are beyond its end are off.
-    std::vector<LampChange> applyOutput(const Bytes& report, Time now);
+    std::vector<LampChange> applyOutput(const Bytes& report);
+
+    // Switches all LEDs off and releases all buttons. A hook switch that keeps its position only
+    // moves if it follows the off-hook LED.
+    void losePower();
 
     // What a report means: "Hook Switch on". Only what changed since the last report of the same
-    // kind and id that was passed; empty if nothing did. Input reports as on the wire, others with
-    // the id first.
+    // kind and id that was passed, or since power was lost; empty if nothing did. Input reports as
+    // on the wire, others with the id first.
     [[nodiscard]] std::vector<std::string> meaning(report::ReportKind kind, const Bytes& report);
 
 private:
@@ -92,16 +92,18 @@ private:
     [[nodiscard]] bool isSwitch(const Control& button) const;
     [[nodiscard]] bool isPressed(const Control& button) const;
     InputReport set(const Control& button, bool pressed);
+    void switchLamp(size_t index, bool on);
     [[nodiscard]] Bytes inputReport(uint8_t reportId) const;
 
     const report::Layout layout_;
     const HookSwitch hookSwitch_;
+    const report::UsageNames& names_;
     const std::vector<Control> buttons_; // both belong to the layout
     const std::vector<Control> lampControls_;
-    mutable std::mutex mutex_; // guards the fields below
-    report::ReportWords words_;
-    std::set<const Control*> pressed_; // of buttons_
-    std::vector<Lamp> lamps_;          // of lampControls_
+    mutable std::mutex mutex_;                 // guards the fields below
+    std::optional<report::ReportWords> words_; // never empty
+    std::set<const Control*> pressed_;         // of buttons_
+    std::vector<bool> lamps_;                  // of lampControls_: whether it is on
 };
 
 } // namespace sim

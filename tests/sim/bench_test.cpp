@@ -85,25 +85,53 @@ TEST(BenchEvent, IsALineForPeopleAndAnObjectForPrograms)
     }
 }
 
-TEST(DeviceLamps, BlinkUntilTheyAreQuiet)
+// Switches the ring lamp on, off and so on at these times, in milliseconds.
+std::string ringAfter(const std::vector<int>& changes, std::optional<int> now = {})
 {
-    const sim::Panel::LampInfo ring{.name = "ring", .label = "Ring", .usage = {8, 0x18}};
-    sim::DeviceLamps lamps({ring});
-    const auto set = [&lamps](bool on, std::chrono::microseconds now) {
-        (void)lamps.apply({{"ring", on}, {"unknown", on}}, now);
-        return nameOf(*lamps.state("ring"));
+    sim::DeviceLamps lamps({{.name = "ring", .label = "Ring", .usage = {8, 0x18}}});
+    bool on = false;
+    for (const int at : changes) {
+        on = !on;
+        (void)lamps.apply({{"ring", on}, {"unknown", on}}, std::chrono::milliseconds(at));
+    }
+    (void)lamps.update(std::chrono::milliseconds(now.value_or(changes.back())));
+    const std::string state = nameOf(lamps.state("ring").value());
+    EXPECT_EQ(lamps.anyBlinks(), state == "blink");
+    return state;
+}
+
+TEST(DeviceLamps, BlinkWhileTheyFlashRegularly)
+{
+    const struct {
+        const char* what;
+        std::vector<int> changes;
+        std::optional<int> now;
+        const char* state;
+    } cases[] = {
+        {"answering a call", {0, 1, 2}, {}, "on"},
+        {"rejecting a call", {0, 500, 501, 502}, {}, "off"},
+        {"two calls", {240, 460, 1090}, {}, "on"},
+        {"two flashes", {0, 100, 200, 300}, {}, "blink"},
+        {"short flashes", {0, 40, 1000, 1040}, {}, "blink"},
+        {"a flash and a half", {0, 500, 1000}, {}, "on"},
+        {"phases are long", {0, 1500, 3000, 4500}, {}, "blink"},
+        {"phases are too long", {0, 1501, 3000, 4500}, {}, "off"},
+        {"the second flash is twice as long", {0, 100, 200, 400}, {}, "blink"},
+        {"it is longer", {0, 100, 200, 401}, {}, "off"},
+        {"it is half as long", {0, 200, 300, 400}, {}, "blink"},
+        {"it is shorter", {0, 200, 300, 399}, {}, "off"},
+        {"the phase that runs is twice as long as the one before", {0, 100, 200, 300}, 500,
+            "blink"},
+        {"it is longer", {0, 100, 200, 300}, 501, "off"},
+        {"it is longer, on", {0, 100, 200, 300, 400}, 601, "on"},
+        {"it ends, and is not regular", {0, 100, 200, 300, 700}, {}, "on"},
+        {"a flicker does not end the blinking", {0, 500, 1000, 1500, 1510, 1511, 2000}, {},
+            "blink"},
+        {"during the flicker", {0, 500, 1000, 1500, 2000, 2010}, {}, "blink"},
+        {"nothing but flicker", {0, 39, 78, 117, 156, 195}, {}, "off"},
     };
-    EXPECT_EQ(set(true, 0ms), "on");
-    EXPECT_EQ(set(true, 100ms), "on"); // no change
-    EXPECT_EQ(set(false, 1500ms), "off");
-    EXPECT_EQ(set(true, 3000ms), "blink");
-    EXPECT_TRUE(lamps.anyBlinks());
-    EXPECT_TRUE(lamps.update(4500ms).empty());
-    EXPECT_EQ(lamps.update(4501ms).size(), 1U);
-    EXPECT_EQ(nameOf(*lamps.state("ring")), "on");
-    EXPECT_EQ(set(false, 4600ms), "off"); // after a longer gap
-    EXPECT_FALSE(lamps.anyBlinks());
-    EXPECT_FALSE(lamps.state("unknown"));
+    for (const auto& test : cases)
+        EXPECT_EQ(ringAfter(test.changes, test.now), test.state) << test.what;
 }
 
 TEST(CommandHelp, FitsAnEightyColumnTerminal)

@@ -42,7 +42,7 @@ std::string perform(sim::Panel& panel, const std::string& words)
         else if (word.starts_with('-'))
             story += text(panel.release(word.substr(1)));
         else if (const auto report = sim::fromHex(word))
-            story += text(panel.applyOutput(*report, {}));
+            story += text(panel.applyOutput(*report));
         else
             story += text(panel.push(word));
     }
@@ -133,7 +133,7 @@ TEST(Panel, NamesEveryButtonAndLedOnce)
             found += button.name + ' ';
         EXPECT_EQ(found, buttons) << items;
         found.clear();
-        for (const auto& lamp : panel.lamps({}))
+        for (const auto& lamp : panel.lamps())
             found += lamp.name + ' ';
         EXPECT_EQ(found, lamps) << items;
     }
@@ -158,34 +158,20 @@ TEST(Panel, KeepsButtonsDownUntilTheyAreReleased)
     EXPECT_EQ(panel.hook(), sim::HookPosition::kOffHook);
 }
 
-TEST(Panel, ALampBlinksWhileItIsSwitchedOften)
+TEST(Panel, WithoutPowerItIsDarkAndOnlyACradleKeepsItsPosition)
 {
-    using sim::LampState;
-    using std::chrono::milliseconds;
-    sim::Panel panel(sim::findProfile("speakerphone")->info.controls().reportDescriptor);
-    const auto ring = [&](int at) {
-        const auto lamps = panel.lamps(sim::Lamp::Time(milliseconds(at)));
-        return std::ranges::find(lamps, "ring", &sim::Panel::LampInfo::name)->state;
-    };
-    bool on = false;
-    const auto toggle = [&](int at) {
-        on = !on;
-        const sim::Lamp::Time time{milliseconds(at)};
-        EXPECT_EQ(panel.applyOutput({3, uint8_t(on ? 8 : 0), 0}, time).size(), 1U);
-        EXPECT_EQ(panel.applyOutput({3, uint8_t(on ? 8 : 0), 0}, time).size(), 0U);
-    };
-    toggle(10'000);
-    toggle(11'500);
-    EXPECT_EQ(ring(11'500), LampState::kOff);
-    toggle(13'000);
-    EXPECT_EQ(ring(13'000), LampState::kBlink);
-    EXPECT_EQ(ring(14'500), LampState::kBlink);
-    EXPECT_EQ(ring(14'501), LampState::kOn) << "the last change was too long ago";
-    toggle(14'501);
-    toggle(14'600);
-    EXPECT_EQ(ring(14'600), LampState::kOn) << "only two changes without a long gap";
-    toggle(14'700);
-    EXPECT_EQ(ring(14'700), LampState::kBlink);
+    const Bytes descriptor = sim::findProfile("speakerphone")->info.controls().reportDescriptor;
+    for (const auto& [hookSwitch, state] : {
+             std::pair{sim::HookSwitch::kFollowsLamp, Bytes{3, 0, 0}},
+             {sim::HookSwitch::kStays, Bytes{3, 1, 0}},
+             {sim::HookSwitch::kMomentary, Bytes{3, 0, 0}},
+         }) {
+        sim::Panel panel(descriptor, hookSwitch);
+        perform(panel, "+hook +flash 030900");
+        panel.losePower();
+        EXPECT_EQ(panel.stateReport(), state);
+        EXPECT_EQ(perform(panel, "030800"), "ring on; ");
+    }
 }
 
 TEST(Panel, SaysWhatAReportChanges)
@@ -210,7 +196,7 @@ TEST(Panel, SurvivesABrokenDescriptor)
     sim::Panel panel(sim::fromHex("070b00000075 0197ffffffff1a0000 2affff 8102 8102 07").value());
     EXPECT_EQ(panel.stateReport().size(), 65534U);
     EXPECT_EQ(panel.buttons().size(), sim::kMaxControls);
-    EXPECT_EQ(text(panel.applyOutput({}, {})), "no change; ");
+    EXPECT_EQ(text(panel.applyOutput({})), "no change; ");
     EXPECT_EQ(sim::Panel({}).stateReport(), Bytes{0});
 }
 
