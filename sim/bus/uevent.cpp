@@ -41,9 +41,11 @@ void broadcast(const std::string& root, const Uevent& event)
 {
     constexpr std::string_view prefix = "event"; // of the name of a listener's socket
     const std::string message = messageFor(event);
-    for (const auto& entry : std::filesystem::directory_iterator(root)) {
-        if (entry.path().filename().native().starts_with(prefix))
-            send(message, entry.path().native());
+    std::error_code error; // a program may have removed the directory
+    auto entry = std::filesystem::directory_iterator(root, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        if (entry->path().filename().native().starts_with(prefix))
+            send(message, entry->path().native());
     }
 }
 

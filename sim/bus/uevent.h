@@ -11,8 +11,8 @@ struct Uevent {
     std::string node;       // "/dev/bus/usb/..."
 };
 
-// Sends to every process that listens in the testbed at `root`; there may be none. Works with and
-// without umockdev's library preloaded.
+// Sends to every process that listens in the testbed at `root`; there may be none, and no testbed.
+// Works with and without umockdev's library preloaded.
 void broadcast(const std::string& root, const Uevent& event);
 
 } // namespace sim

@@ -133,8 +133,11 @@ UsbBus::UsbBus()
     }
 }
 
+// umockdev ends the process if its directory is missing, which a program may have removed.
 UsbBus::~UsbBus()
 {
+    std::error_code ignored;
+    fs::create_directories(root_, ignored);
     g_object_unref(testbed_);
 }
 
@@ -196,14 +199,17 @@ void UsbBus::removeOldSockets()
 
 // Removes the node first, so that it cannot be opened any more. The sysfs directory is removed by
 // hand, because umockdev_testbed_remove_device() of version 0.19 also tries to announce it and
-// reports an error in a process that is not preloaded.
+// reports an error in a process that is not preloaded. Errors are ignored: a program may have
+// removed the files.
 void UsbBus::unplug(const Place& place, Usbfs& usbfs)
 {
-    fs::remove(root_ + place.node);
+    std::error_code ignored;
+    fs::remove(root_ + place.node, ignored);
     removedNodes_.push_back(place.node);
     usbfs.disconnect();
-    fs::remove(root_ + "/sys/bus/usb/devices/" + fs::path(place.sysfsPath).filename().native());
-    fs::remove_all(root_ + "/sys" + place.sysfsPath);
+    const std::string name = fs::path(place.sysfsPath).filename();
+    fs::remove(root_ + "/sys/bus/usb/devices/" + name, ignored);
+    fs::remove_all(root_ + "/sys" + place.sysfsPath, ignored);
     broadcast(root_, {"remove", place.sysfsPath, place.node});
 }
 

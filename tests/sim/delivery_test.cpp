@@ -130,6 +130,15 @@ TEST_F(Delivery, OfHotPlugMessagesDoesNotWaitForAProgramThatTakesNone)
         sim::broadcast(root, {"remove", "/devices/usb1/1-1", "/dev/bus/usb/001/002"});
 }
 
+TEST_F(Delivery, ADeviceIsUnpluggedAlsoAfterTheBusLostItsDirectory)
+{
+    sim::UsbDevice& device = plug();
+    std::filesystem::remove_all(busDirectory());
+    EXPECT_NO_THROW(device.unplug());
+    EXPECT_FALSE(device.isPlugged());
+    EXPECT_THROW(device.plug(), std::runtime_error);
+}
+
 size_t entries(const char* directory)
 {
     const auto list = std::filesystem::recursive_directory_iterator(directory);
