@@ -22,7 +22,8 @@ using Program = std::optional<std::vector<std::string>>;
 constexpr const char* kRunFooter
     = R"(FILE is a device profile, a report descriptor in any format that kelprobectl
 describe reads, or a recording; PROFILE is one that kelprobe-sim list shows.
-Without either it is the speakerphone.
+Write ./NAME for a file that is named like a profile. Without either it is the
+speakerphone.
 
 Standard output shows what the devices send and receive; both outputs of PROGRAM
 go to standard error. Commands for the devices are read from standard input, a
@@ -102,7 +103,7 @@ int runProgram(const RunOptions& options, const Program& program)
     SessionOptions session;
     session.program = requireProgram(program);
     session.programTakesInput = options.programTakesInput;
-    const std::vector<std::string> standard = {profiles().front().name};
+    const std::vector<std::string> standard = {kDefaultProfile};
     for (const std::string& file : options.files.empty() ? standard : options.files)
         for (Profile& profile : loadProfiles(file, options.device.get()))
             session.profiles.push_back(std::move(profile));

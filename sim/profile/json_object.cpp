@@ -90,14 +90,18 @@ bool JsonObject::takeBoolean(const char* key)
     return value && value->isBool() && value->asBool();
 }
 
-std::string JsonObject::takeText(const char* key, size_t maxSize)
+std::string JsonObject::takeLine(const char* key, size_t maxCharacters)
 {
     const Json::Value* const value = take(key);
     if (!value)
         return {};
-    if (value->isString() && value->asString().size() <= maxSize)
-        return value->asString();
-    mistakes_.add(pathOf(key), "a text of at most " + std::to_string(maxSize) + " bytes", *value);
+    std::string text = value->isString() ? value->asString() : "";
+    const auto isFirst = [](char c) { return (c & 0xc0) != 0x80; }; // byte of a character
+    const auto characters = static_cast<size_t>(std::ranges::count_if(text, isFirst));
+    if (value->isString() && characters <= maxCharacters && text::printable(text) == text)
+        return text;
+    mistakes_.add(pathOf(key),
+        "one line of at most " + std::to_string(maxCharacters) + " characters", *value);
     return {};
 }
 

@@ -53,7 +53,8 @@ public:
 
     int64_t takeInteger(const char* key, int64_t minimum, int64_t maximum, int64_t fallback);
     bool takeBoolean(const char* key);
-    std::string takeText(const char* key, size_t maxSize);
+    // One line: printable, of at most so many characters.
+    std::string takeLine(const char* key, size_t maxCharacters);
     // Four hexadecimal digits. Without a fallback the key is required.
     uint16_t takeHexNumber(const char* key, std::optional<uint16_t> fallback = {});
 

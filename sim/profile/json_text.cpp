@@ -154,8 +154,15 @@ void requireLimits(std::string_view text, const std::string& file)
 
 } // namespace
 
+std::string_view withoutByteOrderMark(std::string_view text)
+{
+    constexpr std::string_view mark = "\xef\xbb\xbf";
+    return text.starts_with(mark) ? text.substr(mark.size()) : text;
+}
+
 Json::Value parseJson(std::string_view text, const std::string& file)
 {
+    text = withoutByteOrderMark(text);
     if (const size_t valid = validLength(text); valid != text.size())
         fail(text, valid, file, "expected UTF-8");
     requireLimits(text, file);

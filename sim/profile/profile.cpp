@@ -1,9 +1,18 @@
 #include "sim/profile/profile.h"
 
+#include "tools/text/printable.h"
+
 #include <cassert>
 
 namespace sim {
 namespace {
+
+std::vector<std::string> printable(std::vector<std::string> list)
+{
+    for (std::string& line : list)
+        line = text::printable(line);
+    return list;
+}
 
 std::string lines(const std::vector<std::string>& list)
 {
@@ -16,8 +25,8 @@ std::string lines(const std::vector<std::string>& list)
 } // namespace
 
 ProfileError::ProfileError(std::vector<std::string> list)
-    : std::runtime_error(lines(list))
-    , mistakes(std::move(list))
+    : std::runtime_error(lines(printable(list)))
+    , mistakes(printable(std::move(list)))
 {
     assert(!mistakes.empty());
 }

@@ -11,6 +11,7 @@ namespace sim::keys {
 
 inline constexpr auto kSchema = "$schema"; // for editors; not used
 inline constexpr auto kDescription = "description";
+inline constexpr size_t kMaxDescription = 1000; // characters
 inline constexpr auto kVendorId = "vendorId";
 inline constexpr auto kProductId = "productId";
 inline constexpr auto kRelease = "release";

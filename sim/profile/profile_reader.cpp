@@ -105,7 +105,7 @@ public:
         Profile profile;
         JsonObject device(json, "", mistakes_);
         device.take(keys::kSchema);
-        profile.description = device.takeText(keys::kDescription, 1000);
+        profile.description = device.takeLine(keys::kDescription, keys::kMaxDescription);
         UsbDeviceInfo& info = profile.info;
         info.vendorId = device.takeHexNumber(keys::kVendorId);
         info.productId = device.takeHexNumber(keys::kProductId);
@@ -293,11 +293,13 @@ private:
 bool isProfile(std::string_view text)
 {
     constexpr std::string_view blanks = " \t\r\n";
+    text = withoutByteOrderMark(text);
     const size_t begin = text.find_first_not_of(blanks);
     if (begin == text.npos || text[begin] != '{')
-        return false;
+        return begin != text.npos && text[begin] == '[';
     const size_t next = text.find_first_not_of(blanks, begin + 1);
-    return next == text.npos || text[next] == '"' || text[next] == '}';
+    constexpr std::string_view nextInJson = "\"}{[";
+    return next == text.npos || nextInJson.find(text[next]) != nextInJson.npos;
 }
 
 Profile parseProfile(

@@ -12,7 +12,8 @@ namespace sim {
 // Longer texts are refused. Room for the descriptors of several interfaces.
 inline constexpr size_t kMaxProfileSize = size_t{1024} * 1024;
 
-// Whether a text is meant as a profile: it is an object of JSON.
+// Whether a text is meant as a profile: it begins as JSON does, perhaps with mistakes, and as no
+// descriptor does. C source may begin with a brace, but numbers follow.
 [[nodiscard]] bool isProfile(std::string_view text);
 
 // Reads the descriptor file that a profile names, which is a file name without a folder.

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 namespace sim {
 namespace {
 
-constexpr std::string_view kDefault = "speakerphone";
+constexpr const char* kExtension = ".json";
 
 std::string readText(const fs::path& file)
 {
@@ -33,19 +33,26 @@ Profile readProfile(const fs::path& file, std::string_view text)
     });
 }
 
-std::vector<Profile> readProfiles()
+// Those of the built-in profiles: the default one, then the others by name.
+std::vector<fs::path> profileFiles()
 {
     const fs::path directory = profileDirectory();
     std::vector<fs::path> files;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(directory, error))
-        if (entry.path().extension() == ".json")
+        if (entry.path().extension() == kExtension)
             files.push_back(entry.path());
     if (files.empty())
         throw ProfileError({directory.native() + ": expected profiles, files *.json"});
-    const auto isLater = [](const fs::path& file) { return file.stem() != kDefault; };
+    const auto isLater = [](const fs::path& file) { return file.stem() != kDefaultProfile; };
     std::ranges::sort(
         files, {}, [&](const fs::path& file) { return std::pair(isLater(file), file.filename()); });
+    return files;
+}
+
+std::vector<Profile> readProfiles()
+{
+    const std::vector<fs::path> files = profileFiles();
     std::vector<Profile> list;
     list.reserve(files.size());
     for (const fs::path& file : files)
@@ -55,13 +62,36 @@ std::vector<Profile> readProfiles()
 
 ProfileError unknownProfile(const std::string& name)
 {
-    std::vector<std::string_view> names;
-    names.reserve(profiles().size());
-    for (const Profile& profile : profiles())
-        names.push_back(profile.name);
+    std::vector<std::string> stems;
+    for (const fs::path& file : profileFiles())
+        stems.push_back(file.stem());
+    const std::vector<std::string_view> names(stems.begin(), stems.end());
     const std::string_view nearest = text::nearest(name, names);
     return ProfileError({"unknown profile " + name
         + (nearest.empty() ? "" : "; did you mean " + std::string(nearest) + '?')});
+}
+
+std::vector<Profile> readDevices(const fs::path& file)
+{
+    const std::string text = readText(file);
+    if (file.extension() == kExtension || isProfile(text))
+        return {readProfile(file, text)};
+    return devicesIn(text, file);
+}
+
+std::vector<Profile> find(const std::string& nameOrFile)
+{
+    if (nameOrFile.empty())
+        throw ProfileError({"expected a profile or a file, found an empty name"});
+    if (nameOrFile.find_first_of("/.") != nameOrFile.npos)
+        return readDevices(nameOrFile);
+    std::error_code error;
+    const fs::path builtIn = profileDirectory() / (nameOrFile + kExtension);
+    if (fs::exists(builtIn, error))
+        return readDevices(builtIn);
+    if (fs::exists(nameOrFile, error))
+        return readDevices(nameOrFile);
+    throw unknownProfile(nameOrFile);
 }
 
 } // namespace
@@ -90,19 +120,7 @@ const Profile* findProfile(std::string_view name)
 
 std::vector<Profile> loadProfiles(const std::string& nameOrFile, const ProfileOptions& options)
 {
-    std::vector<Profile> list;
-    if (const Profile* const builtIn = findProfile(nameOrFile)) {
-        list.push_back(*builtIn);
-    } else {
-        const bool isName = nameOrFile.find_first_of("/.") == nameOrFile.npos;
-        if (isName && !fs::exists(nameOrFile))
-            throw unknownProfile(nameOrFile);
-        const std::string text = readText(nameOrFile);
-        if (isProfile(text))
-            list.push_back(readProfile(nameOrFile, text));
-        else
-            list = devicesIn(text, nameOrFile);
-    }
+    std::vector<Profile> list = find(nameOrFile);
     for (Profile& profile : list)
         applyOptions(profile.info, options);
     return list;

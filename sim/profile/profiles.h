@@ -16,7 +16,9 @@ namespace sim {
 // program) if there is one, else the one in the source tree.
 std::filesystem::path profileDirectory();
 
-// All built-in profiles: "speakerphone", which is the default, then the others by name. The first
+inline constexpr const char* kDefaultProfile = "speakerphone";
+
+// All built-in profiles: the default one, then the others by name. The first
 // call reads the files, and throws ProfileError if one of them cannot be read.
 std::span<const Profile> profiles();
 
@@ -34,11 +36,12 @@ struct ProfileOptions {
     bool noOutEndpoint = false; // that interface has none
 };
 
-// The devices of a built-in profile or, if none has that name, of a file: a profile, or any file
-// that report::readDescriptors() reads. A built-in profile and a file that is a profile give one
-// device. In other files, descriptors of several interfaces of one device become one device:
-// those of usbhid-dump with the same bus and device, and those of a recording with the same ids and
-// physical path but for the interface. Blocks while files are read. Throws ProfileError.
+// The devices of a built-in profile or, if none has that name, of a file. An argument with a slash
+// or a dot is always a file. A file is a profile if it is named *.json or begins as JSON does; else
+// any file that report::readDescriptors() reads. Only the file that is meant is read. A profile
+// gives one device. In other files, descriptors of several interfaces of one device become one
+// device: those of usbhid-dump with the same bus and device, and those of a recording with the same
+// ids and physical path but for the interface. Blocks while files are read. Throws ProfileError.
 [[nodiscard]] std::vector<Profile> loadProfiles(
     const std::string& nameOrFile, const ProfileOptions& options = {});
 

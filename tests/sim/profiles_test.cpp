@@ -70,6 +70,12 @@ TEST(Profiles, AreMadeOfAnyFileWithADescriptor)
             "001:005:003:DESCRIPTOR 1.2\n 05 0b\n\n001:005:000:DESCRIPTOR 1.3\n 05 0c\n\n"
             "001:006:000:DESCRIPTOR 1.3\n 05 0c\n",
             "12090001 dump 3:1/1 0:2/2; 12090001 dump 0:1/1; "},
+        {"two.c", "{ 0x05, 0x0b }", "12090001 two 0:1/1; "},
+        {"webcam", telephony.c_str(), "12090001 webcam 0:1/1; "},
+        {"bom.txt",
+            "\xef\xbb\xbf{\"vendorId\": \"0001\", \"productId\": \"0002\", "
+            "\"interfaces\": [{\"reportDescriptor\": \"05 0b\"}]}",
+            "00010002  0:1/1; "},
         {"recording.hid", nullptr,
             "0b0e0410 Phone, new 3:1/1 0:2/2; 0b0e0411 Other 31:1/1; 12090001 Third 0:1/1; "},
     };
@@ -95,6 +101,25 @@ TEST(Profiles, AreMadeOfAnyFileWithADescriptor)
         "00010002 X 0:1/0 3:2/2; 00010002 X 0:1/0; 00010002 X 0:1/0; ");
 }
 
+// Neither a file nor a built-in profile needs the other built-in profiles.
+TEST(Profiles, AreReadOnlyWhenTheyAreNamed)
+{
+    const test::TempDirectory directory;
+    const std::string webcam = directory.file("webcam.json",
+        R"({"vendorId": "1209", "productId": "0009", "interfaces": [{"class": "audio"}]})");
+    (void)directory.file("broken.json", "{");
+    for (const auto& [folder, name, devices] : {
+             std::tuple{std::string("/proc"), webcam, "12090009  0:1/1; "},
+             {directory.path(), webcam, "12090009  0:1/1; "},
+             {directory.path(), std::string("webcam"), "12090009  0:1/1; "},
+         }) {
+        setenv("KELPROBE_PROFILES", folder.c_str(), 1);
+        EXPECT_EQ(devicesIn(name), devices);
+    }
+    EXPECT_THROW((void)sim::loadProfiles("broken"), sim::ProfileError);
+    unsetenv("KELPROBE_PROFILES");
+}
+
 TEST(Profiles, SayWhyAFileHasNone)
 {
     const test::TempDirectory directory;
@@ -105,6 +130,14 @@ TEST(Profiles, SayWhyAFileHasNone)
              {directory.path() + "none", directory.path() + "none: No such file or directory"},
              {directory.file("x.hex", "05 0g"), directory.path() + "x.hex:1:5: expected "},
              {directory.file("x.json", "{}"), directory.path() + "x.json: vendorId: expected "},
+             {directory.file("y.json", "05 0b"), directory.path() + "y.json:1:4: expected JSON, "},
+             {directory.file("array", "[]"), directory.path() + "array: expected an object, "},
+             {directory.file("cut", " [\"a\""), directory.path() + "cut:1:6: [0]: expected JSON, "},
+             {directory.file("deep", "{{{"), directory.path() + "deep:1:2: expected JSON, "},
+             {directory.path() + "\x1b[1m.hex", directory.path() + "\\x1b[1m.hex: No such file"},
+             {directory.file("\nx.json", "[]"), directory.path() + "\\x0ax.json: expected an"},
+             {"\x1b", "unknown profile \\x1b"},
+             {"", "expected a profile or a file, found an empty name"},
          }) {
         try {
             (void)sim::loadProfiles(name);
