@@ -106,11 +106,14 @@ CommandResult BenchDevice::checkCanSend() const
     return {};
 }
 
+CommandResult BenchDevice::checkButton(std::string_view name)
+{
+    return device_.panel().hasButton(name) ? checkCanSend() : noButton(name);
+}
+
 CommandResult BenchDevice::press(std::string_view button, Press press)
 {
-    if (!device_.panel().hasButton(button))
-        return noButton(button);
-    const CommandResult possible = checkCanSend();
+    const CommandResult possible = checkButton(button);
     if (possible.status == kDone)
         (void)(press == Press::kHold ? device_.press(button) : device_.push(button));
     return possible;
@@ -118,9 +121,7 @@ CommandResult BenchDevice::press(std::string_view button, Press press)
 
 CommandResult BenchDevice::release(std::string_view button)
 {
-    if (!device_.panel().hasButton(button))
-        return noButton(button);
-    const CommandResult possible = checkCanSend();
+    const CommandResult possible = checkButton(button);
     if (possible.status == kDone)
         (void)device_.release(button);
     return possible;

@@ -66,6 +66,7 @@ private:
     CommandResult flood(int reports);
     CommandResult noButton(std::string_view name);
     [[nodiscard]] CommandResult checkCanSend() const;
+    [[nodiscard]] CommandResult checkButton(std::string_view name); // and that there is one
 
     const Profile profile_;
     const size_t number_;
