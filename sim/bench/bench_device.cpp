@@ -113,7 +113,7 @@ CommandResult BenchDevice::checkButton(std::string_view name)
 
 CommandResult BenchDevice::press(std::string_view button, Press press)
 {
-    const CommandResult possible = checkButton(button);
+    CommandResult possible = checkButton(button);
     if (possible.status == kDone)
         (void)(press == Press::kHold ? device_.press(button) : device_.push(button));
     return possible;
@@ -121,7 +121,7 @@ CommandResult BenchDevice::press(std::string_view button, Press press)
 
 CommandResult BenchDevice::release(std::string_view button)
 {
-    const CommandResult possible = checkButton(button);
+    CommandResult possible = checkButton(button);
     if (possible.status == kDone)
         (void)device_.release(button);
     return possible;
@@ -129,7 +129,7 @@ CommandResult BenchDevice::release(std::string_view button)
 
 CommandResult BenchDevice::sendRaw(const Bytes& report)
 {
-    const CommandResult possible = checkCanSend();
+    CommandResult possible = checkCanSend();
     if (possible.status == kDone)
         device_.inject(report, kRawCause);
     return possible;
