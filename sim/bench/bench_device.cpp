@@ -192,18 +192,29 @@ CommandResult BenchDevice::flood(int reports)
                 + std::to_string(UrbQueue::kMaxInput)};
     if (CommandResult possible = checkCanSend(); possible.status != kDone)
         return possible;
-    BenchEvent event{.device = number_, .kind = Kind::kInput, .count = 0};
-    event.report = device_.panel().stateReport();
-    event.cause = kFloodCause;
-    while (event.count < static_cast<size_t>(reports) && device_.inject(event.report, kFloodCause))
-        ++event.count;
-    if (event.count == 0)
-        event.delivery = Delivery::kNoListener;
-    const size_t sent = event.count;
-    queue_.add(std::move(event));
-    if (sent == static_cast<size_t>(reports))
+    const Bytes report = device_.panel().stateReport();
+    const auto wanted = static_cast<size_t>(reports);
+    size_t sent = 0;
+    while (sent < wanted && device_.inject(report, kFloodCause))
+        ++sent;
+    const auto addReports = [&](size_t count, Delivery delivery) {
+        if (count > 0)
+            queue_.add({.device = number_,
+                .kind = Kind::kInput,
+                .report = report,
+                .cause = kFloodCause,
+                .delivery = delivery,
+                .count = count});
+    };
+    addReports(sent, Delivery::kQueued);
+    if (sent == wanted)
         return {};
-    return {kNotMet, "the program has taken " + std::to_string(sent) + " reports"};
+    const bool hasListener = device_.claimed();
+    addReports(wanted - sent, hasListener ? Delivery::kQueueFull : Delivery::kNoListener);
+    return {kNotMet,
+        hasListener ? "the program reads too slowly: " + std::to_string(wanted - sent)
+                + " of the reports are lost"
+                    : "no program listens"};
 }
 
 const Bytes& BenchDevice::reportDescriptor() const

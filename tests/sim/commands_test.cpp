@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <json/value.h>
+#include <libusb.h>
 #include <poll.h>
 
 namespace {
@@ -108,6 +109,23 @@ TEST_F(Commands, NeedADeviceThatIsPluggedIn)
     EXPECT_EQ(give("press mutt"), "2 the device has no button mutt; did you mean mute?");
     EXPECT_EQ(give("fault write 1"), "0");
     EXPECT_EQ(lines(), "--   unplugged\n--   fault write on\n");
+}
+
+TEST_F(Commands, AFloodSaysHowManyReportsAreLost)
+{
+    startBuiltIn("speakerphone");
+    EXPECT_EQ(give("fault flood 2"), "1 no program listens");
+    EXPECT_EQ(lines(), "in   03 00 00     flood, 2 times  (no program listens)\n");
+    libusb_context* context = nullptr;
+    ASSERT_EQ(libusb_init(&context), 0);
+    libusb_device_handle* const handle = libusb_open_device_with_vid_pid(context, 0x1209, 1);
+    ASSERT_TRUE(handle);
+    ASSERT_EQ(libusb_detach_kernel_driver(handle, 0), 0);
+    ASSERT_EQ(libusb_claim_interface(handle, 0), 0);
+    EXPECT_EQ(give("fault flood 65536"), "0");
+    EXPECT_EQ(give("fault flood 3"), "1 the program reads too slowly: 3 of the reports are lost");
+    libusb_close(handle);
+    libusb_exit(context);
 }
 
 TEST_F(Commands, TellAFaultWithTheNumberZeroFromOneThatIsOff)
