@@ -19,17 +19,22 @@ protected:
         bench_.emplace(fake_.socket());
         QObject::connect(&*bench_, &Bench::lost, [this](const QString& why) { lost_ = why; });
         bench_->start();
-        ASSERT_TRUE(QTest::qWaitFor([this] { return bench_->isConnected() || !lost_.isEmpty(); }));
+        ASSERT_TRUE(waitFor([this] { return bench_->isConnected() || !lost_.isEmpty(); }));
     }
     Device& device() { return *bench_->devices().at(0); }
 
+    template <class Condition>
+    static bool waitFor(Condition condition)
+    {
+        return QTest::qWaitFor(condition, 10'000);
+    }
     // Waits until everything sent so far has arrived.
     void settle()
     {
         static int settled = 0;
         const QString mark = QStringLiteral("settled %1").arg(++settled);
         fake_.send("\"event\": \"note\", \"text\": \"" + mark.toUtf8() + '"');
-        EXPECT_TRUE(QTest::qWaitFor([&] { return lines().value(lines().size() - 1) == mark; }));
+        EXPECT_TRUE(waitFor([&] { return lines().value(lines().size() - 1) == mark; }));
     }
     // The texts of the log.
     QStringList lines()
@@ -65,32 +70,40 @@ protected:
 // An event, and what is shown after it.
 constexpr const char* kEvents[][2] = {
     {"\"event\": \"opened\"",
-        "plugged, open | false false false false false | off off off off | false false false"},
+        "plugged, open | false false false false false | off off off off | false false false "
+        "false"},
     {"\"event\": \"lamp\", \"name\": \"ring\", \"state\": \"blink\"",
-        "plugged, open | false false false false false | off off blink off | false false false"},
+        "plugged, open | false false false false false | off off blink off | false false false "
+        "false"},
     {"\"event\": \"lamp\", \"name\": \"ring\", \"state\": \"off\"",
-        "plugged, open | false false false false false | off off off off | false false false"},
+        "plugged, open | false false false false false | off off off off | false false false "
+        "false"},
     {"\"event\": \"hook\", \"position\": \"off\"",
-        "plugged, open | true false false false false | off off off off | false false false"},
+        "plugged, open | true false false false false | off off off off | false false false false"},
     {"\"event\": \"fault\", \"name\": \"write\", \"armed\": true",
-        "plugged, open | true false false false false | off off off off | false true false"},
+        "plugged, open | true false false false false | off off off off | false true false false"},
     {"\"event\": \"closed\"",
-        "plugged, closed | true false false false false | off off off off | false true false"},
+        "plugged, closed | true false false false false | off off off off | false true false "
+        "false"},
     {"\"event\": \"unplugged\"",
-        "unplugged, closed | true false false false false | off off off off | false true false"},
+        "unplugged, closed | true false false false false | off off off off | false true false "
+        "false"},
     {"\"event\": \"plugged\"",
-        "plugged, closed | true false false false false | off off off off | false true false"},
+        "plugged, closed | true false false false false | off off off off | false true false "
+        "false"},
     {"\"event\": \"hook\", \"position\": \"on\"",
-        "plugged, closed | false false false false false | off off off off | false true false"},
+        "plugged, closed | false false false false false | off off off off | false true false "
+        "false"},
 };
 
 TEST_F(PanelBench, ShowsTheDeviceAndWhatHappensToIt)
 {
     connectPanel();
     EXPECT_EQ(device().name(), "Kelprobe Simulated speakerphone");
-    EXPECT_EQ(device().details(), QString("1209:0001 · S0001 · speakerphone"));
+    EXPECT_EQ(device().details(), QString("1209:0001 · speakerphone · S0001"));
     EXPECT_EQ(look(),
-        "plugged, closed | false false false false false | off off off off | false false false");
+        "plugged, closed | false false false false false | off off off off | false false false "
+        "false");
     for (const auto& [event, after] : kEvents) {
         fake_.send(event);
         settle();
@@ -118,7 +131,7 @@ TEST_F(PanelBench, TakesARelativePathOfTheSocket)
     Bench bench(socket.fileName());
     QDir::setCurrent(before);
     bench.start();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return bench.isConnected(); }, 1000));
+    EXPECT_TRUE(waitFor([&] { return bench.isConnected(); }));
 }
 
 TEST_F(PanelBench, SendsCommandsForItsDevice)
@@ -138,10 +151,12 @@ TEST_F(PanelBench, SendsCommandsForItsDevice)
     device().setFault("open", true, "");
     device().setFault("open", false, "2");
     second.setPlugged(false);
+    second.sendReport(" 03  01 ");
+    second.flood("800");
     const QStringList expected{"1: press mute --hold", "1: release mute", "1: press hook --hold",
         "1: release hook", "1: unplug", "1: replug", "1: fault claim 2", "1: fault open",
-        "1: fault open off", "7: unplug"};
-    EXPECT_TRUE(QTest::qWaitFor([&] { return fake_.commands.size() == expected.size(); }));
+        "1: fault open off", "7: unplug", "7: raw 03 01", "7: fault flood 800"};
+    EXPECT_TRUE(waitFor([&] { return fake_.commands.size() == expected.size(); }));
     EXPECT_EQ(fake_.commands, expected);
 }
 
@@ -152,7 +167,7 @@ TEST_F(PanelBench, LetsGoOfHeldButtonsButNotOfTheHook)
     device().setPressed("flash", true);
     device().releaseAll();
     device().releaseAll();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return fake_.commands.size() >= 3; }));
+    EXPECT_TRUE(waitFor([&] { return fake_.commands.size() >= 3; }));
     EXPECT_EQ(fake_.commands,
         (QStringList{"1: press hook --hold", "1: press flash --hold", "1: release flash"}));
 }
@@ -170,8 +185,7 @@ TEST_F(PanelBench, ShowsButtonsThatOthersPress)
     QObject::connect(device().buttons(), &QAbstractItemModel::modelReset, [&] { ++resets; });
     for (int i = 0; i < 200; ++i)
         fake_.send(R"("event": "input", "report": "0309", "meaning": ["Phone Mute on"])");
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return device().buttons()->value("mute", "pressed").toBool(); }));
+    EXPECT_TRUE(waitFor([&] { return device().buttons()->value("mute", "pressed").toBool(); }));
     EXPECT_EQ(resets, 0) << "a button that is being pressed must stay";
     EXPECT_LT(fake_.questions(), 20) << "not for each report";
 }
@@ -181,13 +195,18 @@ TEST_F(PanelBench, SaysWhyACommandWasRefusedUntilTheNext)
     connectPanel();
     fake_.nextError = "the device\nis unplugged";
     device().setPressed("mute", true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !bench_->message().isEmpty(); }));
+    EXPECT_TRUE(waitFor([&] { return !bench_->message().isEmpty(); }));
     EXPECT_EQ(bench_->message(), "the device is unplugged");
-    EXPECT_TRUE(QTest::qWaitFor([&] { // it is not down on the device
+    EXPECT_TRUE(waitFor([&] { // it is not down on the device
         return !device().buttons()->value("mute", "pressed").toBool();
     }));
     device().setPressed("mute", false);
     EXPECT_EQ(bench_->message(), "");
+    fake_.nextError = QString(10'000, 'x');
+    device().setPressed("mute", true);
+    EXPECT_TRUE(waitFor([&] { return !bench_->message().isEmpty(); }));
+    EXPECT_LT(bench_->message().size(), 1000);
+    EXPECT_TRUE(waitFor([&] { return bench_->message().isEmpty(); })) << "after some seconds";
 }
 
 TEST_F(PanelBench, ReconnectsIfTheBenchDropsItsEvents)
@@ -195,11 +214,12 @@ TEST_F(PanelBench, ReconnectsIfTheBenchDropsItsEvents)
     connectPanel();
     fake_.dropEvents();
     fake_.setLamp("ring", "on"); // nobody receives the event
-    EXPECT_TRUE(QTest::qWaitFor([&] { return fake_.hasEvents(); }));
+    EXPECT_TRUE(waitFor([&] { return fake_.hasEvents(); }));
     fake_.setLamp("hold", "on");
     settle();
     EXPECT_EQ(all(*device().lamps(), "state"), "off off on on");
     EXPECT_EQ(bench_->message(), "Too many events at once: some are missing in the log.");
+    EXPECT_EQ(lines().value(0), "events are missing here");
     EXPECT_TRUE(bench_->isConnected());
     EXPECT_EQ(bench_->devices().size(), 1U);
 }
@@ -210,7 +230,7 @@ TEST_F(PanelBench, KeepsTheLogWhenTheBenchEnds)
     fake_.send("\"event\": \"opened\"");
     settle();
     fake_.end();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !lost_.isEmpty(); }));
+    EXPECT_TRUE(waitFor([&] { return !lost_.isEmpty(); }));
     EXPECT_FALSE(bench_->isConnected());
     EXPECT_EQ(lines().value(0), "opened by a program");
     device().setPressed("mute", true); // without effect
@@ -222,14 +242,34 @@ TEST_F(PanelBench, EndsTheConnectionIfTheBenchIsNone)
              QByteArray(Device::staticMetaObject.className()).repeated(400'000)}) {
         connectPanel();
         fake_.sendLine(line);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !lost_.isEmpty(); }))
-            << line.left(9).toStdString();
+        EXPECT_TRUE(waitFor([&] { return !lost_.isEmpty(); })) << line.left(9).toStdString();
         EXPECT_FALSE(bench_->isConnected());
         lost_.clear();
     }
     fake_.end();
     connectPanel();
-    EXPECT_FALSE(lost_.isEmpty()) << "there is no socket";
+    EXPECT_EQ(lost_, "there is no such socket");
+}
+
+TEST_F(PanelBench, ShowsOnlyPartsThatAreValid)
+{
+    const QString label(16'000, 'x');
+    fake_.devices[0] = QJsonObject{{"number", 1},
+        {"lamps", QJsonArray{QJsonObject{{"name", 5}}, 7, QJsonObject{{"name", "ring"}}}},
+        {"faults", QJsonArray{QJsonObject{{"name", "a"}, {"label", label}, {"armed", "yes"}}}}};
+    connectPanel();
+    const auto shown = [](const panel::PartModel& parts) {
+        QVariantList values;
+        const auto roles = parts.roleNames();
+        for (int role = Qt::UserRole; role < Qt::UserRole + roles.size(); ++role)
+            values.append(parts.data(parts.index(0), role));
+        return values;
+    };
+    EXPECT_EQ(device().lamps()->rowCount(), 1);
+    EXPECT_EQ(shown(*device().lamps()), (QVariantList{"ring", "", "", ""}));
+    const QVariantList fault = shown(*device().faults());
+    EXPECT_EQ(fault.value(1).toString().size(), 101) << "with an ellipsis";
+    EXPECT_EQ(fault.mid(2), (QVariantList{false, false}));
 }
 
 TEST_F(PanelBench, IgnoresEventsThatItDoesNotUnderstand)

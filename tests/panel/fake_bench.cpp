@@ -48,7 +48,8 @@ QJsonObject speakerphone()
         {"faults",
             QJsonArray{fault("claim", "claim is refused", true),
                 fault("write", "writes are refused", true),
-                fault("open", "opening is not permitted", false)}}};
+                fault("open", "opening is not permitted", false),
+                fault("short", "the descriptor ends after N bytes", true)}}};
 }
 
 FakeBench::FakeBench()

@@ -19,7 +19,8 @@ using panel::LogView;
 
 std::optional<LogEntry> entryFor(const QByteArray& event)
 {
-    return panel::logEntryFor(QJsonDocument::fromJson("{\"time\": 1.5, " + event + '}').object());
+    return panel::logEntryFor(
+        QJsonDocument::fromJson("{\"time\": 1.5, " + event + '}').object(), "Label");
 }
 
 // An event and its line; an empty one if it has none.
@@ -27,19 +28,19 @@ constexpr const char* kLines[][2] = {
     {R"("event": "input", "report": "0301", "meaning": ["Hook Switch on"], "read": true)",
         "   1.500000  in   03 01        Hook Switch on"},
     {R"("event": "input", "report": "0309", "meaning": ["A on", "B off"], "read": false, "count": 3)",
-        "   1.500000  in   03 09        A on, B off, 3 times (no program listens)"},
+        "   1.500000  in   03 09        A on, B off, 3 times (lost)"},
     {R"("event": "output", "report": "030800000000", "meaning": ["Ring on"], "lamps": {})",
         "   1.500000  out  03 08 00 00 00 00 Ring on"},
     {R"("event": "output", "report": "030000", "meaning": [])",
         "   1.500000  out  03 00 00     no change"},
     {R"("event": "feature", "report": "0502", "meaning": ["x"])",
         "   1.500000  out  05 02        feature report: x"},
-    {R"("event": "write-refused", "report": "0305", "meaning": ["Mute on"])",
-        "   1.500000  out  03 05        refused: Mute on"},
+    {R"("event": "write-refused", "report": "0305", "meaning": [])",
+        "   1.500000  out  03 05        refused"},
     {R"("event": "claim-refused")", "   1.500000       claim refused"},
     {R"("event": "opened")", "   1.500000       opened by a program"},
-    {R"("event": "fault", "name": "write", "armed": true)", "   1.500000       fault write on"},
-    {R"("event": "lamp", "name": "ring", "state": "blink")", "   1.500000       ring lamp blinks"},
+    {R"("event": "fault", "name": "write", "armed": true)", "   1.500000       fault on: Label"},
+    {R"("event": "lamp", "name": "ring", "state": "blink")", "   1.500000       Label lamp blinks"},
     {R"("event": "note", "text": "two\nlines \u202eback")", "   1.500000       two lines  back"},
     {R"("event": "something-new")", "   1.500000       something new"},
     {R"("event": "lamp", "name": "ring", "state": "on")", ""},
@@ -156,8 +157,12 @@ TEST_F(PanelLogView, HasBoundsAndKeepsTheSelection)
     view_.select(6, true);
     addLines(5);
     EXPECT_EQ(view_.rowCount(), static_cast<int>(EventLog::kMaxLines));
-    EXPECT_EQ(view_.countText(), "20,000 lines, older ones are gone");
+    EXPECT_EQ(view_.countText(), "latest 20,000 lines");
     EXPECT_EQ(selected(), "5 6") << "the others are gone";
+    EXPECT_EQ(view_.firstSelected(), 6);
+    addLines(2);
+    EXPECT_FALSE(view_.hasSelection()) << "all of it is gone";
+    EXPECT_EQ(view_.currentLine(), "");
     const std::string large(1'000'000, 'x'); // two bytes a character
     for (int i = 0; i < 40; ++i)
         add("03", large.c_str());
@@ -186,6 +191,7 @@ TEST(PanelRecording, HasTheReportsOfTheLog)
         R"("event": "output", "report": "030800", "time": 1.000002)",
         R"("event": "input", "report": "0301", "time": 1.000001)", // not in order
         R"("event": "write-refused", "report": "030500", "time": 2)",
+        R"("event": "input", "report": "0302", "time": 2, "count": 2)",
         R"("event": "feature", "report": "0501", "time": 3)"};
     for (const char* const event : events)
         device.apply(
@@ -204,7 +210,21 @@ TEST(PanelRecording, HasTheReportsOfTheLog)
         "# output 000001.000002 3 03 08 00 -> 3\n"
         "E: 000001.000002 2 03 01\n"
         "# output 000002.000000 3 03 05 00 -> failed refused by the device\n"
+        "E: 000002.000000 2 03 02\n"
+        "E: 000002.000000 2 03 02\n"
         "# feature 000003.000000 2 05 01 -> 2\n");
+}
+
+TEST(PanelRecording, SaysWhereEventsAreMissing)
+{
+    panel::Device device(speakerphone());
+    device.apply({{"event", "output"}, {"report", "0308"}, {"time", 1}});
+    device.markMissingEvents();
+    device.events().flush();
+    EXPECT_EQ(panel::lineText(device.events().entries().back()),
+        "   1.000000       events are missing here");
+    const QByteArray text = panel::recordingText({}, device.events().entries()).value_or("");
+    EXPECT_TRUE(text.endsWith("-> 2\n# events are missing here\n")) << text.toStdString();
 }
 
 TEST(PanelRecording, IsNotWrittenInPart)
@@ -215,6 +235,14 @@ TEST(PanelRecording, IsNotWrittenInPart)
     EXPECT_EQ(
         device.saveRecording(missing), "cannot write " + missing + ": No such file or directory");
     EXPECT_NE(device.saveRecording({}), "");
+    EXPECT_EQ(device.saveRecording("/dev/full"), "cannot write /dev/full: No space left on device");
+    LogEntry flood;
+    flood.kind = LogEntry::Kind::kInput;
+    flood.bytes = QByteArray(64, 'x');
+    flood.count = 65'536;
+    const std::deque<LogEntry> floods(6, flood);
+    EXPECT_EQ(panel::saveRecording(missing, {}, floods),
+        "cannot write " + missing + ": it would have more than 64 MiB");
 }
 
 } // namespace

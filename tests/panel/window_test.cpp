@@ -220,8 +220,8 @@ TEST_P(PanelWindow, EveryControlHasAFocusThatIsSeenAndAName)
     }
     const QStringList expected{"plug", "button-hook", "button-mute", "button-flash",
         "button-volume-increment", "button-volume-decrement", "count-claim", "fault-claim",
-        "count-write", "fault-write", "fault-open", "clear", "save", "filter", "show-0", "show-1",
-        "show-2", "show-3", "log"};
+        "count-write", "fault-write", "fault-open", "count-short", "fault-short", "clear", "save",
+        "filter", "show-0", "show-1", "show-2", "show-3", "log"};
     EXPECT_EQ(reached.join(' ').toStdString(), expected.join(' ').toStdString());
 }
 

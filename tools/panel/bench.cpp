@@ -6,6 +6,8 @@ namespace panel {
 namespace {
 
 constexpr std::chrono::milliseconds kRefreshDelay{150};
+constexpr std::chrono::seconds kMessageTime{6};
+constexpr int kMaxMessage = 300; // characters
 
 int numberOf(const QJsonObject& object, const char* key)
 {
@@ -23,12 +25,15 @@ Bench::Bench(const QString& socket, QObject* parent)
     connect(&client_, &BenchClient::refreshed, this, &Bench::takeDevices);
     connect(&client_, &BenchClient::lost, this, &Bench::takeLoss);
     connect(&client_, &BenchClient::refused, this, [this](const QString& error) {
-        setMessage(oneLine(error));
+        setMessage(shortened(oneLine(error), kMaxMessage));
         refresh_.start();
     });
     refresh_.setSingleShot(true);
     refresh_.setInterval(kRefreshDelay);
     connect(&refresh_, &QTimer::timeout, &client_, &BenchClient::refresh);
+    messageTime_.setSingleShot(true);
+    messageTime_.setInterval(kMessageTime);
+    connect(&messageTime_, &QTimer::timeout, this, [this] { setMessage({}); });
 }
 
 void Bench::takeStart(const QJsonArray& devices)
@@ -40,8 +45,11 @@ void Bench::takeStart(const QJsonArray& devices)
         else if (!connected_)
             addDevice(state);
     }
-    if (connected_)
+    if (connected_) {
+        for (const auto& device : devices_)
+            device->markMissingEvents();
         return setMessage(QStringLiteral("Too many events at once: some are missing in the log."));
+    }
     connected_ = true;
     Q_EMIT connectedChanged();
     Q_EMIT ready();
@@ -81,6 +89,7 @@ void Bench::addDevice(const QJsonObject& state)
 
 void Bench::setMessage(const QString& message)
 {
+    messageTime_.start();
     if (message == message_)
         return;
     message_ = message;

@@ -12,6 +12,7 @@ namespace panel {
 class Bench : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool connected READ isConnected NOTIFY connectedChanged)
+    Q_PROPERTY(int deviceCount READ deviceCount NOTIFY connectedChanged)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged)
 public:
     // `socket` is the path of the bench's control socket.
@@ -21,9 +22,9 @@ public:
     void start() { client_.start(); }
 
     [[nodiscard]] bool isConnected() const { return connected_; }
-    // Why the bench refused the latest command; empty if it did not, or since clearMessage().
+    [[nodiscard]] int deviceCount() const { return static_cast<int>(devices_.size()); }
+    // Why the bench refused the latest command; empty if it did not, and some seconds later.
     [[nodiscard]] QString message() const { return message_; }
-    Q_INVOKABLE void clearMessage() { setMessage({}); }
 
     [[nodiscard]] const std::vector<std::unique_ptr<Device>>& devices() const { return devices_; }
 
@@ -44,7 +45,8 @@ private:
 
     BenchClient client_;
     std::vector<std::unique_ptr<Device>> devices_;
-    QTimer refresh_; // runs after an input report, which may belong to a button
+    QTimer refresh_;     // runs after an input report, which may belong to a button
+    QTimer messageTime_; // runs while there is a message
     QString message_;
     bool connected_ = false;
 };

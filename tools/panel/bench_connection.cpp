@@ -4,6 +4,25 @@
 #include <QSignalBlocker>
 
 namespace panel {
+namespace {
+
+QString reasonOf(QLocalSocket::LocalSocketError error)
+{
+    switch (error) {
+    case QLocalSocket::ServerNotFoundError:
+        return QStringLiteral("there is no such socket");
+    case QLocalSocket::ConnectionRefusedError:
+        return QStringLiteral("no program listens there");
+    case QLocalSocket::SocketAccessError:
+        return QStringLiteral("permission denied");
+    case QLocalSocket::PeerClosedError:
+        return QStringLiteral("it has ended");
+    default:
+        return QStringLiteral("the connection failed");
+    }
+}
+
+} // namespace
 
 BenchConnection::BenchConnection(QObject* parent)
     : QObject(parent)
@@ -59,7 +78,7 @@ void BenchConnection::read()
 
 void BenchConnection::takeEnd()
 {
-    const QString reason = socket_.errorString();
+    const QString reason = reasonOf(socket_.error());
     close();
     Q_EMIT closed(reason);
 }

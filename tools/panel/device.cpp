@@ -33,9 +33,9 @@ QJsonArray inOrder(const QJsonArray& buttons)
 Device::Device(const QJsonObject& state, QObject* parent)
     : QObject(parent)
     , number_(state[QLatin1String("number")].toInt())
-    , buttons_({"name", "label", "usage", "kind", "pressed"})
-    , lamps_({"name", "label", "usage", "state"})
-    , faults_({"name", "label", "count", "armed"})
+    , buttons_({"name", "label", "usage", "kind"}, {"pressed"})
+    , lamps_({"name", "label", "usage", "state"}, {})
+    , faults_({"name", "label"}, {"count", "armed"})
     , log_(events_)
 {
     setState(state);
@@ -50,7 +50,7 @@ QString Device::name() const
 QString Device::details() const
 {
     QStringList details{text("vendorId") + QLatin1Char(':') + text("productId")};
-    for (const char* const key : {"serial", "profile"})
+    for (const char* const key : {"profile", "serial"})
         if (const QString value = text(key).simplified(); !value.isEmpty())
             details.append(value);
     return details.join(QStringLiteral(" · "));
@@ -105,8 +105,17 @@ void Device::apply(const QJsonObject& event)
         set(QStringLiteral("open"), kind == QLatin1String("opened"));
     else if (kind == QLatin1String("plugged") || kind == QLatin1String("unplugged"))
         set(QStringLiteral("plugged"), kind == QLatin1String("plugged"));
-    if (auto entry = logEntryFor(event))
+    const PartModel& parts = kind == QLatin1String("lamp") ? lamps_ : faults_;
+    if (auto entry
+        = logEntryFor(event, parts.value(name, QStringLiteral("label")).toString(name))) {
+        latest_ = entry->time;
         events_.append(std::move(*entry));
+    }
+}
+
+void Device::markMissingEvents()
+{
+    events_.append(missingEvents(latest_));
 }
 
 void Device::setPressed(const QString& button, bool pressed)
@@ -141,6 +150,16 @@ void Device::setFault(const QString& fault, bool armed, const QString& count)
     Q_EMIT commanded(QStringLiteral("fault %1 %2").arg(fault, word).trimmed());
 }
 
+void Device::sendReport(const QString& bytes)
+{
+    Q_EMIT commanded(QStringLiteral("raw ") + bytes.simplified());
+}
+
+void Device::flood(const QString& count)
+{
+    Q_EMIT commanded(QStringLiteral("fault flood ") + count);
+}
+
 QString Device::proposedFile() const
 {
     QString name = text("profile");
@@ -153,6 +172,13 @@ QString Device::proposedFile() const
     for (int i = 2; QFileInfo::exists(path); ++i)
         path = directory.filePath(QStringLiteral("%1-%2.hid").arg(name).arg(i));
     return path;
+}
+
+QString Device::fullPath(const QString& path) const
+{
+    if (path.startsWith(QLatin1String("~/")))
+        return QDir::homePath() + path.mid(1);
+    return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
 }
 
 bool Device::fileExists(const QString& path) const
@@ -182,7 +208,8 @@ void Device::setHook(const QString& position)
 
 QString Device::text(const char* key) const
 {
-    return oneLine(state_[QLatin1String(key)].toString());
+    constexpr int kMaxText = 200; // more than a device string can have
+    return shortened(oneLine(state_[QLatin1String(key)].toString()), kMaxText);
 }
 
 } // namespace panel

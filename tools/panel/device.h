@@ -27,7 +27,7 @@ public:
 
     [[nodiscard]] int number() const { return number_; }
     [[nodiscard]] QString name() const;    // manufacturer and product
-    [[nodiscard]] QString details() const; // "1209:0001  S0001  speakerphone"
+    [[nodiscard]] QString details() const; // "1209:0001 · speakerphone · S0001"
     [[nodiscard]] bool isPlugged() const;
     [[nodiscard]] bool isOpen() const;
     [[nodiscard]] PartModel* buttons() { return &buttons_; }
@@ -42,6 +42,8 @@ public:
     void refresh(const QJsonObject& state);
     // Events of other devices are not passed here.
     void apply(const QJsonObject& event);
+    // Marks in the log that events were not received since the latest one.
+    void markMissingEvents();
 
     // Press and hold, or let go. A switch is moved to off-hook or on-hook.
     Q_INVOKABLE void setPressed(const QString& button, bool pressed);
@@ -50,9 +52,14 @@ public:
     Q_INVOKABLE void setPlugged(bool plugged);
     // `count` is a number or empty.
     Q_INVOKABLE void setFault(const QString& fault, bool armed, const QString& count);
+    // An input report in hexadecimal, as on the wire; a number of reports at once.
+    Q_INVOKABLE void sendReport(const QString& bytes);
+    Q_INVOKABLE void flood(const QString& count);
 
     // Where the recording of the log is proposed to be saved: a file that does not exist.
     Q_INVOKABLE QString proposedFile() const;
+    // The absolute path; ~/ at the beginning is the user's directory.
+    Q_INVOKABLE QString fullPath(const QString& path) const;
     Q_INVOKABLE bool fileExists(const QString& path) const;
     // Returns an empty text, or what went wrong.
     Q_INVOKABLE QString saveRecording(const QString& path);
@@ -64,14 +71,15 @@ Q_SIGNALS:
 private:
     void set(const QString& key, const QJsonValue& value);
     void setHook(const QString& position);
-    [[nodiscard]] QString text(const char* key) const; // one line
+    [[nodiscard]] QString text(const char* key) const; // one line, cut if very long
 
     const int number_;
     QJsonObject state_; // without the parts
     PartModel buttons_;
     PartModel lamps_;
     PartModel faults_;
-    QSet<QString> held_; // names of buttons that the window holds down
+    QSet<QString> held_;                 // names of buttons that the window holds down
+    std::chrono::microseconds latest_{}; // time of the latest line of the log
     EventLog events_;
     LogView log_;
 };

@@ -15,6 +15,8 @@ using std::chrono::microseconds;
 // The latest time that is shown: more than 30 years.
 constexpr double kMaxSeconds = 1e9;
 
+constexpr int kMaxCount = 65'536; // reports of a flood
+
 Kind kindOf(const QString& event)
 {
     if (event == QLatin1String("input"))
@@ -36,32 +38,29 @@ QString meaningOf(const QJsonObject& event)
     return words.join(QLatin1String(", "));
 }
 
-QString reportText(Kind kind, const QJsonObject& event)
+QString reportText(const LogEntry& entry, const QJsonObject& event)
 {
+    if (entry.kind == Kind::kRefusedWrite)
+        return QStringLiteral("refused");
     QString text = meaningOf(event);
     if (text.isEmpty())
         text = QStringLiteral("no change");
-    if (kind == Kind::kRefusedWrite)
-        text.prepend(QLatin1String("refused: "));
-    if (kind == Kind::kFeature)
+    if (entry.kind == Kind::kFeature)
         text.prepend(QLatin1String("feature report: "));
-    if (kind != Kind::kInput)
-        return text;
-    if (const int count = event[QLatin1String("count")].toInt(1); count > 1)
-        text += QStringLiteral(", %1 times").arg(count);
+    if (entry.count > 1)
+        text += QStringLiteral(", %1 times").arg(entry.count);
     if (!event[QLatin1String("read")].toBool(true))
-        text += QLatin1String(" (no program listens)");
+        text += QLatin1String(" (lost)");
     return text;
 }
 
-QString otherText(const QString& kind, const QJsonObject& event)
+QString otherText(const QString& kind, const QJsonObject& event, const QString& label)
 {
-    const QString name = event[QLatin1String("name")].toString();
     if (kind == QLatin1String("lamp"))
-        return QStringLiteral("%1 lamp blinks").arg(name);
+        return QStringLiteral("%1 lamp blinks").arg(label);
     if (kind == QLatin1String("fault"))
-        return QStringLiteral("fault %1 %2")
-            .arg(name, QLatin1String(event[QLatin1String("armed")].toBool() ? "on" : "off"));
+        return QLatin1String(event[QLatin1String("armed")].toBool() ? "fault on: " : "fault off: ")
+            + label;
     if (kind == QLatin1String("note"))
         return event[QLatin1String("text")].toString();
     if (kind == QLatin1String("opened"))
@@ -83,7 +82,12 @@ bool hasLine(const QString& kind, const QJsonObject& event)
 
 } // namespace
 
-std::optional<LogEntry> logEntryFor(const QJsonObject& event)
+bool isReport(Kind kind)
+{
+    return kind != Kind::kOther && kind != Kind::kMissing;
+}
+
+std::optional<LogEntry> logEntryFor(const QJsonObject& event, const QString& label)
 {
     const QString kind = event[QLatin1String("event")].toString();
     const double seconds = event[QLatin1String("time")].toDouble(-1);
@@ -93,8 +97,19 @@ std::optional<LogEntry> logEntryFor(const QJsonObject& event)
     entry.time = microseconds(std::llround(seconds * 1e6));
     entry.kind = kindOf(kind);
     entry.bytes = QByteArray::fromHex(event[QLatin1String("report")].toString().toLatin1());
-    entry.text = oneLine(
-        entry.kind == Kind::kOther ? otherText(kind, event) : reportText(entry.kind, event));
+    if (entry.kind == Kind::kInput)
+        entry.count = std::clamp(event[QLatin1String("count")].toInt(1), 1, kMaxCount);
+    entry.text
+        = oneLine(isReport(entry.kind) ? reportText(entry, event) : otherText(kind, event, label));
+    return entry;
+}
+
+LogEntry missingEvents(microseconds time)
+{
+    LogEntry entry;
+    entry.time = time;
+    entry.kind = Kind::kMissing;
+    entry.text = QStringLiteral("events are missing here");
     return entry;
 }
 
@@ -108,6 +123,7 @@ QString directionText(Kind kind)
     case Kind::kRefusedWrite:
         return QStringLiteral("out");
     case Kind::kOther:
+    case Kind::kMissing:
         break;
     }
     return {};
@@ -146,6 +162,11 @@ QString oneLine(QString text)
         },
         QLatin1Char(' '));
     return text;
+}
+
+QString shortened(const QString& text, int maximum)
+{
+    return text.size() <= maximum ? text : text.left(maximum) + QChar(0x2026);
 }
 
 } // namespace panel

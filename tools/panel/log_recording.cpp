@@ -2,6 +2,7 @@
 
 #include "report/format/recording.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -46,23 +47,37 @@ Direction directionOf(Kind kind)
     return kind == Kind::kFeature ? Direction::kFeature : Direction::kOutput;
 }
 
+// Empty if the recording has no line for the entry.
+std::string lineFor(const LogEntry& entry, std::chrono::microseconds time)
+{
+    if (entry.kind == Kind::kMissing)
+        return "# " + entry.text.toStdString() + '\n';
+    if (!isReport(entry.kind))
+        return {};
+    report::RecordedReport recorded;
+    recorded.time = time;
+    recorded.direction = directionOf(entry.kind);
+    recorded.bytes = bytesOf(entry.bytes, report::kMaxReportSize);
+    if (entry.kind == Kind::kRefusedWrite)
+        recorded.failure = "refused by the device";
+    return report::recordingLine(recorded);
+}
+
 } // namespace
 
-QByteArray recordingText(const QJsonObject& device, const std::deque<LogEntry>& entries)
+std::optional<QByteArray> recordingText(
+    const QJsonObject& device, const std::deque<LogEntry>& entries)
 {
     std::string text = report::recordingHeader(recordedDevice(device));
     std::chrono::microseconds last{};
     for (const LogEntry& entry : entries) {
-        if (entry.kind == Kind::kOther)
-            continue;
         last = std::max(last, entry.time); // in a recording times never go back
-        report::RecordedReport recorded;
-        recorded.time = last;
-        recorded.direction = directionOf(entry.kind);
-        recorded.bytes = bytesOf(entry.bytes, report::kMaxReportSize);
-        if (entry.kind == Kind::kRefusedWrite)
-            recorded.failure = "refused by the device";
-        text += report::recordingLine(recorded);
+        const std::string line = lineFor(entry, last);
+        if (text.size() + line.size() * static_cast<size_t>(entry.count)
+            > report::kMaxRecordingSize)
+            return std::nullopt;
+        for (int i = 0; i < entry.count; ++i)
+            text += line;
     }
     return QByteArray::fromStdString(text);
 }
@@ -70,11 +85,20 @@ QByteArray recordingText(const QJsonObject& device, const std::deque<LogEntry>& 
 QString saveRecording(
     const QString& path, const QJsonObject& device, const std::deque<LogEntry>& entries)
 {
+    const QString failure = QStringLiteral("cannot write %1: ").arg(oneLine(path));
+    const auto text = recordingText(device, entries);
+    if (!text)
+        return failure + QStringLiteral("it would have more than 64 MiB");
+    if (const QFileInfo existing(path); existing.exists() && !existing.isFile()) {
+        QFile file(path); // QSaveFile would replace a pipe or a device by a file
+        const bool written = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+            && file.write(*text) == text->size();
+        return written ? QString() : failure + file.errorString();
+    }
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(recordingText(device, entries)) >= 0
-        && file.commit())
+    if (file.open(QIODevice::WriteOnly) && file.write(*text) >= 0 && file.commit())
         return {};
-    return QStringLiteral("cannot write %1: %2").arg(oneLine(path), file.errorString());
+    return failure + file.errorString();
 }
 
 } // namespace panel

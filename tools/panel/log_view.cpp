@@ -17,9 +17,9 @@ bool isShown(LogView::Show show, LogEntry::Kind kind)
     case LogView::kInput:
         return kind == LogEntry::Kind::kInput;
     case LogView::kOutput:
-        return kind != LogEntry::Kind::kInput && kind != LogEntry::Kind::kOther;
+        return kind != LogEntry::Kind::kInput && isReport(kind);
     case LogView::kOther:
-        return kind == LogEntry::Kind::kOther;
+        return !isReport(kind);
     }
     return true;
 }
@@ -39,6 +39,7 @@ LogView::LogView(EventLog& log, QObject* parent)
     setSourceModel(&log);
     for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
         connect(&log, signal, this, &LogView::countTextChanged);
+    connect(&log, &QAbstractItemModel::rowsRemoved, this, &LogView::dropFromSelection);
     connect(&log, &QAbstractItemModel::modelReset, this, &LogView::countTextChanged);
     connect(this, &LogView::filterChanged, this, &LogView::countTextChanged);
 }
@@ -65,11 +66,11 @@ QString LogView::countText() const
 {
     const QLocale locale(QLocale::English);
     const int all = log_.rowCount();
-    const QString total = locale.toString(all) + QLatin1String(all == 1 ? " line" : " lines");
-    const QString text = rowCount() == all
-        ? total
-        : QStringLiteral("%1 of %2").arg(locale.toString(rowCount()), total);
-    return log_.isCut() ? text + QStringLiteral(", older ones are gone") : text;
+    QString total = locale.toString(all) + QLatin1String(all == 1 ? " line" : " lines");
+    if (log_.isCut())
+        total.prepend(QLatin1String("latest "));
+    return rowCount() == all ? total
+                             : QStringLiteral("%1 of %2").arg(locale.toString(rowCount()), total);
 }
 
 void LogView::select(int row, bool extend)
@@ -146,6 +147,19 @@ int LogView::rowAtOrAfter(qint64 number) const
         }
     }
     return first;
+}
+
+void LogView::dropFromSelection()
+{
+    if (!hasSelection() || log_.rowCount() == 0)
+        return;
+    const LogEntry& first = log_.entries().front();
+    if (lastSelected() < first.number)
+        setSelection(0, 0, {});
+    else if (current_ < first.number)
+        setSelection(anchor_, first.number, lineText(first));
+    else if (anchor_ < first.number)
+        setSelection(first.number, current_, currentLine_);
 }
 
 void LogView::setSelection(qint64 anchor, qint64 current, const QString& line)

@@ -8,7 +8,7 @@
 namespace panel {
 
 // The selection is a range of line numbers. So it stays on its lines while others come and go, and
-// contains those of them that the filter lets through.
+// contains those of them that the filter lets through. Lines that the log drops leave it.
 class LogView : public QSortFilterProxyModel {
     Q_OBJECT
     Q_PROPERTY(QString filter READ filter WRITE setFilter NOTIFY filterChanged)
@@ -32,14 +32,14 @@ public:
     [[nodiscard]] Show show() const { return show_; }
     void setShow(Show show);
 
-    // "1,204 lines", "12 of 1,204 lines"; says if the oldest are gone.
+    // "1,204 lines", "12 of 1,204 lines"; "latest 20,000 lines" if the oldest are gone.
     [[nodiscard]] QString countText() const;
 
     // Line numbers; 0 if nothing is selected.
     [[nodiscard]] qint64 firstSelected() const { return std::min(anchor_, current_); }
     [[nodiscard]] qint64 lastSelected() const { return std::max(anchor_, current_); }
     [[nodiscard]] bool hasSelection() const { return current_ != 0; }
-    // The whole line that was selected last; empty if the log does not have it any more.
+    // The whole line that was selected last.
     [[nodiscard]] QString currentLine() const { return currentLine_; }
 
     // Selects the line of the row, or from the line that was selected first to this one. Rows that
@@ -68,6 +68,7 @@ protected:
 private:
     [[nodiscard]] qint64 numberAt(int row) const;
     [[nodiscard]] int rowAtOrAfter(qint64 number) const; // rowCount() if there is none
+    void dropFromSelection(); // the lines that the log does not have any more
     void setSelection(qint64 anchor, qint64 current, const QString& line);
 
     EventLog& log_;

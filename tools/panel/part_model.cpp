@@ -14,9 +14,11 @@ QString nameOf(const QJsonObject& part)
 
 } // namespace
 
-PartModel::PartModel(const QList<QByteArray>& keys, QObject* parent)
+PartModel::PartModel(
+    const QList<QByteArray>& texts, const QList<QByteArray>& flags, QObject* parent)
     : QAbstractListModel(parent)
-    , keys_(keys)
+    , keys_(texts + flags)
+    , texts_(texts.size())
 {
 }
 
@@ -24,7 +26,8 @@ void PartModel::setParts(const QJsonArray& parts)
 {
     std::vector<QJsonObject> objects;
     for (const auto& part : parts)
-        objects.push_back(part.toObject());
+        if (!nameOf(part.toObject()).isEmpty())
+            objects.push_back(part.toObject());
     if (!hasSameNames(objects)) {
         beginResetModel();
         parts_ = std::move(objects);
@@ -70,7 +73,9 @@ QVariant PartModel::data(const QModelIndex& index, int role) const
         return {};
     const QJsonValue value
         = parts_[static_cast<size_t>(index.row())][QString::fromLatin1(keys_[key])];
-    return value.isString() ? QVariant(oneLine(value.toString())) : value.toVariant();
+    if (key >= texts_)
+        return value.toBool();
+    return shortened(oneLine(value.toString()), kMaxText);
 }
 
 QHash<int, QByteArray> PartModel::roleNames() const

@@ -9,14 +9,19 @@
 
 namespace panel {
 
-// Each part is a JSON object from the bench with a "name". The roles are keys of the objects.
+// Each part is a JSON object from the bench. The roles are keys of the objects. A value that is
+// missing, or of another type, is an empty text or false; texts are one line and cut if very long.
 class PartModel : public QAbstractListModel {
     Q_OBJECT
 public:
-    explicit PartModel(const QList<QByteArray>& keys, QObject* parent = nullptr);
+    static constexpr int kMaxText = 100;
 
-    // Takes over the parts. If they have the same names as before, only what differs changes: a
-    // button that is being pressed must not be replaced in the window.
+    // `texts` and `flags` are keys.
+    PartModel(
+        const QList<QByteArray>& texts, const QList<QByteArray>& flags, QObject* parent = nullptr);
+
+    // Takes over the parts that have a name. If they have the same names as before, only what
+    // differs changes: a button that is being pressed must not be replaced in the window.
     void setParts(const QJsonArray& parts);
 
     // Sets one value of the part. Ignores names that no part has.
@@ -33,6 +38,7 @@ private:
     [[nodiscard]] bool hasSameNames(const std::vector<QJsonObject>& parts) const;
 
     const QList<QByteArray> keys_;
+    const int texts_; // so many keys are of texts, the others of flags
     std::vector<QJsonObject> parts_;
 };
 
