@@ -33,6 +33,7 @@ const Mistake kMistakes[] = {
     {{"--device", "99999999999"},
         "kelprobe-panel: --device: expected the number of a device, from 1, not 99999999999" TRY},
     {{"--theme", "blue"}, "kelprobe-panel: --theme: expected light or dark, not blue" TRY},
+    {{"--socket", ""}, "kelprobe-panel: --socket: expected a path" TRY},
     {{},
         "kelprobe-panel: KELPROBE_SIM is not set, so there is no bench; start it with "
         "kelprobe-sim run PROFILE -- kelprobe-panel"},
@@ -97,8 +98,11 @@ TEST(PanelTheme, HasContrastInBothLooks)
             EXPECT_GE(contrast(theme.muted(), colour), 4.5) << theme.isDark();
         }
         EXPECT_GE(contrast(theme.accentText(), theme.accent()), 4.5) << theme.isDark();
+        EXPECT_GE(contrast(theme.text(), theme.lampGlow()), 7) << theme.isDark();
+        EXPECT_GE(contrast(theme.lamp(), theme.lampGlow()), 3) << theme.isDark();
         for (const QColor& colour : {theme.window(), theme.surface()}) {
             EXPECT_GE(contrast(theme.accent(), colour), 3) << theme.isDark();
+            EXPECT_GE(contrast(theme.lamp(), colour), 3) << theme.isDark();
             EXPECT_GE(contrast(theme.edge(), colour), 3) << theme.isDark();
         }
     }

@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QProcess>
 #include <QQuickItem>
+#include <QScreen>
 #include <QtTest>
 #include <gtest/gtest.h>
 
@@ -35,6 +36,9 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return bench_->isConnected(); }));
         ASSERT_TRUE(windows_->open(std::nullopt));
         window_ = windows_->windows().at(0).get();
+        const QSize room = window_->screen()->availableSize();
+        EXPECT_EQ(window_->size().boundedTo(room), window_->size());
+        EXPECT_EQ(window_->minimumSize().boundedTo(room), window_->minimumSize());
         window_->resize(640, 480);
         window_->requestActivate(); // there is no window manager
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
@@ -126,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Looks, PanelWindow, testing::Values(Look::kLight, Look:
 TEST_P(PanelWindow, LampsCanBeToldApartWithoutColour)
 {
     // The upper left part of the row is the lamp without its texts.
-    const QRect lamp(placeOf("lamp-ring").topLeft(), QSize(18, placeOf("lamp-ring").height()));
+    const QRect lamp(placeOf("lamp-ring").topLeft(), QSize(22, placeOf("lamp-ring").height()));
     const char* const states[][2] = {{"off", "off"}, {"on", "on"}, {"blink", "blinking"}};
     QList<QImage> pictures;
     for (const auto& [state, text] : states) {
@@ -142,7 +146,7 @@ TEST_P(PanelWindow, LampsCanBeToldApartWithoutColour)
     // The disc of the blinking lamp changes its size.
     EXPECT_TRUE(waitFor([&] { return differences(pictures[2], picture(lamp)) > 4; }));
     const QPoint centre = pictures[1].rect().center();
-    EXPECT_EQ(QColor(pictures[1].pixel(centre - QPoint(centre.x() / 8, 0))), theme_->accent());
+    EXPECT_EQ(QColor(pictures[1].pixel(centre - QPoint(centre.x() / 8, 0))), theme_->lamp());
     fake_.setLamp("ring", "off");
     EXPECT_TRUE(waitFor([&] { return differences(pictures[0], picture(lamp)) == 0; }));
 }
@@ -162,9 +166,11 @@ TEST_P(PanelWindow, AButtonIsDownAsLongAsTheMouseOrTheKeyIs)
     fake_.commands.clear();
     item("button-flash")->forceActiveFocus(Qt::TabFocusReason);
     QTest::keyPress(window_, Qt::Key_Space);
-    for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) { // the key repeats itself
-        QKeyEvent repeated(type, Qt::Key_Space, {}, QStringLiteral(" "), true);
-        QCoreApplication::sendEvent(window_, &repeated);
+    for (const bool flagged : {true, false}) { // the key repeats itself
+        for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+            QKeyEvent repeated(type, Qt::Key_Space, {}, QStringLiteral(" "), flagged);
+            QCoreApplication::sendEvent(window_, &repeated);
+        }
     }
     QTest::keyRelease(window_, Qt::Key_Space);
     EXPECT_TRUE(commandsAre({"1: press flash --hold", "1: release flash"}));
@@ -220,8 +226,8 @@ TEST_P(PanelWindow, EveryControlHasAFocusThatIsSeenAndAName)
     }
     const QStringList expected{"plug", "button-hook", "button-mute", "button-flash",
         "button-volume-increment", "button-volume-decrement", "count-claim", "fault-claim",
-        "count-write", "fault-write", "fault-open", "count-short", "fault-short", "clear", "save",
-        "filter", "show-0", "show-1", "show-2", "show-3", "log"};
+        "count-write", "fault-write", "fault-open", "count-short", "fault-short", "bytes", "flood",
+        "clear", "save", "filter", "show-0", "show-1", "show-2", "show-3", "log"};
     EXPECT_EQ(reached.join(' ').toStdString(), expected.join(' ').toStdString());
 }
 
@@ -230,8 +236,11 @@ TEST_P(PanelWindow, SwitchesFaultsOnForANumberOfTimes)
     item("count-claim")->forceActiveFocus();
     type("2");
     type("x"); // not a number
-    item("fault-claim")->forceActiveFocus();
+    QTest::keyClick(window_, Qt::Key_Return);
+    EXPECT_TRUE(item("fault-claim")->hasActiveFocus()) << "the field cannot be used now";
+    item("fault-short")->forceActiveFocus();
     QTest::keyClick(window_, Qt::Key_Space);
+    EXPECT_TRUE(item("count-short")->hasActiveFocus()) << "this fault needs a number";
     item("fault-open")->forceActiveFocus();
     QTest::keyClick(window_, Qt::Key_Space);
     EXPECT_TRUE(commandsAre({"1: fault claim 2", "1: fault open"}));
@@ -258,6 +267,30 @@ TEST_P(PanelWindow, SaysWhatIsWrong)
     for (const char* const name : {"button-mute", "button-hook", "plug", "fault-open"})
         EXPECT_FALSE(item(name)->isEnabled()) << name;
     EXPECT_TRUE(item("save")->isEnabled());
+}
+
+TEST_P(PanelWindow, AShortNameLeavesRoomForNotices)
+{
+    QJsonObject state = speakerphone();
+    state["manufacturer"] = "";
+    state["product"] = "p";
+    fake_.devices[0] = state;
+    fake_.dropEvents();
+    EXPECT_TRUE(waitFor([&] { return window_->title() == "p - Kelprobe panel"; }));
+    fake_.end();
+    EXPECT_TRUE(waitFor([&] { return item("notice"); }));
+    EXPECT_EQ(placeOf("notice").width(), window_->width());
+}
+
+TEST_P(PanelWindow, SendsReportsThatNoControlSends)
+{
+    item("bytes")->forceActiveFocus();
+    type("03 01");
+    QTest::keyClick(window_, Qt::Key_Return);
+    item("flood")->forceActiveFocus();
+    type("800");
+    QTest::keyClick(window_, Qt::Key_Return);
+    EXPECT_TRUE(commandsAre({"1: raw 03 01", "1: fault flood 800"}));
 }
 
 TEST_P(PanelWindow, TheLogIsFilteredSelectedCopiedAndSaved)
@@ -331,20 +364,56 @@ TEST_P(PanelWindow, TheLogFollowsItsEndUnlessTheUserHasScrolled)
     EXPECT_TRUE(waitFor([&] { return value("log", "count") == 1020 && atEnd(); }));
 }
 
+TEST(PanelWindows, AreNumberedAndNotMoreThanAScreenCanHold)
+{
+    FakeBench fake;
+    fake.devices = {};
+    for (int number = 1; number <= 300; ++number)
+        fake.devices.append(QJsonObject{{"number", number}, {"product", "p"}});
+    panel::Bench bench(fake.socket());
+    panel::Theme theme(Look::kLight);
+    panel::PanelWindows windows(bench, theme);
+    bench.start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bench.isConnected(); }));
+    ASSERT_TRUE(windows.open(std::nullopt));
+    ASSERT_EQ(windows.windows().size(), panel::PanelWindows::kMaxWindows);
+    EXPECT_EQ(windows.windows()[1]->title(), "p (2 of 300) - Kelprobe panel");
+}
+
 TEST(PanelProgram, EndsWithAReasonIfThereIsNothingToShow)
 {
     FakeBench bench;
+    const QStringList socket{"--socket", bench.socket()};
+    const test::TempDirectory modules; // those in QML2_IMPORT_PATH are preferred
+    const QString broken = QString::fromStdString(modules.path());
+    ASSERT_TRUE(QDir(broken).mkpath("QtQuick/Layouts"));
+    QFile description(broken + "/QtQuick/Layouts/qmldir");
+    ASSERT_TRUE(description.open(QIODevice::WriteOnly));
+    description.write("module QtQuick.Layouts\nplugin missing\n");
+    description.close();
     const struct {
         QStringList arguments;
+        QStringList environment; // "NAME", "VALUE"
         int status;
         QString error;
     } cases[] = {
-        {{"--socket", "/no/bench"}, panel::kNoAccess, "kelprobe-panel: no bench at /no/bench: "},
-        {{"--socket", bench.socket(), "--device", "2"}, panel::kWrongUse,
+        {{"--socket", "/no/bench"}, {"A", ""}, panel::kNoAccess,
+            "kelprobe-panel: no bench at /no/bench: "},
+        {socket + QStringList{"--device", "2"}, {"A", ""}, panel::kWrongUse,
             "kelprobe-panel: there is no device 2; the bench has 1\n"},
+        {socket, {"DISPLAY", ":999"}, panel::kNoAccess,
+            "kelprobe-panel: cannot open the display :999; "},
+        {socket, {"QML2_IMPORT_PATH", broken}, panel::kNoAccess,
+            "kelprobe-panel: cannot make the windows: "},
+        {{"--help"}, {"A", ""}, panel::kNoAccess,
+            "kelprobe-panel: standard output: No space left on device"},
     };
-    for (const auto& [arguments, status, error] : cases) {
+    for (const auto& [arguments, environment, status, error] : cases) {
         QProcess program;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert(environment.at(0), environment.at(1));
+        program.setProcessEnvironment(variables);
+        program.setStandardOutputFile("/dev/full");
         program.start(KELPROBE_PANEL, arguments);
         EXPECT_TRUE(
             QTest::qWaitFor([&] { return program.state() == QProcess::NotRunning; }, 30'000));

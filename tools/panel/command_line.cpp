@@ -11,8 +11,11 @@ constexpr const char* kName = "kelprobe-panel";
 constexpr const char* kDescription
     = "Shows the simulated devices of a bench: buttons to press, lamps, faults and a log.\n"
       "It runs on the bench: kelprobe-sim run PROFILE -- kelprobe-panel";
-constexpr const char* kFooter = "Exit status: 0 when the windows were closed; 2 for a mistake on "
-                                "the command line;\n3 if there is no bench or no display.";
+constexpr const char* kFooter
+    = "Exit status: 0 when the windows were closed; 2 for a mistake on the command line, without\n"
+      "KELPROBE_SIM or if there is no such device; 3 without a bench, a display or Qt's modules, "
+      "or\n"
+      "if standard output cannot be written.";
 
 constexpr const char* kLight = "light";
 constexpr const char* kDark = "dark";
@@ -30,6 +33,11 @@ std::string isDeviceNumber(const std::string& value)
 std::string isLook(const std::string& value)
 {
     return value == kLight || value == kDark ? "" : "expected light or dark, not " + value;
+}
+
+std::string isPath(const std::string& value)
+{
+    return value.empty() ? "expected a path" : "";
 }
 
 EarlyExit mistake(const std::string& text)
@@ -50,7 +58,8 @@ std::variant<Options, EarlyExit> parseCommandLine(
         "--version", std::string(kName) + ' ' + KELPROBE_VERSION, "Print the version and exit");
     app.add_option(
            "--socket", options.socket, "Control socket of the bench; default: $KELPROBE_SIM")
-        ->type_name("PATH");
+        ->type_name("PATH")
+        ->check(isPath);
     app.add_option("--device", options.device, "Show only this device; the first is 1")
         ->type_name("N")
         ->check(isDeviceNumber);

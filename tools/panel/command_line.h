@@ -10,8 +10,8 @@ namespace panel {
 // Exit statuses. They are part of the program's interface.
 enum ExitStatus : int {
     kFine = 0,
-    kWrongUse = 2, // a mistake on the command line
-    kNoAccess = 3, // no bench, or no display
+    kWrongUse = 2, // a mistake on the command line, no KELPROBE_SIM, or no such device
+    kNoAccess = 3, // no bench, display or QML module, or standard output cannot be written
 };
 
 enum class Look { kSystem, kLight, kDark };

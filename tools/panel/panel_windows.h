@@ -13,12 +13,17 @@ namespace panel {
 
 class PanelWindows {
 public:
+    static constexpr size_t kMaxWindows = 32; // more are of no use, and few servers bear hundreds
+
     // Both must outlive the object.
     PanelWindows(Bench& bench, Theme& theme);
 
-    // Opens the window of each device of the bench, or of this one. False if there is none, or if a
-    // window cannot be made.
+    // Opens the window of each device of the bench, at most kMaxWindows, or of this one. False if
+    // there is none, or if a window cannot be made.
     [[nodiscard]] bool open(std::optional<int> device);
+
+    // Why a window cannot be made, in one line; empty if none has failed.
+    [[nodiscard]] QString problem() const { return problem_; }
 
     [[nodiscard]] const std::vector<std::unique_ptr<QQuickWindow>>& windows() const
     {
@@ -31,6 +36,7 @@ private:
     Bench& bench_;
     QQmlEngine engine_;
     std::vector<std::unique_ptr<QQuickWindow>> windows_;
+    QString problem_;
 };
 
 } // namespace panel

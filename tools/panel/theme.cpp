@@ -16,13 +16,15 @@ struct Colours {
     QRgb edge;
     QRgb accent;
     QRgb accentText;
+    QRgb lamp;
+    QRgb lampGlow;
     QRgb selection;
 };
 
 constexpr Colours kLight{0xfff4f5f6, 0xffffffff, 0xff1b1f24, 0xff59626c, 0xffdde0e4, 0xff858e98,
-    0xff0a63c2, 0xffffffff, 0xffd6e6f9};
+    0xff0a63c2, 0xffffffff, 0xffb35c00, 0xfffdeccf, 0xffd6e6f9};
 constexpr Colours kDark{0xff17191c, 0xff1f2226, 0xffe6e8eb, 0xffa6afb9, 0xff33383e, 0xff737c87,
-    0xff6cb2ff, 0xff0b1724, 0xff1f3f63};
+    0xff6cb2ff, 0xff0b1724, 0xffffb84d, 0xff3a2f1c, 0xff1f3f63};
 
 const Colours& coloursOf(bool dark)
 {
@@ -104,6 +106,16 @@ QColor Theme::accent() const
 QColor Theme::accentText() const
 {
     return coloursOf(isDark()).accentText;
+}
+
+QColor Theme::lamp() const
+{
+    return coloursOf(isDark()).lamp;
+}
+
+QColor Theme::lampGlow() const
+{
+    return coloursOf(isDark()).lampGlow;
 }
 
 QColor Theme::selection() const

@@ -22,6 +22,8 @@ class Theme : public QObject {
     Q_PROPERTY(QColor edge READ edge NOTIFY changed)             // of controls
     Q_PROPERTY(QColor accent READ accent NOTIFY changed)         // what is on, or has the focus
     Q_PROPERTY(QColor accentText READ accentText NOTIFY changed) // on the accent colour
+    Q_PROPERTY(QColor lamp READ lamp NOTIFY changed)             // of a lamp that is on
+    Q_PROPERTY(QColor lampGlow READ lampGlow NOTIFY changed)     // below its row
     Q_PROPERTY(QColor selection READ selection NOTIFY changed)   // below selected lines
     Q_PROPERTY(QString mono READ mono CONSTANT)                  // family of bytes and times
     Q_PROPERTY(int fontSize READ fontSize CONSTANT)              // the system's, in pixels
@@ -42,6 +44,8 @@ public:
     [[nodiscard]] QColor edge() const;
     [[nodiscard]] QColor accent() const;
     [[nodiscard]] QColor accentText() const;
+    [[nodiscard]] QColor lamp() const;
+    [[nodiscard]] QColor lampGlow() const;
     [[nodiscard]] QColor selection() const;
     [[nodiscard]] QString mono() const;
     [[nodiscard]] int fontSize() const;

@@ -1,4 +1,4 @@
-// What can be pressed, seen and broken on the device.
+// What can be pressed, seen, broken and sent on the device.
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
@@ -10,15 +10,23 @@ Flickable {
 
     property QtObject device
     readonly property bool usable: Bench.connected && device.plugged
+    readonly property bool isEmpty: lamps.count + buttons.count === 0
+
+    // To find the control in a list of commands or in a report descriptor.
+    function describe(name, usage) {
+        return qsTr("%1, usage %2").arg(name).arg(usage)
+    }
 
     contentHeight: content.height + Theme.gap * 3
     boundsBehavior: Flickable.StopAtBounds
     clip: true
-    ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
+    ScrollBar.vertical: PaneScrollBar { objectName: "controlsBar" }
 
     // Scrolls so that a control with the keyboard's focus is visible.
     readonly property Item focusItem: Window.activeFocusItem
-    onFocusItemChanged: {
+    onFocusItemChanged: showFocus()
+    onHeightChanged: showFocus()
+    function showFocus() {
         for (let item = focusItem; item; item = item.parent) {
             if (item !== content)
                 continue
@@ -38,6 +46,16 @@ Flickable {
         width: pane.width - Theme.gap * 4
         spacing: Theme.gap
 
+        Label {
+            Layout.fillWidth: true
+            visible: pane.isEmpty
+            text: qsTr("This device has no buttons or lamps.")
+            textFormat: Text.PlainText
+            color: Theme.muted
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
         SectionTitle {
             text: qsTr("Lamps")
             visible: lamps.count > 0
@@ -55,6 +73,7 @@ Flickable {
                     Layout.fillWidth: true
                     label: model.label
                     lampState: model.state
+                    description: pane.describe(model.name, model.usage)
                 }
             }
         }
@@ -62,7 +81,7 @@ Flickable {
         SectionTitle {
             Layout.topMargin: Theme.gap
             text: qsTr("Buttons")
-            visible: switches.count + buttons.count > 0
+            visible: buttons.count > 0
         }
         Repeater {
             id: switches
@@ -86,6 +105,10 @@ Flickable {
                     on: model.pressed
                     onText: qsTr("off-hook")
                     offText: qsTr("on-hook")
+                    Accessible.description: pane.describe(model.name, model.usage)
+                    ToolTip.visible: hovered
+                    ToolTip.text: Accessible.description
+                    ToolTip.delay: 500
                     onFlipped: pane.device.setPressed(model.name, wanted)
                 }
             }
@@ -107,8 +130,9 @@ Flickable {
                     visible: model.kind !== "switch"
                     enabled: pane.usable
                     text: model.label
-                    isDown: model.pressed || pressed
-                    onPressedChanged: pane.device.setPressed(model.name, pressed)
+                    description: pane.describe(model.name, model.usage)
+                    isDown: model.pressed || held
+                    onHeldChanged: pane.device.setPressed(model.name, held)
                 }
             }
         }
@@ -130,6 +154,17 @@ Flickable {
                 armed: model.armed
                 onFlipped: pane.device.setFault(model.name, wanted, count)
             }
+        }
+
+        SectionTitle {
+            Layout.topMargin: Theme.gap
+            text: qsTr("Send")
+        }
+        SendRows {
+            Layout.fillWidth: true
+            enabled: pane.usable
+            onReportSent: pane.device.sendReport(bytes)
+            onFlooded: pane.device.flood(count)
         }
     }
 }

@@ -7,6 +7,10 @@ AbstractButton {
     id: button
 
     property bool isDown: false // on the device
+    property string description // its name and usage, as another button can have the same text
+
+    property bool keyDown: false
+    readonly property bool held: pressed || keyDown
 
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
@@ -19,12 +23,37 @@ AbstractButton {
     Accessible.name: isDown ? qsTr("%1, held down").arg(text) : text
     Accessible.pressed: isDown
 
-    // A key that is held down repeats itself, which is no reason to let go.
-    Keys.onPressed: event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
-    Keys.onReleased: event.accepted = event.isAutoRepeat && event.key === Qt.Key_Space
+    Accessible.description: description
+    Accessible.onPressAction: {
+        keyDown = true
+        letGo.restart()
+    }
 
-    ToolTip.visible: hovered && label.truncated
-    ToolTip.text: text
+    // A key that is held down repeats itself: it is released and pressed again, which Qt does not
+    // mark dependably. Only a release that no press follows lets go.
+    Keys.onPressed: {
+        if (event.key !== Qt.Key_Space)
+            return
+        event.accepted = true
+        letGo.stop()
+        keyDown = true
+    }
+    Keys.onReleased: {
+        if (event.key !== Qt.Key_Space)
+            return
+        event.accepted = true
+        if (!event.isAutoRepeat)
+            letGo.restart()
+    }
+    onActiveFocusChanged: if (!activeFocus) keyDown = false
+    Timer {
+        id: letGo
+        interval: 30
+        onTriggered: button.keyDown = false
+    }
+
+    ToolTip.visible: hovered
+    ToolTip.text: label.truncated ? text + "\n" + description : description
     ToolTip.delay: 500
 
     contentItem: Label {

@@ -28,7 +28,10 @@ RowLayout {
         }
         Label {
             Layout.fillWidth: true
-            text: header.device.details
+            text: Bench.deviceCount > 1
+                ? qsTr("device %1 of %2 · %3").arg(header.device.number).arg(Bench.deviceCount)
+                    .arg(header.device.details)
+                : header.device.details
             textFormat: Text.PlainText
             color: Theme.muted
             font.family: Theme.mono

@@ -1,4 +1,4 @@
-// A fault that can be switched on, some with a number: how many times, or what the label says.
+// A fault that can be switched on, some with a number: how many times, or a length.
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
@@ -11,8 +11,18 @@ RowLayout {
     property string label
     property bool takesCount: false
     property bool armed: false
+    readonly property bool takesLength: name === "short" // which has no default
 
     signal flipped(bool wanted, string count)
+
+    function arm() {
+        if (takesLength && count.text === "")
+            return count.forceActiveFocus(Qt.OtherFocusReason)
+        // The field cannot be used while the fault is on.
+        if (count.activeFocus)
+            toggle.forceActiveFocus(Qt.TabFocusReason)
+        flipped(true, takesCount ? count.text : "")
+    }
 
     spacing: Theme.gap
 
@@ -30,17 +40,18 @@ RowLayout {
         Layout.preferredWidth: Theme.fontSize * 5
         visible: row.takesCount
         enabled: !row.armed
-        placeholderText: qsTr("N")
-        label: qsTr("N, the number for the fault: %1").arg(row.label)
+        placeholderText: row.takesLength ? qsTr("bytes") : qsTr("times")
+        label: qsTr("%1, %2").arg(row.label).arg(placeholderText)
         inputMethodHints: Qt.ImhDigitsOnly
         validator: IntValidator { bottom: 1; top: 999999 }
         horizontalAlignment: TextInput.AlignRight
-        onAccepted: row.flipped(true, text)
+        onAccepted: row.arm()
     }
     TwoWaySwitch {
+        id: toggle
         objectName: "fault-" + row.name
         on: row.armed
         label: qsTr("Fault: %1").arg(row.label)
-        onFlipped: row.flipped(wanted, row.takesCount ? count.text : "")
+        onFlipped: wanted ? row.arm() : row.flipped(false, "")
     }
 }

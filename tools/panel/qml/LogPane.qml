@@ -8,6 +8,7 @@ ColumnLayout {
     id: pane
 
     property QtObject log
+    property string hint // how to get reports
 
     signal saveRequested()
 
@@ -99,6 +100,7 @@ ColumnLayout {
         id: head
         Layout.fillWidth: true
         time: qsTr("Seconds")
+        direction: qsTr("Dir")
         meaning: qsTr("Meaning")
         bytes: qsTr("Bytes")
         textColor: Theme.muted
@@ -134,6 +136,10 @@ ColumnLayout {
 
             readonly property real rowHeight: head.implicitHeight
 
+            // Whether the focus came from the mouse. No frame is shown then.
+            property bool clicked: false
+            onActiveFocusChanged: if (!activeFocus) clicked = false
+
             // Whether the view scrolls to new lines.
             property bool following: true
             function showEnd() {
@@ -166,6 +172,7 @@ ColumnLayout {
                 moves[Qt.Key_PageDown] = page
                 moves[Qt.Key_Home] = -count
                 moves[Qt.Key_End] = count
+                clicked = false
                 event.accepted = true
                 if (event.key in moves)
                     show(pane.log.moveSelection(moves[event.key], event.modifiers & Qt.ShiftModifier))
@@ -177,9 +184,8 @@ ColumnLayout {
                     event.accepted = false
             }
 
-            ScrollBar.vertical: ScrollBar {
+            ScrollBar.vertical: PaneScrollBar {
                 id: scrollBar
-                policy: size < 1 ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
                 onPressedChanged: list.following = !pressed && list.atYEnd
             }
 
@@ -212,6 +218,7 @@ ColumnLayout {
                 }
                 onPressed: {
                     list.forceActiveFocus(Qt.MouseFocusReason)
+                    list.clicked = true
                     pane.log.select(rowAt(mouse.y), mouse.modifiers & Qt.ShiftModifier)
                 }
                 onPositionChanged: {
@@ -229,11 +236,11 @@ ColumnLayout {
             wrapMode: Text.Wrap
             color: Theme.muted
             text: pane.log.filter === "" && pane.log.show === 0
-                ? qsTr("No reports yet. Press a button, or use the device in a program.")
+                ? qsTr("No reports yet. %1").arg(pane.hint)
                 : qsTr("The filter matches no line.")
         }
         FocusFrame {
-            visible: list.activeFocus
+            visible: list.activeFocus && !list.clicked
             anchors.margins: 0
             radius: 0
         }
@@ -251,7 +258,7 @@ ColumnLayout {
         contentHeight: whole.height
         boundsBehavior: Flickable.StopAtBounds
         clip: true
-        ScrollBar.vertical: ScrollBar { }
+        ScrollBar.vertical: PaneScrollBar { }
 
         TextEdit {
             id: whole

@@ -3,6 +3,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
+import QtQuick.Window 2.15
 import Kelprobe.Panel 1.0
 
 ApplicationWindow {
@@ -13,11 +14,13 @@ ApplicationWindow {
     property string note
 
     visible: true
-    width: 960
-    height: 640
-    minimumWidth: 560
-    minimumHeight: 360
-    title: qsTr("%1 - Kelprobe panel").arg(device.name)
+    width: Math.min(960, Screen.desktopAvailableWidth)
+    height: Math.min(640, Screen.desktopAvailableHeight)
+    minimumWidth: Math.min(560, Screen.desktopAvailableWidth)
+    minimumHeight: Math.min(360, Screen.desktopAvailableHeight)
+    title: Bench.deviceCount > 1
+        ? qsTr("%1 (%2 of %3) - Kelprobe panel").arg(device.name).arg(device.number).arg(Bench.deviceCount)
+        : qsTr("%1 - Kelprobe panel").arg(device.name)
     color: Theme.window
     palette: Theme.palette
     font.pixelSize: Theme.fontSize
@@ -41,25 +44,30 @@ ApplicationWindow {
         onActivated: Qt.quit()
     }
 
-    header: ColumnLayout {
-        spacing: 0
+    // Not a ColumnLayout: it would never settle if its content were narrower than the notice.
+    header: Column {
+        Item {
+            width: parent.width
+            implicitHeight: about.implicitHeight + Theme.gap * 3
 
-        DeviceHeader {
-            Layout.fillWidth: true
-            Layout.margins: Theme.gap * 1.5
-            Layout.leftMargin: Theme.gap * 2
-            Layout.rightMargin: Theme.gap * 2
-            device: window.device
+            DeviceHeader {
+                id: about
+                anchors.fill: parent
+                anchors.margins: Theme.gap * 1.5
+                anchors.leftMargin: Theme.gap * 2
+                anchors.rightMargin: Theme.gap * 2
+                device: window.device
+            }
         }
         Notice {
             objectName: "notice"
-            Layout.fillWidth: true
+            width: parent.width
             text: !Bench.connected
                 ? qsTr("The bench has ended. The log stays until you close the window.")
                 : !window.device.plugged ? qsTr("The device is unplugged.") : ""
         }
         Rectangle {
-            Layout.fillWidth: true
+            width: parent.width
             implicitHeight: 1
             color: Theme.line
         }
@@ -70,6 +78,7 @@ ApplicationWindow {
         spacing: 0
 
         ControlsPane {
+            id: controls
             Layout.preferredWidth: Math.max(232, Math.min(320, window.width * 0.36))
             Layout.fillHeight: true
             device: window.device
@@ -84,6 +93,8 @@ ApplicationWindow {
             Layout.fillWidth: true
             Layout.fillHeight: true
             log: window.device.log
+            hint: controls.isEmpty ? qsTr("Use the device in a program.")
+                : qsTr("Press a button, or use the device in a program.")
             onSaveRequested: save.open()
         }
     }

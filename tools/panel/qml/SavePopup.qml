@@ -14,11 +14,12 @@ Popup {
     property string problem
 
     function save() {
-        problem = device.saveRecording(path.text)
+        const file = device.fullPath(path.text)
+        problem = device.saveRecording(file)
         if (problem !== "")
             return
         close()
-        saved(path.text)
+        saved(file)
     }
 
     modal: true
@@ -65,7 +66,7 @@ Popup {
             objectName: "hint"
             Layout.fillWidth: true
             text: popup.problem !== "" ? popup.problem
-                : popup.visible && popup.device.fileExists(path.text)
+                : popup.visible && popup.device.fileExists(popup.device.fullPath(path.text))
                     ? qsTr("There is such a file. Saving replaces it.")
                     : qsTr("All reports of the log, in the format of hid-recorder.")
             textFormat: Text.PlainText

@@ -1,4 +1,4 @@
-// A switch with a text for each position. It shows `on`, which a click does not change: whoever
+// A switch with a text for each position, left of it. It shows `on`, which a click does not change: whoever
 // uses the switch does what `flipped` asks for.
 import QtQuick 2.15
 import QtQuick.Controls 2.15
@@ -30,6 +30,7 @@ AbstractButton {
 
         Rectangle {
             id: track
+            anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             width: 34
             height: 18
@@ -49,8 +50,8 @@ AbstractButton {
         }
         Label {
             id: state
-            anchors.left: track.right
-            anchors.leftMargin: Theme.gap
+            anchors.right: track.left
+            anchors.rightMargin: Theme.gap
             anchors.verticalCenter: parent.verticalCenter
             text: control.stateText
             textFormat: Text.PlainText
