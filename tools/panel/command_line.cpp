@@ -12,10 +12,9 @@ constexpr const char* kDescription
     = "Shows the simulated devices of a bench: buttons to press, lamps, faults and a log.\n"
       "It runs on the bench: kelprobe-sim run PROFILE -- kelprobe-panel";
 constexpr const char* kFooter
-    = "Exit status: 0 when the windows were closed; 2 for a mistake on the command line, without\n"
-      "KELPROBE_SIM or if there is no such device; 3 without a bench, a display or Qt's modules, "
-      "or\n"
-      "if standard output cannot be written.";
+    = "Exit status: 0 when the windows were closed; 2 for a mistake on the command line, or if\n"
+      "KELPROBE_SIM is not set or there is no such device; 3 if there is no bench or display, a\n"
+      "QML module is missing, or standard output cannot be written.";
 
 constexpr const char* kLight = "light";
 constexpr const char* kDark = "dark";

@@ -12,7 +12,8 @@ namespace {
 
 [[noreturn]] void end(const char* problem, const QByteArray& display)
 {
-    std::fprintf(stderr, "kelprobe-panel: %s%s; check DISPLAY and WAYLAND_DISPLAY\n", problem,
+    std::fprintf(stderr,
+        "kelprobe-panel: %s%s; check DISPLAY, WAYLAND_DISPLAY and QT_QPA_PLATFORM\n", problem,
         display.constData());
     _exit(kNoAccess); // Qt's objects exist only in part
 }

@@ -23,11 +23,11 @@ void placeUnlessManaged(QQuickWindow& window, int index)
     window.setPosition(std::clamp(last.x(), 0, kKelprobe + step), std::clamp(last.y(), 0, step));
 }
 
-// The cause is the last one: others say that a type which needs the missing one is missing too.
+// The first error is the cause of the others.
 QString causeOf(const QQmlComponent& component)
 {
     const QList<QQmlError> errors = component.errors();
-    return errors.isEmpty() ? QStringLiteral("no window") : oneLine(errors.last().description());
+    return errors.isEmpty() ? QStringLiteral("no window") : oneLine(errors.first().description());
 }
 
 } // namespace

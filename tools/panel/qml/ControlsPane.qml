@@ -95,6 +95,7 @@ Flickable {
                     text: model.label
                     textFormat: Text.PlainText
                     color: Theme.text
+                    opacity: pane.usable ? 1 : 0.45
                     elide: Text.ElideRight
                     Accessible.ignored: true // the switch has the name
                 }

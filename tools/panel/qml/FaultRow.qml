@@ -4,7 +4,7 @@ import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 import Kelprobe.Panel 1.0
 
-RowLayout {
+GridLayout {
     id: row
 
     property string name
@@ -24,10 +24,14 @@ RowLayout {
         flipped(true, takesCount ? count.text : "")
     }
 
-    spacing: Theme.gap
+    // In a narrow row the label is above the field and the switch.
+    columns: takesCount && width < Theme.fontSize * 20 ? 2 : 3
+    columnSpacing: Theme.gap
+    rowSpacing: 2
 
     Label {
         Layout.fillWidth: true
+        Layout.columnSpan: row.columns === 2 ? 2 : 1
         text: row.label
         textFormat: Text.PlainText
         color: Theme.text
@@ -38,6 +42,7 @@ RowLayout {
         id: count
         objectName: "count-" + row.name
         Layout.preferredWidth: Theme.fontSize * 5
+        Layout.fillWidth: row.columns === 2
         visible: row.takesCount
         enabled: !row.armed
         placeholderText: row.takesLength ? qsTr("bytes") : qsTr("times")
