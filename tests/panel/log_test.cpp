@@ -235,6 +235,9 @@ TEST(PanelRecording, IsNotWrittenInPart)
     EXPECT_EQ(
         device.saveRecording(missing), "cannot write " + missing + ": No such file or directory");
     EXPECT_NE(device.saveRecording({}), "");
+    EXPECT_EQ(device.fullPath("~/a.hid"), QDir::homePath() + "/a.hid");
+    EXPECT_EQ(device.fullPath("a.hid"), QDir::currentPath() + "/a.hid");
+    EXPECT_EQ(device.fullPath(""), "");
     EXPECT_EQ(device.saveRecording("/dev/full"), "cannot write /dev/full: No space left on device");
     LogEntry flood;
     flood.kind = LogEntry::Kind::kInput;

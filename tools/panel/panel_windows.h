@@ -13,7 +13,7 @@ namespace panel {
 
 class PanelWindows {
 public:
-    static constexpr size_t kMaxWindows = 32; // more are of no use, and few servers bear hundreds
+    static constexpr size_t kMaxWindows = 32; // more would not fit on a screen
 
     // Both must outlive the object.
     PanelWindows(Bench& bench, Theme& theme);

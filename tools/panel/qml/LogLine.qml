@@ -53,7 +53,8 @@ Rectangle {
         text: row.bytes
     }
     Cell {
-        anchors.left: bytes.right
+        // Events without a report use the room of the bytes.
+        anchors.left: row.bytes === "" ? direction.right : bytes.right
         anchors.leftMargin: Theme.gap * 1.5
         anchors.right: parent.right
         anchors.rightMargin: Theme.gap
