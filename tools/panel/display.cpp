@@ -22,7 +22,7 @@ namespace {
 QByteArray displayName()
 {
     for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        if (const QByteArray value = qgetenv(variable); !value.isEmpty())
+        if (QByteArray value = qgetenv(variable); !value.isEmpty())
             return value;
     return {};
 }
