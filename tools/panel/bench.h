@@ -45,7 +45,7 @@ private:
 
     BenchClient client_;
     std::vector<std::unique_ptr<Device>> devices_;
-    QTimer refresh_;     // runs after an input report, which may belong to a button
+    QTimer refresh_;     // runs after an event that may have moved buttons
     QTimer messageTime_; // runs while there is a message
     QString message_;
     bool connected_ = false;

@@ -13,7 +13,7 @@ namespace {
 // the right of that, as far as the screen has room, each a little further down.
 void placeUnlessManaged(QQuickWindow& window, int index)
 {
-    constexpr int kKelprobe = 576; // its usual width, and a gap
+    constexpr int kKelprobe = 656; // its width of 640, and a gap
     constexpr int kStep = 24;
     if (!window.position().isNull() || !window.frameMargins().isNull())
         return; // a window manager has moved or framed it
