@@ -26,7 +26,7 @@ int main(int argc, char** argv)
 {
     openStandardStreams();
     const int status = sim::runCommandLine(argc, argv);
-    if (status == EXIT_SUCCESS && fflush(stdout) != 0) {
+    if (status == EXIT_SUCCESS && (fflush(stdout) != 0 || ferror(stdout))) {
         perror("kelprobe-sim: standard output");
         return EXIT_FAILURE;
     }

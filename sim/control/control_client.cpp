@@ -6,8 +6,10 @@
 #include <gio/gunixsocketaddress.h>
 #include <json/reader.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -46,9 +48,30 @@ std::optional<int> print(const std::string& line)
             fail(object["error"].asString());
         return object["status"].asInt();
     }
-    puts(object["text"].isString() ? object["text"].asCString() : line.c_str());
-    fflush(stdout);
-    return std::nullopt;
+    if (puts(object["text"].isString() ? object["text"].asCString() : line.c_str()) != EOF
+        && fflush(stdout) == 0)
+        return std::nullopt;
+    fprintf(stderr, "kelprobe-sim: standard output: %s\n", std::strerror(errno));
+    return EXIT_FAILURE;
+}
+
+// Many other clients may connect at the same time. Returns an empty pointer and an error if that
+// lasts longer than a second, and for any other reason.
+Owned<GSocketConnection> connect(const std::string& path, GError** error)
+{
+    constexpr int kTries = 50;
+    constexpr gulong kPauseUs = 20'000;
+    const Owned<GSocketAddress> address(g_unix_socket_address_new(path.c_str()));
+    const Owned<GSocketClient> client(g_socket_client_new());
+    for (int i = 0; i < kTries; ++i) {
+        g_clear_error(error);
+        Owned<GSocketConnection> connection(g_socket_client_connect(
+            client.get(), G_SOCKET_CONNECTABLE(address.get()), nullptr, error));
+        if (connection || !g_error_matches(*error, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK))
+            return connection;
+        g_usleep(kPauseUs);
+    }
+    return nullptr;
 }
 
 int printAnswer(GInputStream* input)
@@ -78,11 +101,8 @@ int sendCommand(const std::string& socket, const std::string& line)
     if (path.empty())
         return fail("there is no bench here; run this in kelprobe-sim run FILE -- PROGRAM, or name "
                     "its socket with --socket");
-    const Owned<GSocketAddress> address(g_unix_socket_address_new(path.c_str()));
-    const Owned<GSocketClient> client(g_socket_client_new());
     GError* error = nullptr;
-    const Owned<GSocketConnection> connection(g_socket_client_connect(
-        client.get(), G_SOCKET_CONNECTABLE(address.get()), nullptr, &error));
+    const Owned<GSocketConnection> connection = connect(path, &error);
     if (!connection)
         return fail("no bench has the socket " + path + ": " + takeMessage(error));
     GIOStream* const stream = G_IO_STREAM(connection.get());

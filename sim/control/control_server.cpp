@@ -27,6 +27,8 @@ ControlServer::ControlServer(Bench& bench, const std::filesystem::path& socket)
     : bench_(bench)
     , service_(g_socket_service_new())
 {
+    constexpr int kBacklog = 256; // a script may start many commands at once
+    g_socket_listener_set_backlog(G_SOCKET_LISTENER(service_), kBacklog);
     GSocketAddress* const address = g_unix_socket_address_new(socket.c_str());
     GError* error = nullptr;
     const bool added = g_socket_listener_add_address(G_SOCKET_LISTENER(service_), address,
