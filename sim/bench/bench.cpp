@@ -42,9 +42,11 @@ void Bench::dispatch()
 
 void Bench::tick()
 {
-    for (BenchDevice& device : devices_)
-        device.announceLamps();
-    dispatch();
+    if (!isHeld()) {
+        for (BenchDevice& device : devices_)
+            device.announceLamps();
+        dispatch();
+    }
     const std::set<BenchListener*> present = listeners_; // a command may make or end another
     for (BenchListener* const listener : present) {
         if (listeners_.contains(listener))
@@ -59,8 +61,9 @@ std::optional<BenchListener::Time> Bench::nextTick() const
         if (time && (!next || *time < *next))
             next = time;
     };
-    for (const BenchDevice& device : devices_)
-        consider(device.blinkCheck());
+    if (!isHeld())
+        for (const BenchDevice& device : devices_)
+            consider(device.blinkCheck());
     for (const BenchListener* const listener : listeners_)
         consider(listener->nextTick());
     return next;

@@ -44,8 +44,8 @@ public:
     // has caused is known before its answer.
     void dispatch();
 
-    // Does that, and then calls onTick(). To be called when the queue's descriptor is readable, and
-    // at nextTick().
+    // Does that unless isHeld(), and then calls onTick(). To be called when the queue's descriptor
+    // is readable, and at nextTick().
     void tick();
     [[nodiscard]] std::optional<BenchListener::Time> nextTick() const;
     [[nodiscard]] int fd() const { return queue_.fd(); }
@@ -55,6 +55,8 @@ public:
     std::function<void()> onQuit = [] {};
     // While this is true, no device is idle.
     std::function<bool()> isPlaying = [] { return false; };
+    // While this is true, tick() takes no events, so that the program waits when the queue is full.
+    std::function<bool()> isHeld = [] { return false; };
 
     [[nodiscard]] CommandResult checkIdle(BenchDevice& device);
     [[nodiscard]] Json::Value devicesJson();

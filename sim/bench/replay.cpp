@@ -21,6 +21,8 @@ report::ReportKind kindOf(Direction direction)
     }
 }
 
+constexpr const char* kRecordedCause = "recorded"; // of BenchDevice::sendRecorded()
+
 bool isFromProgram(BenchEvent::Kind kind)
 {
     return kind == BenchEvent::Kind::kOutput || kind == BenchEvent::Kind::kFeature
@@ -45,6 +47,7 @@ Replay::Replay(Bench& bench, BenchDevice& device, std::vector<report::RecordedRe
     , onDifference_(std::move(onDifference))
 {
     findNext(nextInput_, true);
+    findNext(nextArrival_, true);
     findNext(nextOutput_, false);
     bench_.add(*this);
 }
@@ -76,6 +79,19 @@ void Replay::onEvent(const BenchEvent& event)
     }
     if (options_.check && isFromProgram(event.kind))
         receive(event);
+    if (event.kind == BenchEvent::Kind::kInput && event.cause == kRecordedCause)
+        noteArrival(event);
+}
+
+void Replay::noteArrival(const BenchEvent& event)
+{
+    const size_t index = nextArrival_++;
+    findNext(nextArrival_, true);
+    if (!options_.check || event.delivery == Delivery::kQueued)
+        return;
+    differ(index,
+        event.delivery == Delivery::kNoListener ? "the program does not read from the device"
+                                                : "the program reads too slowly");
 }
 
 void Replay::receive(const BenchEvent& event)
@@ -124,13 +140,16 @@ std::optional<BenchListener::Time> Replay::outputLimit() const
 
 std::optional<BenchListener::Time> Replay::nextTick() const
 {
+    if (bench_.isHeld())
+        return std::nullopt;
     const auto input = inputTime();
     return input ? input : outputLimit();
 }
 
 void Replay::onTick()
 {
-    for (auto due = inputTime(); due && *due <= bench_.now(); due = inputTime()) {
+    for (auto due = inputTime(); due && *due <= bench_.now() && !bench_.isHeld();
+         due = inputTime()) {
         const report::RecordedReport& input = reports_[nextInput_];
         latest_ = bench_.now();
         ++nextInput_;
@@ -138,9 +157,9 @@ void Replay::onTick()
         device_.sendRecorded(input.bytes);
         bench_.dispatch();
     }
-    if (const auto limit = outputLimit(); limit && *limit <= bench_.now())
+    if (const auto limit = outputLimit(); limit && *limit <= bench_.now() && !bench_.isHeld())
         differ(nextOutput_, "the program sent nothing for " + durationText(options_.patience));
-    if (opened_ && !isPlaying() && !differs_ && !announced_) {
+    if (opened_ && nextArrival_ == reports_.size() && !differs_ && !announced_) {
         announced_ = true;
         device_.note("every recorded report was sent");
     }

@@ -16,7 +16,8 @@ struct ReplayOptions {
 // `check`, an input report waits for the reports of the program that come before it in the
 // recording, and the time to the next report counts from when both were there. The program's
 // reports are compared in their order; whether they come before or after an input report does not
-// matter. A report that failed when it was recorded is expected, too, but does not fail.
+// matter. A report that failed when it was recorded is expected, too, but does not fail. An input
+// report that is lost is a difference. While the bench is held, so is the replay.
 //
 // Same thread as the bench.
 class Replay final : private BenchListener {
@@ -46,11 +47,11 @@ private:
     std::optional<Time> nextTick() const override;
 
     void receive(const BenchEvent& event);
+    void noteArrival(const BenchEvent& event);
     void findNext(size_t& index, bool input) const;
     [[nodiscard]] std::optional<Time> inputTime() const;
     [[nodiscard]] std::optional<Time> outputLimit() const;
     [[nodiscard]] Time gapBefore(size_t index) const;
-    void step(size_t& index);
     void differ(size_t index, const std::string& found);
     [[nodiscard]] std::string context(size_t index) const;
 
@@ -60,9 +61,11 @@ private:
     const ReplayOptions options_;
     const DifferenceCallback onDifference_;
     std::optional<Time> opened_;
-    Time latest_{};         // when the latest step was done
-    size_t nextInput_ = 0;  // index of the first report that is not played, or
-    size_t nextOutput_ = 0; // of the program's that has not come; the number of reports at the end
+    Time latest_{}; // when the latest step was done
+    // Indices of reports; the number of reports at the end.
+    size_t nextInput_ = 0;   // the first that is not played
+    size_t nextArrival_ = 0; // the first of those whose event has not come
+    size_t nextOutput_ = 0;  // the program's first that has not come
     bool differs_ = false;
     bool announced_ = false; // that all was played
 };

@@ -9,10 +9,15 @@
 #include "sim/control/control_server.h"
 #include "sim/control/run_directory.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <system_error>
 
 namespace sim {
 namespace {
@@ -46,20 +51,21 @@ std::unique_ptr<UsbBus> makeBus(const RunDirectory& directory)
 class Session {
 public:
     explicit Session(const SessionOptions& options)
-        : signals_([this](int signal) { end(128 + signal); })
+        : signals_([this](int signal) { interrupt(128 + signal); })
         , bus_(makeBus(directory_))
         , bench_(*bus_, queue_, options.profiles)
-        , transcript_(bench_)
+        , transcript_(bench_, output_)
         , source_(bench_)
         , server_(bench_, directory_.socket())
         , clientOptions_{
               preloadLibraries(directory_.path()), directory_.socket(), options.programTakesInput}
     {
-        bench_.onQuit = [this] { end(EXIT_SUCCESS); };
+        bench_.onQuit = [this] { interrupt(EXIT_SUCCESS); };
+        bench_.isHeld = [this] { return output_.isFull() || errors_.isFull(); };
         if (options.replay)
             startReplay(*options.replay);
         if (!options.programTakesInput)
-            input_.emplace(bench_);
+            input_.emplace(bench_, output_, errors_);
     }
 
     int run(const std::vector<std::string>& program)
@@ -68,11 +74,11 @@ public:
         finish();
         if (replay_)
             replay_->end();
-        return differs_ ? kDiffers : *status_;
+        return exitStatus();
     }
 
 private:
-    static constexpr int kDiffers = 1;
+    static constexpr int kFailed = 1; // the replay differs, or standard output failed
 
     void end(int status)
     {
@@ -80,36 +86,71 @@ private:
             status_ = status;
     }
 
+    // Ends the program although it has not ended by itself.
+    void interrupt(int status)
+    {
+        interrupted_ = interrupted_ || !status_;
+        end(status);
+    }
+
     // The program has ended when this returns, because the devices are removed afterwards.
     void runProgram(const std::vector<std::string>& program)
     {
         const ClientProcess client(program, clientOptions_, [this](int status) { end(status); });
-        while (!status_)
+        while (!status_) {
             g_main_context_iteration(nullptr, TRUE);
+            if (input_)
+                input_->update();
+        }
+        input_.reset();
     }
 
     // Handles what happened until the end of the program: events, and reports of our preload
     // library on the socket.
     void finish()
     {
-        constexpr int kMost = 10'000; // a client of the socket may go on
-        for (int i = 0; i < kMost && g_main_context_iteration(nullptr, FALSE); ++i) { }
+        constexpr std::chrono::milliseconds kLimit{500}; // a client of the socket may go on
+        const auto deadline = std::chrono::steady_clock::now() + kLimit;
+        bench_.isHeld = [] { return false; };
+        while (g_main_context_iteration(nullptr, FALSE)
+            && std::chrono::steady_clock::now() < deadline) { }
         bench_.tick();
+    }
+
+    // Prints what is left. A reader of standard output that has ended, as in `| head`, is no error.
+    int exitStatus()
+    {
+        constexpr std::chrono::milliseconds kLimit{1000};
+        output_.finish(kLimit);
+        const int error = output_.error();
+        const bool failed = error != 0 && error != EPIPE;
+        if (failed)
+            errors_.print(
+                "kelprobe-sim: standard output: " + std::generic_category().message(error));
+        errors_.finish(kLimit);
+        if (differs_)
+            return kFailed;
+        return failed && *status_ == EXIT_SUCCESS ? kFailed : *status_;
     }
 
     void startReplay(const ReplayedDevice& replayed)
     {
         const auto onDifference = [this](const std::string& explanation) {
-            fprintf(stderr, "kelprobe-sim: %s\n", explanation.c_str());
+            if (interrupted_)
+                return; // the program was not left to do what was recorded
+            errors_.print("kelprobe-sim: " + explanation);
             differs_ = true;
-            end(kDiffers);
+            end(kFailed);
         };
         replay_.emplace(bench_, bench_.device(1), replayed.reports, replayed.options, onDifference);
         bench_.isPlaying = [this] { return replay_->isPlaying(); };
     }
 
     std::optional<int> status_;
+    bool interrupted_ = false;
     bool differs_ = false;
+    Output output_{STDOUT_FILENO};
+    Output errors_{STDERR_FILENO};
     EndSignals signals_;
     const RunDirectory directory_;
     const std::unique_ptr<UsbBus> bus_;
@@ -128,6 +169,7 @@ private:
 int runSession(const SessionOptions& options)
 {
     std::signal(SIGPIPE, SIG_IGN); // a closed output must not end this process before the program
+    std::signal(SIGTTIN, SIG_IGN); // see StandardInput
     std::signal(SIGCHLD, SIG_DFL); // the parent may have left it ignored
     g_log_set_default_handler(printMessage, nullptr);
     removeDeadBenches();

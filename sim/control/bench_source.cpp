@@ -9,6 +9,7 @@ struct Source {
     GSource base; // first: GLib allocates the whole and knows only this
     Bench* bench;
     gpointer fdTag;
+    bool held; // events are not waited for
 };
 
 bool isDue(const Bench& bench)
@@ -19,7 +20,12 @@ bool isDue(const Bench& bench)
 
 gboolean prepare(GSource* base, gint* timeout)
 {
-    const Bench& bench = *reinterpret_cast<Source*>(base)->bench;
+    auto* const source = reinterpret_cast<Source*>(base);
+    const Bench& bench = *source->bench;
+    if (const bool held = bench.isHeld(); held != source->held) {
+        source->held = held;
+        g_source_modify_unix_fd(base, source->fdTag, held ? GIOCondition{} : G_IO_IN);
+    }
     *timeout = -1;
     if (const auto next = bench.nextTick()) {
         using Milliseconds = std::chrono::duration<gint, std::milli>;
@@ -52,6 +58,7 @@ BenchSource::BenchSource(Bench& bench)
 {
     auto* const source = reinterpret_cast<Source*>(source_);
     source->bench = &bench;
+    source->held = false;
     source->fdTag = g_source_add_unix_fd(source_, bench.fd(), G_IO_IN);
     g_source_attach(source_, nullptr);
 }

@@ -216,6 +216,49 @@ TEST_F(Control, AClientThatDoesNotReadIsDropped)
     exitStatus();
 }
 
+TEST_F(Control, ATranscriptThatNobodyReadsStopsNeitherCommandsNorSignals)
+{
+    start("kelprobe-sim run -- sim-client open flood 3000");
+    {
+        ControlClient client(socket());
+        for (int i = 0; i < 5000; ++i) // more than the pipe holds
+            ASSERT_EQ(client.answer("raw 030000"), "{\"status\":0}\n");
+    }
+    int reports = 0;
+    while (reports < 8000 && lineWith("03 00 00") != "end")
+        ++reports;
+    EXPECT_EQ(reports, 8000); // none is missing
+    EXPECT_EQ(exitStatus(), 0);
+
+    for (const int signal : {SIGTERM, SIGINT}) {
+        start("kelprobe-sim run -- sleep 60");
+        ControlClient client(socket());
+        for (int i = 0; i < 5000; ++i)
+            ASSERT_EQ(client.answer("raw 030000"), "{\"status\":0}\n");
+        kill(pid_, signal);
+        EXPECT_TRUE(endsUnread()) << signal;
+        EXPECT_EQ(exitStatus(), 128 + signal);
+    }
+}
+
+TEST_F(Control, StandardInputIsNotReadWhileACommandWaits)
+{
+    start("kelprobe-sim run -- sleep 60");
+    give("wait open --within 60s");
+    EXPECT_LT(fillInput(), 200'000U);
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+}
+
+TEST_F(Control, CommandsThatStartTogetherAllReachTheBench)
+{
+    start("kelprobe-sim 2>&1 run -- sh -c 'for i in $(seq 60); do kelprobe-sim expect ring off || "
+          "echo failed; done & for i in $(seq 60); do kelprobe-sim wait closed || echo failed & "
+          "done; wait'");
+    EXPECT_EQ(line(), "end");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
 TEST_F(Control, WithoutABenchACommandFails)
 {
     int status = -1;

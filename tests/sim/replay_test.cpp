@@ -91,6 +91,36 @@ TEST_F(Replay, SendsTheDevicesReportsAtTheirTimes)
     EXPECT_EQ(exitStatus(), 0);
 }
 
+TEST_F(Replay, WhoeverEndsTheBenchGetsNoDifference)
+{
+    const std::string command = "kelprobe-sim 2>&1 replay " + std::string(KELPROBE_MEETING)
+        + " --check -- sim-client open w 030000 gone";
+    start(command);
+    EXPECT_EQ(lineWith("out"), "out  03 00 00     no change");
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(lineWith("difference"), "end");
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+    start(command);
+    EXPECT_EQ(lineWith("out"), "out  03 00 00     no change");
+    give("quit");
+    EXPECT_EQ(lineWith("difference"), "end");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Replay, AReportThatTheProgramDoesNotReadIsADifference)
+{
+    const test::TempDirectory files;
+    const std::string recording = files.file("r.hid",
+        outputOf("grep '^[RNPI]:' " KELPROBE_MEETING)
+            + "E: 000000.000000 3 03 09 00\nE: 000001.500000 3 03 01 00\n");
+    start("kelprobe-sim 2>&1 replay " + recording
+        + " --check -- sh -c 'sim-client open r 030900; sleep 60'");
+    for (const std::string part :
+        {"difference at report 2 of 2", "+ the program does not read from the device"})
+        EXPECT_NE(lineWith(part), "end") << part;
+    EXPECT_EQ(exitStatus(), 1);
+}
+
 TEST_F(Replay, RefusesARecordingThatItCannotPlay)
 {
     const test::TempDirectory files;

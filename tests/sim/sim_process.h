@@ -3,12 +3,14 @@
 
 #include "tests/support/temp_directory.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -68,6 +70,30 @@ protected:
     {
         fprintf(input_, "%s\n", command.c_str());
         fflush(input_);
+    }
+
+    // Gives lines of blanks until the program does not read for half a second. Returns the number
+    // of bytes; it gives at most a megabyte.
+    size_t fillInput()
+    {
+        constexpr size_t kMost = 1'000'000;
+        constexpr int kLimitMs = 500;
+        size_t given = 0;
+        for (pollfd room{fileno(input_), POLLOUT, 0}; given < kMost && poll(&room, 1, kLimitMs) > 0;
+             given += PIPE_BUF)
+            give(std::string(PIPE_BUF - 1, ' '));
+        return given;
+    }
+
+    // Whether it ends, in 20 s, although nobody reads its output.
+    bool endsUnread() const
+    {
+        siginfo_t info = {};
+        for (int i = 0; i < 2000 && info.si_pid == 0; ++i) {
+            waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return info.si_pid == pid_;
     }
 
     // Gives each command, unless it is empty, and compares the next line of standard output.
