@@ -1,7 +1,6 @@
 #include "sim/console/client_process.h"
 
 #include "sim/control/bench_processes.h"
-#include "sim/control/event_source.h"
 #include "tools/preload/preload_library.h"
 
 #include <sys/prctl.h>
@@ -45,7 +44,7 @@ void prepareChild(gpointer data)
         _exit(EXIT_FAILURE); // it was killed before
     setpgid(0, 0);
     if (setup.takesTerminal) {
-        std::signal(SIGTTOU, SIG_IGN); // which a background group gets for this
+        std::signal(SIGTTOU, SIG_IGN);
         tcsetpgrp(STDIN_FILENO, getpid());
     }
     for (int signal = 1; signal < NSIG; ++signal)
@@ -60,10 +59,22 @@ void prepareChild(gpointer data)
 std::vector<char*> argumentVector(const std::vector<std::string>& command)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command)
         arguments.push_back(const_cast<char*>(word.c_str())); // g_spawn_async() only reads them
     arguments.push_back(nullptr);
     return arguments;
+}
+
+// The program itself is reaped by GLib.
+void reapOthers(pid_t program)
+{
+    siginfo_t info = {};
+    while (waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0
+        && info.si_pid != program) {
+        waitpid(info.si_pid, nullptr, 0);
+        info = {};
+    }
 }
 
 } // namespace
@@ -74,6 +85,9 @@ ClientProcess::ClientProcess(
     , socket_(options.socket)
     , hasTerminal_(options.takesInput && isatty(STDIN_FILENO))
 {
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    if (hasTerminal_)
+        std::signal(SIGTTOU, SIG_IGN); // which a background group gets when it sets the foreground
     // GLib by default opens /dev/null as the child's standard input.
     unsigned flags = G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD;
     flags |= G_SPAWN_LEAVE_DESCRIPTORS_OPEN;
@@ -95,6 +109,17 @@ ClientProcess::ClientProcess(
             static_cast<ClientProcess*>(self)->handleEnd(waitStatus);
         },
         this);
+    group_ = ProcessGroup::ledBy(pid_);
+    if (group_)
+        group_->save(options.groupFile);
+    constexpr guint kCheckMs = 200;
+    checks_.emplace(g_timeout_add(
+        kCheckMs,
+        [](gpointer self) -> gboolean {
+            static_cast<ClientProcess*>(self)->check();
+            return G_SOURCE_CONTINUE;
+        },
+        this));
 }
 
 // The group is signalled even if its first process has ended: it may have other processes.
@@ -106,11 +131,33 @@ ClientProcess::~ClientProcess()
         while (!ended_)
             g_main_context_iteration(nullptr, TRUE);
     }
-    endProcessesOf(socket_, std::chrono::milliseconds(kTerminationLimitMs));
-    if (hasTerminal_) {
-        std::signal(SIGTTOU, SIG_IGN);
+    endProcesses({.socket = socket_, .group = group_, .descendants = true},
+        std::chrono::milliseconds(kTerminationLimitMs));
+    if (hasTerminal_)
         tcsetpgrp(STDIN_FILENO, getpgrp());
-    }
+}
+
+void ClientProcess::check()
+{
+    reapOthers(pid_);
+    siginfo_t info = {};
+    if (hasTerminal_ && waitid(P_PID, static_cast<id_t>(pid_), &info, WSTOPPED | WNOHANG) == 0
+        && info.si_pid == pid_)
+        passStop();
+}
+
+// The shell knows only our process group. It may have given the terminal to that without a signal,
+// after a program in the background was stopped because it reads; then nothing stops.
+void ClientProcess::passStop() const
+{
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+    if (foreground == pid_)
+        tcsetpgrp(STDIN_FILENO, getpgrp());
+    if (foreground != getpgrp())
+        kill(0, SIGTSTP); // returns after SIGCONT; at once if there is no shell that would send it
+    if (tcgetpgrp(STDIN_FILENO) == getpgrp())
+        tcsetpgrp(STDIN_FILENO, pid_);
+    kill(-pid_, SIGCONT);
 }
 
 void ClientProcess::handleEnd(int waitStatus)

@@ -1,9 +1,14 @@
 // The program that is run with the simulated devices.
 #pragma once
 
+#include "sim/control/event_source.h"
+#include "sim/control/process_group.h"
+
 #include <glib.h>
 
+#include <filesystem>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,8 +31,9 @@ public:
 
 // What a program is started with.
 struct ClientOptions {
-    std::string libraries; // added to the inherited LD_PRELOAD after a colon
-    std::string socket;    // of the bench, for the environment
+    std::string libraries;           // added to the inherited LD_PRELOAD after a colon
+    std::string socket;              // of the bench, for the environment
+    std::filesystem::path groupFile; // is written: the program's ProcessGroup
     // The program has our standard input, and the terminal if that is one; otherwise its standard
     // input is empty.
     bool takesInput = false;
@@ -36,8 +42,10 @@ struct ClientOptions {
 // A child process in a new process group, with the default action for every signal (an ignored
 // SIGHUP stays ignored) and none blocked. Its output is written to our standard error. It has our
 // environment with the additions above; our own environment is not changed. If this process is
-// killed, so is the child.
+// killed, so is the child. If the child has the terminal and is stopped, by Ctrl-Z for example, so
+// are this process and its group, until a shell continues them.
 //
+// What the child starts becomes a child of this process when its parent ends, and is reaped here.
 // Uses GLib's default main context, which has to run in the thread that calls these. SIGCHLD must
 // not be ignored.
 class ClientProcess {
@@ -51,8 +59,8 @@ public:
         const std::vector<std::string>& command, const ClientOptions& options, EndCallback onEnd);
 
     // Ends the process group with SIGTERM and, if the process has not ended after two seconds, with
-    // SIGKILL, and then kills what it has started in other groups. Runs the main context until the
-    // process has ended, so onEnd has been called when this returns.
+    // SIGKILL, and then all that it has started, directly or not, in the same way. Runs the main
+    // context until the process has ended, so onEnd has been called when this returns.
     ~ClientProcess();
 
     ClientProcess(const ClientProcess&) = delete;
@@ -61,11 +69,15 @@ public:
 private:
     void handleEnd(int waitStatus);
     bool waitForEnd(guint milliseconds);
+    void check();
+    void passStop() const;
 
     const EndCallback onEnd_;
     const std::string socket_;
     const bool hasTerminal_;
     GPid pid_ = -1;
+    std::optional<ProcessGroup> group_;
+    std::optional<EventSource> checks_;
     bool ended_ = false;
 };
 

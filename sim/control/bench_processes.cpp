@@ -4,14 +4,15 @@
 
 #include <poll.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <fstream>
 #include <iterator>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -38,30 +39,38 @@ FileDescriptor openProcess(pid_t pid)
     return FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
 }
 
-// 0 if there is no such process.
-pid_t parentOf(pid_t pid)
-{
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    text.erase(0, text.rfind(')') + 1); // the name may contain anything
-    char state = 0;
-    pid_t parent = 0;
-    std::istringstream(text) >> state >> parent;
-    return parent;
-}
-
 // This process and its ancestors. A shell that was started on a dead bench may start the next one.
 std::set<pid_t> sparedProcesses()
 {
     std::set<pid_t> spared;
-    for (pid_t pid = getpid(); pid > 0 && spared.insert(pid).second;)
-        pid = parentOf(pid);
+    for (std::optional<pid_t> pid = getpid(); pid && spared.insert(*pid).second;) {
+        const std::optional<ProcessStat> stat = statOf(*pid);
+        pid = stat ? std::optional(stat->parent) : std::nullopt;
+    }
     return spared;
+}
+
+bool descendsFromThis(pid_t pid)
+{
+    std::set<pid_t> seen; // parents may change meanwhile
+    while (pid > 1 && pid != getpid() && seen.insert(pid).second)
+        pid = statOf(pid).value_or(ProcessStat{}).parent;
+    return pid == getpid();
+}
+
+bool isOneOf(const BenchProcesses& processes, pid_t pid)
+{
+    const std::optional<ProcessStat> stat = statOf(pid);
+    const std::string variable = std::string(kSocketVariable) + '=' + processes.socket.native();
+    return stat && !stat->ended
+        && ((processes.group && processes.group->contains(*stat))
+            || (processes.descendants && descendsFromThis(pid))
+            || isStartedWith(fs::path("/proc") / std::to_string(pid), variable));
 }
 
 // Returns those to which it has sent the signal.
 std::vector<FileDescriptor> signalAll(
-    int signal, const std::string& variable, const std::set<pid_t>& spared)
+    int signal, const BenchProcesses& processes, const std::set<pid_t>& spared)
 {
     std::vector<FileDescriptor> found;
     std::error_code ignored;
@@ -72,35 +81,50 @@ std::vector<FileDescriptor> signalAll(
             || spared.contains(pid))
             continue;
         FileDescriptor process = openProcess(pid);
-        if (process.get() >= 0 && isStartedWith(entry.path(), variable)
+        if (process.get() >= 0 && isOneOf(processes, pid)
             && syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0) == 0)
             found.push_back(std::move(process));
     }
     return found;
 }
 
+void reapChildren()
+{
+    while (waitpid(-1, nullptr, WNOHANG) > 0) { }
+}
+
+// A signal to this process does not shorten the wait.
+bool waitForEnd(const FileDescriptor& process, Clock::time_point deadline)
+{
+    pollfd end{process.get(), POLLIN, 0};
+    int ready = 0;
+    do {
+        const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
+        ready = poll(&end, 1, static_cast<int>(std::max<milliseconds::rep>(left.count(), 0)));
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+
 // False if one of them has not ended in this time.
 bool waitForEnd(const std::vector<FileDescriptor>& processes, milliseconds limit)
 {
     const auto deadline = Clock::now() + limit;
-    return std::ranges::all_of(processes, [deadline](const FileDescriptor& process) {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
-        pollfd end{process.get(), POLLIN, 0};
-        return poll(&end, 1, static_cast<int>(std::max<milliseconds::rep>(left.count(), 0))) > 0;
-    });
+    return std::ranges::all_of(processes,
+        [deadline](const FileDescriptor& process) { return waitForEnd(process, deadline); });
 }
 
 } // namespace
 
-void endProcessesOf(const fs::path& socket, milliseconds grace)
+void endProcesses(const BenchProcesses& processes, milliseconds grace)
 {
     constexpr int kTries = 100; // a process may start others until it is killed
     const std::set<pid_t> spared = sparedProcesses();
-    const std::string variable = std::string(kSocketVariable) + '=' + socket.native();
+    reapChildren();
     if (grace > milliseconds(0))
-        (void)waitForEnd(signalAll(SIGTERM, variable, spared), grace);
+        (void)waitForEnd(signalAll(SIGTERM, processes, spared), grace);
     for (int i = 0; i < kTries; ++i) {
-        const std::vector<FileDescriptor> killed = signalAll(SIGKILL, variable, spared);
+        reapChildren();
+        const std::vector<FileDescriptor> killed = signalAll(SIGKILL, processes, spared);
         if (killed.empty() || !waitForEnd(killed, kKillLimit))
             return;
     }

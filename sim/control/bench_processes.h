@@ -1,18 +1,30 @@
 // The processes that a bench has started.
 #pragma once
 
+#include "sim/control/process_group.h"
+
 #include <chrono>
 #include <filesystem>
+#include <optional>
 
 namespace sim {
 
 // The environment variable that names the control socket to the program and its children.
 inline constexpr const char* kSocketVariable = "KELPROBE_SIM";
 
-// Ends each process of this user that was started with this control socket in its environment,
-// except the calling process and its ancestors: with SIGTERM and, if it has not ended after
-// `grace`, with SIGKILL; without grace with SIGKILL at once. Returns when they have ended. A
-// process that was started without the variable is not found.
-void endProcessesOf(const std::filesystem::path& socket, std::chrono::milliseconds grace);
+// Which processes are those of a bench. One is enough of: it has the bench's socket in its
+// environment, it is in the program's process group, it descends from the calling process. The last
+// one is only for a bench that ends its own processes; the processes must then not be orphaned, see
+// PR_SET_CHILD_SUBREAPER.
+struct BenchProcesses {
+    std::filesystem::path socket;
+    std::optional<ProcessGroup> group = {};
+    bool descendants = false;
+};
+
+// Ends each of these processes that is not the calling process or an ancestor of it: with SIGTERM
+// and, if it has not ended after `grace`, with SIGKILL; without grace with SIGKILL at once. Returns
+// when they have ended. Reaps those that are children of the calling process.
+void endProcesses(const BenchProcesses& processes, std::chrono::milliseconds grace);
 
 } // namespace sim

@@ -19,6 +19,7 @@ namespace {
 constexpr std::string_view kPrefix = "kelprobe-sim.";
 constexpr const char* kLock = "lock";
 constexpr const char* kSocket = "control";
+constexpr const char* kGroup = "group";
 constexpr size_t kMaxSocketPath = 107; // of a socket's address
 
 fs::path temporaryDirectory()
@@ -44,14 +45,18 @@ bool lock(const FileDescriptor& file)
 {
     struct stat status = {};
     return file.get() >= 0 && flock(file.get(), LOCK_EX | LOCK_NB) == 0
-        && fstat(file.get(), &status) == 0 && status.st_nlink > 0;
+        && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 0;
 }
 
-bool isOwnDirectory(const fs::path& path)
+// As mkdtemp() makes it.
+bool isRunDirectory(const fs::path& path)
 {
+    constexpr size_t kRandomCharacters = 6;
+    const std::string name = path.filename();
     struct stat status = {};
-    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)
-        && status.st_uid == geteuid();
+    return name.starts_with(kPrefix) && name.size() == kPrefix.size() + kRandomCharacters
+        && lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)
+        && (status.st_mode & ALLPERMS) == S_IRWXU && status.st_uid == geteuid();
 }
 
 // The lock goes last: until then nobody takes the directory for one that is being made.
@@ -71,7 +76,9 @@ void removeIfDead(const fs::path& directory)
     if (file.get() < 0 && errno == ENOENT) {
         rmdir(directory.c_str()); // without a lock it is new: its bench then makes another
     } else if (lock(file)) {
-        endProcessesOf(directory / kSocket, std::chrono::milliseconds(0));
+        endProcesses(
+            {.socket = directory / kSocket, .group = ProcessGroup::load(directory / kGroup)},
+            std::chrono::milliseconds(0));
         removeContents(directory);
     }
 }
@@ -105,6 +112,11 @@ fs::path RunDirectory::socket() const
     return path_ / kSocket;
 }
 
+fs::path RunDirectory::group() const
+{
+    return path_ / kGroup;
+}
+
 RunDirectory::~RunDirectory()
 {
     removeContents(path_);
@@ -114,7 +126,7 @@ void removeDeadBenches()
 {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(temporaryDirectory(), ignored))
-        if (entry.path().filename().native().starts_with(kPrefix) && isOwnDirectory(entry.path()))
+        if (isRunDirectory(entry.path()))
             removeIfDead(entry.path());
 }
 

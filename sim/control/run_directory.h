@@ -20,6 +20,8 @@ public:
 
     const std::filesystem::path& path() const { return path_; }
     std::filesystem::path socket() const;
+    // The file for the program's ProcessGroup, by which a later bench finds it.
+    std::filesystem::path group() const;
 
 private:
     std::filesystem::path path_;

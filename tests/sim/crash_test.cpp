@@ -15,6 +15,17 @@ protected:
         }
         return count;
     }
+
+    // Waits for the file, in which a process writes its number. Whether it lives then.
+    static bool lives(const std::string& file)
+    {
+        while (test::content(file).find('\n') == std::string::npos)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const int pid = std::stoi(test::content(file));
+        return !test::content("/proc/" + std::to_string(pid) + "/cmdline").empty();
+    }
+
+    const test::TempDirectory files_;
 };
 
 TEST_F(Crash, NoProcessOfTheProgramOutlivesTheBench)
@@ -34,6 +45,44 @@ TEST_F(Crash, NoProcessOfTheProgramOutlivesTheBench)
     }
 }
 
+TEST_F(Crash, NoProcessThatHidesOutlivesTheBench)
+{
+    const std::string file = files_.path() + "pid";
+    const std::string sleeper
+        = "sh -c \"trap '' TERM; echo \\$\\$ >" + file + "; while :; do sleep 1; done\" 3>&- &";
+    const std::string program = files_.file("program", "env -i setsid " + sleeper + " read x");
+    start("kelprobe-sim run -i -- sh " + program);
+    EXPECT_TRUE(lives(file));
+    give("");
+    EXPECT_EQ(exitStatus(), 0);
+    EXPECT_FALSE(lives(file));
+
+    // In the program's group, those of a bench that was killed.
+    std::filesystem::remove(file);
+    start("kelprobe-sim run -i -- sh " + files_.file("program", "env -i " + sleeper + " read x"));
+    EXPECT_TRUE(lives(file));
+    kill(pid_, SIGKILL);
+    EXPECT_EQ(exitStatus(), -1);
+    EXPECT_TRUE(lives(file));
+    EXPECT_EQ(run("kelprobe-sim run -- true"), 0);
+    EXPECT_FALSE(lives(file));
+}
+
+TEST_F(Crash, ASecondSignalDoesNotShortenTheTimeToEnd)
+{
+    const std::string file = files_.path() + "file";
+    start("kelprobe-sim run -- sh -c 'sh -c \"trap \\\"echo >" + file + "; sleep .6; echo >>" + file
+        + "; exit\\\" TERM; echo ready >&2; while :; do sleep .05; done\" 2>&3 & sleep 60'");
+    EXPECT_EQ(lineWith("ready"), "ready");
+    kill(pid_, SIGTERM);
+    while (test::content(file).empty())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+    EXPECT_EQ(test::content(file), "\n\n");
+}
+
 TEST_F(Crash, TheNextBenchRemovesWhatAKilledOneLeft)
 {
     start("kelprobe-sim run -- sh -c 'setsid sleep 1000 3>&- & sim-client open gone'");
@@ -46,12 +95,22 @@ TEST_F(Crash, TheNextBenchRemovesWhatAKilledOneLeft)
     EXPECT_EQ(processesOf(path), 1U); // the first process ends with the bench
 
     // A bench that lives is left alone, as is what only has such a name.
-    const std::string foreign = directory() + "kelprobe-sim.file";
+    const std::string foreign = directory() + "kelprobe-sim.abcdef";
     std::ofstream(foreign) << "x";
+    const std::string longer = directory() + "kelprobe-sim.saved-data";
+    const std::string open = directory() + "kelprobe-sim.ABCDEF"; // for others
+    for (const std::string& other : {longer, open}) {
+        std::filesystem::create_directory(other);
+        std::ofstream(other + "/lock") << "x";
+    }
+    chmod(longer.c_str(), 0700);
+    chmod(open.c_str(), 0755);
     EXPECT_EQ(run("kelprobe-sim run -- kelprobe-sim run -- kelprobe-sim expect ring off"), 0);
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_EQ(processesOf(path), 0U);
     EXPECT_TRUE(std::filesystem::remove(foreign));
+    for (const std::string& other : {longer, open})
+        EXPECT_EQ(std::filesystem::remove_all(other), 2U) << other;
 }
 
 } // namespace
