@@ -40,12 +40,6 @@ CommandResult unknownCommand(std::string_view name)
         "unknown command " + std::string(name) + (hint.empty() ? "; try help" : hint));
 }
 
-std::string usageOf(const Command& command)
-{
-    return std::string(command.name) + (command.arguments.empty() ? "" : " ")
-        + std::string(command.arguments);
-}
-
 // Moves the options from `words` to `call`. Returns what is wrong with them.
 std::string takeOptions(
     const Command& command, std::span<const std::string_view> words, CommandCall& call)
@@ -121,6 +115,12 @@ void Answers::text(const std::string& line)
     Json::Value object;
     object["text"] = line;
     send(object);
+}
+
+std::string usageOf(const Command& command)
+{
+    return std::string(command.name) + (command.arguments.empty() ? "" : " ")
+        + std::string(command.arguments);
 }
 
 std::string commandHelp()

@@ -72,6 +72,9 @@ struct Command {
 // In the order of the help.
 [[nodiscard]] std::span<const Command> commands();
 
+// "press BUTTON [--hold]"
+[[nodiscard]] std::string usageOf(const Command& command);
+
 // The text of the command `help`: a line or more for each command.
 [[nodiscard]] std::string commandHelp();
 

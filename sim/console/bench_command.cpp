@@ -1,12 +1,13 @@
 #include "sim/console/bench_command.h"
 
 #include "sim/bench/command.h"
+#include "sim/bench/command_words.h"
+#include "sim/console/help_format.h"
 #include "sim/control/control_client.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 
 namespace sim {
@@ -26,46 +27,38 @@ std::string lineOf(const std::string& device, const CLI::App& command)
     return line;
 }
 
-std::string oneLine(std::string_view text)
-{
-    std::string line(text);
-    std::ranges::replace(line, '\n', ' ');
-    return line;
-}
-
 } // namespace
 
 std::string takeDeviceNumber(std::vector<std::string>& words)
 {
-    const auto isNumber = [](const std::string& word) {
-        return word.size() > 1 && word.back() == ':'
-            && std::all_of(
-                word.begin(), word.end() - 1, [](unsigned char c) { return std::isdigit(c) != 0; });
-    };
-    const bool hasSocket = !words.empty() && words.front() == kSocketOption;
-    const auto place
-        = words.begin() + std::min<std::ptrdiff_t>(hasSocket ? 2 : 0, std::ssize(words));
-    if (place == words.end() || !isNumber(*place))
+    auto place = words.begin();
+    if (place != words.end() && place->starts_with(kSocketOption))
+        place += std::min<std::ptrdiff_t>(*place == kSocketOption ? 2 : 1, std::ssize(words));
+    if (place == words.end())
         return {};
-    const std::string number = *place;
-    words.erase(place);
-    return number;
+    const std::string word = *place;
+    const size_t digits = std::min(word.find_first_not_of("0123456789"), word.size());
+    if (digits == 0 || word[digits] != ':')
+        return {};
+    place = words.erase(place);
+    const auto rest = splitWords(std::string_view(word).substr(digits + 1));
+    words.insert(place, rest.begin(), rest.end());
+    return word.substr(0, digits + 1);
 }
 
 void addBenchCommands(CLI::App& app, const std::string& device, Run& run)
 {
     const auto socket = std::make_shared<std::string>();
     app.add_option(kSocketOption, *socket,
-           "The control socket of the bench; default: that of the bench in which this runs")
+           "The control socket of the bench for a command;\n"
+           "default: that of the bench in which this runs")
         ->type_name("PATH");
     for (const Command& command : commands()) {
         if (command.name == "help" || command.help.empty())
             continue; // help is that of the program
         CLI::App* const added
-            = app.add_subcommand(std::string(command.name), oneLine(command.help));
-        added->group("For a running bench")->prefix_command();
-        added->footer("usage: kelprobe-sim " + std::string(command.name) + ' '
-            + std::string(command.arguments));
+            = app.add_subcommand(std::string(command.name), std::string(command.help));
+        added->group(kBenchGroup)->prefix_command()->footer("");
         added->callback([added, socket, device, &run] {
             run = [socket, line = lineOf(device, *added)] { return sendCommand(*socket, line); };
         });

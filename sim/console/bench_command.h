@@ -8,7 +8,7 @@
 namespace sim {
 
 // Removes the number of a device, "2:", from the words before the command, and returns it. Empty if
-// there is none.
+// there is none. The command may be in the same word, as in "2: press mute".
 [[nodiscard]] std::string takeDeviceNumber(std::vector<std::string>& words);
 
 // Adds each command of the bench, and the option --socket. `device` comes before the command that

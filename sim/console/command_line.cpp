@@ -2,6 +2,7 @@
 
 #include "sim/console/bench_command.h"
 #include "sim/console/device_commands.h"
+#include "sim/console/help_format.h"
 #include "sim/profile/profile.h"
 #include "tools/command_line/parse_outcome.h"
 
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace sim {
 namespace {
@@ -20,13 +22,15 @@ constexpr const char* kDescription
     = "Runs programs with simulated USB HID devices, and operates the devices.";
 
 constexpr const char* kFooter
-    = R"(Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
-PROGRAM or kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run;
-1 if the devices cannot be simulated or a replay differs; 2 for a mistake in the
-command line or in a file. Of the commands for a running bench: 0 done, 1 an
-expectation was not met, 2 not understood, 3 there is no bench.
+    = R"(Standard input of run and replay takes the commands for a running bench, too,
+one in a line. "2: press mute" is for the second device.
 
-"2: press mute" is for the second device.
+Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
+PROGRAM or kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run;
+1 if the devices cannot be simulated, a replay differs or standard output cannot
+be written; 2 for a mistake in the command line or in a file. Of the commands for
+a running bench: 0 done, 1 an expectation was not met, 2 not understood, 3 there
+is no bench.
 
 Example: kelprobe-sim run speakerphone -- sh -c 'kelprobectl list; kelprobe-sim devices')";
 
@@ -58,6 +62,7 @@ int parseAndRun(Words words)
         "--version", "kelprobe-sim " KELPROBE_VERSION, "Print the version and exit");
     app.set_help_flag("-h,--help", "Print this text and exit");
     app.require_subcommand(1);
+    app.formatter(std::make_shared<HelpFormat>());
     app.footer(kFooter);
     Run run;
     addDeviceCommands(app, words.program, run);

@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <cstdio>
 #include <memory>
 
@@ -40,6 +41,23 @@ The first difference is printed and ends PROGRAM; the exit status is 1 then.
 
 Example: kelprobe-sim replay meeting.hid --check -- kelprobe)";
 
+// Without a description of its own in the help.
+CLI::Validator range(int least, int most)
+{
+    return CLI::Range(least, most).description("");
+}
+
+// Empty if there is none.
+std::string speedMistake(const std::string& text)
+{
+    double speed = 0;
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, speed, std::chars_format::fixed);
+    const bool isNumber = result.ec == std::errc() && result.ptr == end;
+    return isNumber && speed >= 0.001 && speed <= 1000 ? ""
+                                                       : "expected a number from 0.001 to 1000";
+}
+
 struct DeviceOptions {
     ProfileOptions profile;
     std::string ids;
@@ -52,7 +70,7 @@ struct DeviceOptions {
             ->type_name("VVVV:PPPP");
         command.add_option("--name", name, "Product name of the device");
         command.add_option("--interface", interface, "Number of the interface with the controls")
-            ->check(CLI::Range(0, 31))
+            ->check(range(0, 31))
             ->type_name("N");
         command.add_flag("--no-out-endpoint", profile.noOutEndpoint,
             "The host sends output reports by control transfers");
@@ -113,7 +131,7 @@ int runProgram(const RunOptions& options, const Program& program)
 void addInputOption(CLI::App& command, bool& programTakesInput)
 {
     command.add_flag("-i,--interactive", programTakesInput,
-        "PROGRAM has standard input, and the terminal, instead of commands");
+        "PROGRAM has standard input, and the terminal,\ninstead of commands");
 }
 
 void addRunCommand(CLI::App& app, const Program& program, Run& run)
@@ -192,16 +210,17 @@ void addReplayCommand(CLI::App& app, const Program& program, Run& run)
         ->required()
         ->type_name("");
     command->add_option("--device", options->device, "Of several in the recording; default 1")
-        ->check(CLI::PositiveNumber)
+        ->check(range(1, 65535))
         ->type_name("N");
     command->add_option("--speed", options->replay.speed, "2 is twice as fast; default 1")
-        ->check(CLI::Range(0.001, 1000.0))
+        ->check(CLI::Validator(speedMistake, ""))
         ->type_name("N");
     command->add_flag(
         "--check", options->replay.check, "Compare what PROGRAM sends with the recording");
     command
         ->add_option("--within", options->within,
-            "With --check: how much later than recorded a report of PROGRAM may be; default 5s")
+            "With --check: how much later than recorded\n"
+            "a report of PROGRAM may be; default 5s")
         ->type_name("T");
     addInputOption(*command, options->programTakesInput);
     command->footer(kReplayFooter);
@@ -213,8 +232,9 @@ void addReplayCommand(CLI::App& app, const Program& program, Run& run)
 int printProfiles()
 {
     for (const Profile& profile : profiles())
-        printf("%-16s %04x:%04x  %s\n", profile.name.c_str(), unsigned{profile.info.vendorId},
-            unsigned{profile.info.productId}, profile.description.c_str());
+        printf("%-16s %04x:%04x  %s\n", text::printable(profile.name).c_str(),
+            unsigned{profile.info.vendorId}, unsigned{profile.info.productId},
+            text::printable(profile.description).c_str());
     return EXIT_SUCCESS;
 }
 
@@ -242,7 +262,7 @@ void addProfileCommand(CLI::App& app, Run& run)
         ->required()
         ->type_name("");
     command->add_option("--device", options->number, "Of several in the file; default 1")
-        ->check(CLI::PositiveNumber)
+        ->check(range(1, 65535))
         ->type_name("N");
     options->device.add(*command);
     command->footer("Example: kelprobe-sim profile bug-report.hid >bug-report.json");
@@ -259,7 +279,7 @@ void addDeviceCommands(CLI::App& app, const Program& program, Run& run)
 {
     addRunCommand(app, program, run);
     addReplayCommand(app, program, run);
-    app.add_subcommand("list", "List the built-in profiles")->callback([&run] {
+    app.add_subcommand("list", "List the built-in profiles")->footer("")->callback([&run] {
         run = [] { return printProfiles(); };
     });
     addProfileCommand(app, run);

@@ -1,6 +1,8 @@
 // kelprobe-sim run: its command line, what it prints, and how it ends.
 #include "tests/sim/sim_process.h"
 
+#include <pty.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -28,13 +30,39 @@ TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
             {"run --interface 32 -- p", "kelprobe-sim: --interface: Value 32 not in range", 2},
             {"replay -- p", "kelprobe-sim: RECORDING is required", 2},
             {"replay no-file -- p", "kelprobe-sim: no-file: No such file or directory", 2},
+            {"replay x --speed nan -- p", "kelprobe-sim: --speed: expected a number from", 2},
+            {"replay x --speed 0x1p3 -- p", "kelprobe-sim: --speed: expected a number from", 2},
+            {"replay x --device 0 -- p", "kelprobe-sim: --device: Value 0 not in range 1 to", 2},
+            {"profile x --device 99999999999999999999", "kelprobe-sim: --device: Value 999999", 2},
             {"press mute", "kelprobe-sim: there is no bench here; run this in", 3},
+            {"'2: press mute'", "kelprobe-sim: there is no bench here; run this in", 3},
+            {"--socket=/tmp/none 2: devices", "kelprobe-sim: no bench has the socket /tmp/no", 3},
+            {"2:devices", "kelprobe-sim: there is no bench here; run this in", 3},
             {"--socket /tmp/none press mute", "kelprobe-sim: no bench has the socket /tmp/none", 3},
         }) {
         start(std::string("env -u KELPROBE_SIM kelprobe-sim 2>&1 ") + arguments);
         EXPECT_EQ(line().substr(0, strlen(firstLine)), firstLine) << arguments;
         EXPECT_EQ(exitStatus(), status) << arguments;
     }
+}
+
+TEST_F(KelprobeSim, HelpShowsTheArgumentsOfEachCommand)
+{
+    const std::string all = outputOf("kelprobe-sim --help");
+    for (const auto& [command, usage] : {
+             std::pair{"press", "press BUTTON [--hold]"},
+             {"expect", "expect LAMP on|off|blink [--within T]"},
+             {"fault", "fault NAME [N|off]"},
+             {"run", "run [OPTIONS] [FILE|PROFILE]... -- PROGRAM [ARGUMENT...]"},
+         }) {
+        const std::string help = outputOf(std::string("kelprobe-sim --help ") + command);
+        EXPECT_NE(help.find(std::string("\nUsage: kelprobe-sim ") + usage + '\n'), help.npos)
+            << help;
+        EXPECT_TRUE(command == std::string("run") || all.find(usage) != all.npos) << command;
+    }
+    EXPECT_EQ(outputOf("for i in '' run replay profile press fault; do "
+                       "kelprobe-sim $i --help; done | grep '.\\{101\\}'"),
+        "");
 }
 
 TEST_F(KelprobeSim, SaysWhyItCannotSimulateDevices)
@@ -152,6 +180,73 @@ TEST_F(KelprobeSim, EndsTheProgramWhenASignalEndsIt)
         kill(pid_, signal);
         EXPECT_EQ(exitStatus(), 128 + signal) << program;
     }
+}
+
+TEST_F(KelprobeSim, InputDoesNotDelayTheEnd)
+{
+    EXPECT_EQ(run("bash -c 'yes press mute | timeout 10 kelprobe-sim run -- true >/dev/null'"), 0);
+}
+
+TEST_F(KelprobeSim, ReportsThatItsOutputCannotBeWritten)
+{
+    for (const auto& [command, status] : {
+             std::pair{"kelprobe-sim run -- sim-client open >/dev/full", 1},
+             {"kelprobe-sim run -- sh -c 'sim-client open; exit 5' >/dev/full", 5},
+             {"kelprobe-sim run -- sh -c 'kelprobe-sim lamps 2>&3 >/dev/full'", 1},
+             {"kelprobe-sim list >/dev/full", 1},
+         }) {
+        start(std::string(command) + " 2>&3");
+        EXPECT_EQ(lineWith("standard"), "kelprobe-sim: standard output: No space left on device");
+        EXPECT_EQ(exitStatus(), status) << command;
+    }
+    EXPECT_EQ(run("bash -o pipefail -c 'kelprobe-sim run -- sim-client open | true'"), 0);
+}
+
+// Of bash, which knows only kelprobe-sim and not the program.
+TEST_F(KelprobeSim, AnInteractiveProgramCanBeStoppedAndContinued)
+{
+    int terminal = -1;
+    const pid_t shell = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (shell == 0) {
+        setenv("PATH", (std::string(KELPROBE_SIM_PATH ":") + getenv("PATH")).c_str(), 1);
+        setenv("PS1", "> ", 1);
+        execlp("bash", "bash", "--norc", "--noediting", "-i", nullptr);
+        _exit(127);
+    }
+    std::string shown;
+    const auto waitFor = [&](const std::string& text) {
+        char buffer[4096];
+        for (pollfd input{terminal, POLLIN, 0};
+             shown.find(text) == shown.npos && poll(&input, 1, 20'000) > 0;) {
+            const ssize_t size = read(terminal, buffer, sizeof buffer);
+            if (size <= 0)
+                break;
+            shown.append(buffer, static_cast<size_t>(size));
+        }
+        EXPECT_NE(shown.find(text), shown.npos) << text << " is not in: " << shown;
+        shown.clear();
+    };
+    for (const auto& [typed, expected] : {
+             std::pair{
+                 "kelprobe-sim run -i -- sh -c 'echo started; exec sed -u s/a/A/'\n", "started\r"},
+             {"\x1a", "Stopped"},
+             {"jobs\n", "Stopped"},
+             {"fg\n", "kelprobe-sim run"},
+             {"can\n", "cAn"},
+             {"\x04", "> "},
+             {"exit 3\n", "exit"},
+         }) {
+        EXPECT_GT(write(terminal, typed, strlen(typed)), 0);
+        waitFor(expected);
+        if (HasFailure())
+            break;
+    }
+    int status = 0;
+    if (HasFailure())
+        kill(shell, SIGHUP);
+    waitpid(shell, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    close(terminal);
 }
 
 // As in the documentation, and in CI.
