@@ -1,27 +1,45 @@
-# bash completion for kelprobe-sim. The words come from the help of the program itself.
+# bash completion for kelprobe-sim. Its words come from the help of the program itself; buttons,
+# lamps and faults from the bench in which the shell runs.
+
+# _kelprobe_sim_words [COMMAND]: what can follow.
+_kelprobe_sim_words()
+{
+    local help kind=
+    help=$(kelprobe-sim "$@" --help 2>/dev/null)
+    sed -nE 's/^  (-[a-z],)?(--[a-z-]+).*/\2/p' <<<"$help"
+    [[ $# -gt 0 ]] || sed -nE 's/^  ([a-z]+)  .*/\1/p' <<<"$help"
+    sed -nE 's/^Usage: kelprobe-sim [a-z]+ //p' <<<"$help" | tr ' |[]' '\n' |
+        grep -E '^(--)?[a-z][a-z-]*$'
+    case $1 in
+        run) kelprobe-sim list 2>/dev/null | cut -d ' ' -f 1 ;;
+        press | release) kind=buttons ;;
+        expect) kind=lamps ;;
+        fault) kind=faults ;;
+    esac
+    [[ -z $kind ]] || kelprobe-sim devices --json 2>/dev/null | grep -o "\"$kind\":\[[^]]*\]" |
+        grep -o '"name":"[^"]*"' | cut -d '"' -f 4
+}
+
 _kelprobe_sim()
 {
-    local word=${COMP_WORDS[COMP_CWORD]} command= words i
-    COMPREPLY=()
+    local word=${COMP_WORDS[COMP_CWORD]} command= i
     for ((i = 1; i < COMP_CWORD; i++)); do
-        if [[ ${COMP_WORDS[i]} == -- ]]; then
-            if ((i == COMP_CWORD - 1)); then # the program that is run
-                COMPREPLY=($(compgen -c -- "$word"))
-            else
-                COMPREPLY=($(compgen -f -- "$word"))
-            fi
-            return
-        fi
-        [[ -n $command || ${COMP_WORDS[i]} == -* ]] || command=${COMP_WORDS[i]}
+        case ${COMP_WORDS[i]} in
+            --)
+                _command_offset $((i + 1)) # the program that is run
+                return
+                ;;
+            --socket) ((++i)) ;;
+            -* | *:) ;;
+            *) [[ -n $command ]] || command=${COMP_WORDS[i]} ;;
+        esac
     done
-    if [[ $word == -* ]]; then
-        words=$(kelprobe-sim $command --help 2>/dev/null | grep -oE -- '--[a-z][a-z-]+')
-    elif [[ -z $command ]]; then
-        words=$(kelprobe-sim --help 2>/dev/null | sed -nE 's/^ {0,2}([a-z][a-z-]*)  +.*/\1/p')
-    elif [[ $command == run || $command == profile || $command == replay ]]; then
-        COMPREPLY=($(compgen -f -- "$word"))
-        [[ $command != run ]] || words=$(kelprobe-sim list 2>/dev/null | sed -nE 's/^ *([a-z][a-z-]*)  *.*/\1/p')
+    COMPREPLY=()
+    if [[ ${COMP_WORDS[COMP_CWORD - 1]} != --socket ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(_kelprobe_sim_words $command)" -- "$word")
+        [[ $word == -* || ! $command =~ ^(run|replay|profile)$ ]] && return
     fi
-    COMPREPLY+=($(compgen -W "$words" -- "$word"))
+    mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "$word")
+    compopt -o filenames 2>/dev/null
 }
-complete -o filenames -o bashdefault -F _kelprobe_sim kelprobe-sim
+complete -F _kelprobe_sim kelprobe-sim

@@ -1,16 +1,53 @@
-# fish completion for kelprobe-sim. The words come from the help of the program itself.
+# fish completion for kelprobe-sim. Its words come from the help of the program itself; buttons,
+# lamps and faults from the bench in which the shell runs.
+
+# The command, if there is one before the cursor.
 function __kelprobe_sim_command
-    set -l words (commandline -opc)
-    test (count $words) -gt 1; and string match -rv -- '^-' $words[2]
+    set -l words (commandline -opc)[2..]
+    while set -q words[1]
+        switch $words[1]
+            case --socket
+                set -e words[1]
+            case '-*' '*:'
+            case '*'
+                echo $words[1]
+                return
+        end
+        set -e words[1]
+    end
 end
-function __kelprobe_sim_runs
-    contains -- (__kelprobe_sim_command) run profile replay
+
+function __kelprobe_sim_names # KIND
+    kelprobe-sim devices --json 2>/dev/null | string match -r "\"$argv\":\[[^]]*\]" |
+        string match -ra '"name":"[^"]*"' | string split -f 4 '"'
 end
+
+# What can follow the command, or its name.
+function __kelprobe_sim_words
+    set -l command (__kelprobe_sim_command)
+    set -l help (kelprobe-sim $command --help 2>/dev/null)
+    printf '%s\n' $help | string replace -rf '^  (?:-[a-z],)?(--[a-z-]+).*' '$1'
+    set -q command[1]
+    or printf '%s\n' $help | string replace -rf '^  ([a-z]+)  .*' '$1'
+    printf '%s\n' $help | string replace -rf '^Usage: kelprobe-sim [a-z]+ ' '' |
+        string match -ra '(?:--)?\b[a-z][a-z-]*\b'
+    switch "$command"
+        case run
+            kelprobe-sim list 2>/dev/null | string split -f 1 ' '
+        case press release
+            __kelprobe_sim_names buttons
+        case expect
+            __kelprobe_sim_names lamps
+        case fault
+            __kelprobe_sim_names faults
+    end
+end
+
 complete -c kelprobe-sim -f
-complete -c kelprobe-sim -n 'not __kelprobe_sim_command' \
-    -a "(kelprobe-sim --help 2>/dev/null | sed -nE 's/^ {0,2}([a-z][a-z-]*)  +(.*)/\1\t\2/p')"
-complete -c kelprobe-sim -n 'string match -q -- "-*" (commandline -ct)' \
-    -a "(kelprobe-sim (__kelprobe_sim_command) --help 2>/dev/null | grep -oE -- '--[a-z][a-z-]+')"
-complete -c kelprobe-sim -n __kelprobe_sim_runs -F
-complete -c kelprobe-sim -n '__kelprobe_sim_runs; and contains -- run (__kelprobe_sim_command)' \
-    -a "(kelprobe-sim list 2>/dev/null | sed -nE 's/^ *([a-z][a-z-]*)  *(.*)/\1\t\2/p')"
+complete -c kelprobe-sim -n 'not contains -- -- (commandline -opc)' -a '(__kelprobe_sim_words)'
+complete -c kelprobe-sim -l socket -r -F -n 'not __kelprobe_sim_command'
+complete -c kelprobe-sim -n 'contains -- (__kelprobe_sim_command) run replay profile
+    and not contains -- -- (commandline -opc)' -F
+# The program that is run.
+complete -c kelprobe-sim -n 'contains -- -- (commandline -opc)' \
+    -a '(complete -C (string split -m 1 -f 2 -- "-- " (commandline -cp)))'
