@@ -182,7 +182,8 @@ TEST_F(Delivery, LeavesNothingOfPlugCyclesUnderTraffic)
     }
     // Files that the last cycle before had left were still being closed.
     EXPECT_TRUE(eventually(
-        [&] { return std::ranges::equal(resources(), before, std::ranges::less_equal()); }));
+        [&] { return std::ranges::equal(resources(), before, std::ranges::less_equal()); }))
+        << testing::PrintToString(before) << ", then " << testing::PrintToString(resources());
     claim();
 }
 
