@@ -325,6 +325,8 @@ TEST_F(Check, TakesPressesFromARecording)
         {descriptor, wrong, 1,
             {"Flash came without Hook Switch.", "sent an input report of 2 bytes"}},
         {descriptor, {{3, 1, 0}}, 0, {"The recording has no further press of the mute button."}},
+        {descriptor, {{3, 1, 0}, {3, 0, 0}, {3, 1, 0}, {3, 3, 0}, {3, 1, 0}}, 0, // in a call only
+            {"The recording has no further press of the reject button."}},
         {descriptor, {}, 0, {"has no press of a button; record a meeting"}},
         {descriptor, {{5, 1, 0}, {3, 0}}, 1, {"an input report with the id 5"}}, // before a press
         {descriptor, {{3, 0}, {3, 1, 0}}, 1, {"an input report of 2 bytes"}},

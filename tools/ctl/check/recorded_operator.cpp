@@ -49,7 +49,7 @@ RecordedOperator::RecordedPress* RecordedOperator::find(ControlId control, bool 
             continue;
         if (control == ControlId::kHookSwitch || press.offHook == offHook)
             return &press;
-        if (!other)
+        if (!other && !press.offHook)
             other = &press;
     }
     return other;

@@ -34,8 +34,8 @@ private:
         Reports reports = {};
     };
 
-    // The first unused press of the control during a call, or not during one, else any; null if
-    // there is none.
+    // The first unused press of the control during a call, or not during one. Else the first that
+    // does not have the hook switch, which has no meaning of its own then; null if there is none.
     RecordedPress* find(ControlId control, bool offHook);
 
     RecordedDevice& device_;
