@@ -49,7 +49,7 @@ QJsonObject speakerphone()
             QJsonArray{fault("claim", "claim is refused", true),
                 fault("write", "writes are refused", true),
                 fault("open", "opening is not permitted", false),
-                fault("short", "the descriptor ends after N bytes", true)}}};
+                fault("short", "the report descriptor is cut off", true)}}};
 }
 
 FakeBench::FakeBench()

@@ -177,9 +177,11 @@ TEST_P(PanelWindow, AButtonIsDownAsLongAsTheMouseOrTheKeyIs)
 
     fake_.commands.clear();
     QTest::mousePress(window_, Qt::LeftButton, {}, place.center());
-    fake_.setPlugged(false); // while it is down
-    EXPECT_TRUE(commandsAre({"1: press mute --hold", "1: release mute"}));
+    EXPECT_TRUE(commandsAre({"1: press mute --hold"}));
+    fake_.setPlugged(false); // the device lets go by itself
+    EXPECT_TRUE(waitFor([&] { return spoken(item("button-mute")) == "Phone Mute"; }));
     QTest::mouseRelease(window_, Qt::LeftButton, {}, place.center());
+    EXPECT_TRUE(commandsAre({"1: press mute --hold"}));
 }
 
 TEST_P(PanelWindow, SwitchesShowThePositionOfTheDevice)
@@ -422,6 +424,14 @@ TEST(PanelProgram, EndsWithAReasonIfThereIsNothingToShow)
         EXPECT_TRUE(printed.startsWith(error)) << printed.toStdString();
         EXPECT_EQ(printed.count('\n'), 1) << printed.toStdString();
     }
+}
+
+TEST_P(PanelWindow, CtrlQEndsTheProgram)
+{
+    QTimer::singleShot(
+        0, window_, [this] { QTest::keyClick(window_, Qt::Key_Q, Qt::ControlModifier); });
+    QTimer::singleShot(10'000, window_, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QGuiApplication::exec(), 0);
 }
 
 } // namespace

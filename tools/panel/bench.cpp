@@ -60,7 +60,8 @@ void Bench::takeEvent(const QJsonObject& event)
     if (Device* const device = find(numberOf(event, "device")))
         device->apply(event);
     const QString kind = event[QLatin1String("event")].toString();
-    const bool changesButtons = kind == QLatin1String("input") || kind == QLatin1String("unplugged");
+    const bool changesButtons
+        = kind == QLatin1String("input") || kind == QLatin1String("unplugged");
     if (changesButtons && !refresh_.isActive())
         refresh_.start();
 }

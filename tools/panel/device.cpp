@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace panel {
 namespace {
 
@@ -103,8 +105,11 @@ void Device::apply(const QJsonObject& event)
         setHook(event[QLatin1String("position")].toString());
     else if (kind == QLatin1String("opened") || kind == QLatin1String("closed"))
         set(QStringLiteral("open"), kind == QLatin1String("opened"));
-    else if (kind == QLatin1String("plugged") || kind == QLatin1String("unplugged"))
+    else if (kind == QLatin1String("plugged") || kind == QLatin1String("unplugged")) {
+        for (const QString& button : std::exchange(held_, {})) // none is down without power
+            buttons_.set(button, kPressed, false);
         set(QStringLiteral("plugged"), kind == QLatin1String("plugged"));
+    }
     const PartModel& parts = kind == QLatin1String("lamp") ? lamps_ : faults_;
     if (auto entry
         = logEntryFor(event, parts.value(name, QStringLiteral("label")).toString(name))) {

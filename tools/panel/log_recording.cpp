@@ -2,8 +2,9 @@
 
 #include "report/format/recording.h"
 
-#include <QFileInfo>
+#include <QFile>
 #include <QSaveFile>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -89,8 +90,12 @@ QString saveRecording(
     const auto text = recordingText(device, entries);
     if (!text)
         return failure + QStringLiteral("it would have more than 64 MiB");
-    if (const QFileInfo existing(path); existing.exists() && !existing.isFile()) {
-        QFile file(path); // QSaveFile would replace a pipe or a device by a file
+    struct stat status = {};
+    const bool exists = stat(QFile::encodeName(path).constData(), &status) == 0;
+    if (exists && !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode))
+        return failure + QStringLiteral("it is not a file"); // a pipe could block
+    if (exists && S_ISCHR(status.st_mode)) {
+        QFile file(path); // QSaveFile would replace the device by a file
         const bool written = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
             && file.write(*text) == text->size();
         return written ? QString() : failure + file.errorString();

@@ -13,7 +13,7 @@ namespace panel {
 [[nodiscard]] std::optional<QByteArray> recordingText(
     const QJsonObject& device, const std::deque<LogEntry>& entries);
 
-// Writes it into a file, which appears under its name when it is complete, or into a pipe or
+// Writes it into a file, which appears under its name when it is complete, or into a character
 // device. Returns an empty text, or in one line what went wrong; an earlier file of the name is
 // unchanged then. Blocks as long as the file system does.
 [[nodiscard]] QString saveRecording(

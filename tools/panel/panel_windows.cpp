@@ -1,5 +1,6 @@
 #include "tools/panel/panel_windows.h"
 
+#include <QCoreApplication>
 #include <QQmlComponent>
 #include <QScreen>
 
@@ -37,6 +38,8 @@ PanelWindows::PanelWindows(Bench& bench, Theme& theme)
 {
     qmlRegisterSingletonInstance("Kelprobe.Panel", 1, 0, "Theme", &theme);
     qmlRegisterSingletonInstance("Kelprobe.Panel", 1, 0, "Bench", &bench);
+    QObject::connect(
+        &engine_, &QQmlEngine::quit, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
 bool PanelWindows::open(std::optional<int> device)

@@ -52,9 +52,9 @@ AbstractButton {
         onTriggered: button.keyDown = false
     }
 
-    ToolTip.visible: hovered
+    ToolTip.visible: hovered && !held
     ToolTip.text: label.truncated ? text + "\n" + description : description
-    ToolTip.delay: 500
+    ToolTip.delay: 1000
 
     contentItem: Label {
         id: label
@@ -75,6 +75,7 @@ AbstractButton {
             anchors.fill: parent
             radius: 5
             color: Theme.edge
+            visible: button.enabled // would show through the face
         }
         Rectangle {
             anchors.fill: parent

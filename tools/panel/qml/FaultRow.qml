@@ -16,7 +16,8 @@ GridLayout {
     signal flipped(bool wanted, string count)
 
     function arm() {
-        if (takesLength && count.text === "")
+        const missing = count.text === "" ? takesLength : !count.acceptableInput
+        if (takesCount && missing)
             return count.forceActiveFocus(Qt.OtherFocusReason)
         // The field cannot be used while the fault is on.
         if (count.activeFocus)
@@ -48,7 +49,7 @@ GridLayout {
         placeholderText: row.takesLength ? qsTr("bytes") : qsTr("times")
         label: qsTr("%1, %2").arg(row.label).arg(placeholderText)
         inputMethodHints: Qt.ImhDigitsOnly
-        validator: IntValidator { bottom: 1; top: 999999 }
+        validator: IntValidator { bottom: row.takesLength ? 0 : 1; top: 999999 }
         horizontalAlignment: TextInput.AlignRight
         onAccepted: row.arm()
     }

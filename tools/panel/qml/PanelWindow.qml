@@ -18,9 +18,10 @@ ApplicationWindow {
     height: Math.min(640, Screen.desktopAvailableHeight)
     minimumWidth: Math.min(560, Screen.desktopAvailableWidth)
     minimumHeight: Math.min(360, Screen.desktopAvailableHeight)
-    title: Bench.deviceCount > 1
-        ? qsTr("%1 (%2 of %3) - Kelprobe panel").arg(device.name).arg(device.number).arg(Bench.deviceCount)
-        : qsTr("%1 - Kelprobe panel").arg(device.name)
+    // The name is not an argument of arg(): it may contain %1.
+    title: device.name + " " + (Bench.deviceCount > 1
+        ? qsTr("(%1 of %2) - Kelprobe panel").arg(device.number).arg(Bench.deviceCount)
+        : qsTr("- Kelprobe panel"))
     color: Theme.window
     palette: Theme.palette
     font.pixelSize: Theme.fontSize
@@ -40,7 +41,7 @@ ApplicationWindow {
         onActivated: window.close()
     }
     Shortcut {
-        sequences: [StandardKey.Quit, "Ctrl+Q"]
+        sequence: "Ctrl+Q"
         onActivated: Qt.quit()
     }
 

@@ -1,5 +1,5 @@
-// A switch with a text for each position, left of it. It shows `on`, which a click does not change: whoever
-// uses the switch does what `flipped` asks for.
+// A switch with a text for each position, left of it. A click does not change `on`; it emits
+// flipped().
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import Kelprobe.Panel 1.0
