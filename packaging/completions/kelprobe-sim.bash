@@ -14,7 +14,7 @@ _kelprobe_sim_words()
         run) kelprobe-sim list 2>/dev/null | cut -d ' ' -f 1 ;;
         press | release) kind=buttons ;;
         expect) kind=lamps ;;
-        fault) kind=faults ;;
+        fault) kind=faults && printf '%s\n' flood none ;;
     esac
     [[ -z $kind ]] || kelprobe-sim devices --json 2>/dev/null | grep -o "\"$kind\":\[[^]]*\]" |
         grep -o '"name":"[^"]*"' | cut -d '"' -f 4

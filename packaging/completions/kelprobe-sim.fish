@@ -39,6 +39,7 @@ function __kelprobe_sim_words
         case expect
             __kelprobe_sim_names lamps
         case fault
+            printf '%s\n' flood none
             __kelprobe_sim_names faults
     end
 end

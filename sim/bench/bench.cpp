@@ -40,6 +40,11 @@ void Bench::dispatch()
     }
 }
 
+bool Bench::isHeld() const
+{
+    return outputIsFull() && std::ranges::none_of(listeners_, &BenchListener::needsEvents);
+}
+
 void Bench::tick()
 {
     if (!isHeld()) {

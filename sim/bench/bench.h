@@ -20,6 +20,8 @@ public:
     // Called at nextTick(), if not before, and after events.
     virtual void onTick() { }
     [[nodiscard]] virtual std::optional<Time> nextTick() const { return std::nullopt; }
+    // Whether it waits for events.
+    [[nodiscard]] virtual bool needsEvents() const { return false; }
 };
 
 // Only the thread that makes the object may use it.
@@ -55,8 +57,11 @@ public:
     std::function<void()> onQuit = [] {};
     // While this is true, no device is idle.
     std::function<bool()> isPlaying = [] { return false; };
-    // While this is true, tick() takes no events, so that the program waits when the queue is full.
-    std::function<bool()> isHeld = [] { return false; };
+    // Whether the bench's output is read too slowly, or not at all.
+    std::function<bool()> outputIsFull = [] { return false; };
+    // While this is true, tick() takes no events, so that the program waits when the queue is full:
+    // while the output is full, unless a listener needs events.
+    [[nodiscard]] bool isHeld() const;
 
     [[nodiscard]] CommandResult checkIdle(BenchDevice& device);
     [[nodiscard]] Json::Value devicesJson();

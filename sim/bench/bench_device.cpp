@@ -253,6 +253,8 @@ std::vector<BenchEvent> BenchDevice::complete(BenchEvent event)
         open_ = event.kind == Kind::kOpened;
     if (event.kind == Kind::kPlugged || event.kind == Kind::kUnplugged)
         plugged_ = event.kind == Kind::kPlugged;
+    if (event.kind == Kind::kUnplugged)
+        device_.panel().forgetReports(); // all that were sent before have been explained
     explain(event);
     const auto following = [&event](Kind kind, std::string_view name, const std::string& state) {
         BenchEvent next{.device = event.device, .kind = kind, .time = event.time};

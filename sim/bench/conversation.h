@@ -29,6 +29,7 @@ private:
     void onEvent(const BenchEvent& event) override;
     void onTick() override;
     std::optional<Time> nextTick() const override;
+    bool needsEvents() const override { return wait_ || streams_; }
     void startLines();
     void start(std::string_view line);
     void finishWait();

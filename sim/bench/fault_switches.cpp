@@ -26,8 +26,7 @@ constexpr std::array<FaultSwitches::Switch, 7> kSwitches{{
     {"claim", "claiming the interface is refused", true, &DeviceFaults::refuseClaim},
     {"detach", "detaching the kernel's driver is refused", true, &DeviceFaults::refuseDetach},
     {"stall", "reading the report descriptor fails", true, &DeviceFaults::stallReportDescriptor},
-    {"short", "the report descriptor ends after N bytes", true,
-        &DeviceFaults::shortenReportDescriptor},
+    {"short", "the report descriptor is cut off", true, &DeviceFaults::shortenReportDescriptor},
     {"strings", "reading names fails", true, &DeviceFaults::stallStrings},
     {"write", "output reports are refused", true, &DeviceFaults::failWrite},
 }};
@@ -86,6 +85,8 @@ CommandResult FaultSwitches::switchOn(std::string_view name, std::optional<int> 
             return {kNotUnderstood, "fault short takes a length in bytes, or off"};
         device_.faults().shortLength = static_cast<size_t>(*number);
         fault(*entry)->arm();
+    } else if (number == 0) {
+        return {kNotUnderstood, "fault " + std::string(name) + " takes a number from 1, or off"};
     } else {
         fault(*entry)->arm(number.value_or(Fault::kAlways));
     }

@@ -87,7 +87,7 @@ ClientProcess::ClientProcess(
 {
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     if (hasTerminal_)
-        std::signal(SIGTTOU, SIG_IGN); // which a background group gets when it sets the foreground
+        std::signal(SIGTTOU, SIG_IGN); // sent when a background group calls tcsetpgrp()
     // GLib by default opens /dev/null as the child's standard input.
     unsigned flags = G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD;
     flags |= G_SPAWN_LEAVE_DESCRIPTORS_OPEN;

@@ -29,8 +29,8 @@ Exit status of run and replay: that of PROGRAM, or 128 + the signal that ended
 PROGRAM or kelprobe-sim; 127 if PROGRAM is not found, 126 if it cannot be run;
 1 if the devices cannot be simulated, a replay differs or standard output cannot
 be written; 2 for a mistake in the command line or in a file. Of the commands for
-a running bench: 0 done, 1 an expectation was not met, 2 not understood, 3 there
-is no bench.
+a running bench: 0 done, 1 an expectation was not met, the device cannot do it or
+standard output cannot be written, 2 not understood, 3 there is no bench.
 
 Example: kelprobe-sim run speakerphone -- sh -c 'kelprobectl list; kelprobe-sim devices')";
 

@@ -41,7 +41,7 @@ The first difference is printed and ends PROGRAM; the exit status is 1 then.
 
 Example: kelprobe-sim replay meeting.hid --check -- kelprobe)";
 
-// Without a description of its own in the help.
+// The help has no separate text for it.
 CLI::Validator range(int least, int most)
 {
     return CLI::Range(least, most).description("");

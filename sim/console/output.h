@@ -26,7 +26,7 @@ public:
 
     // The number of bytes that are not written yet. It has no limit of its own.
     [[nodiscard]] size_t waiting() const { return text_.size(); }
-    // Nobody reads, or too slowly. What makes lines should pause.
+    // The reader is slow or absent. The caller should stop producing lines.
     [[nodiscard]] bool isFull() const { return waiting() >= kEnough; }
 
     // Writes what the stream takes now.

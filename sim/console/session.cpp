@@ -63,7 +63,7 @@ public:
               directory_.group(), options.programTakesInput}
     {
         bench_.onQuit = [this] { interrupt(EXIT_SUCCESS); };
-        bench_.isHeld = [this] { return output_.isFull() || errors_.isFull(); };
+        bench_.outputIsFull = [this] { return output_.isFull() || errors_.isFull(); };
         if (options.replay)
             startReplay(*options.replay);
         if (!options.programTakesInput)
@@ -113,7 +113,7 @@ private:
     {
         constexpr std::chrono::milliseconds kLimit{500}; // a client of the socket may go on
         const auto deadline = std::chrono::steady_clock::now() + kLimit;
-        bench_.isHeld = [] { return false; };
+        bench_.outputIsFull = [] { return false; };
         while (g_main_context_iteration(nullptr, FALSE)
             && std::chrono::steady_clock::now() < deadline) { }
         bench_.tick();

@@ -12,9 +12,9 @@ namespace sim {
 // The environment variable that names the control socket to the program and its children.
 inline constexpr const char* kSocketVariable = "KELPROBE_SIM";
 
-// Which processes are those of a bench. One is enough of: it has the bench's socket in its
-// environment, it is in the program's process group, it descends from the calling process. The last
-// one is only for a bench that ends its own processes; the processes must then not be orphaned, see
+// Which processes are those of a bench. A process is one if it has the bench's socket in its
+// environment, is in the program's process group, or descends from the calling process. The last is
+// only for a bench that ends its own processes, which must not be orphaned then: see
 // PR_SET_CHILD_SUBREAPER.
 struct BenchProcesses {
     std::filesystem::path socket;

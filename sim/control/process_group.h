@@ -9,11 +9,11 @@ namespace sim {
 
 class ProcessGroup {
 public:
-    // That of a process that leads its group. No value if there is no such process.
+    // The group that this process leads. No value if there is no such process.
     [[nodiscard]] static std::optional<ProcessGroup> ledBy(pid_t leader);
 
-    // No value if the file cannot be read, or if its group was one before the latest start of the
-    // system, or if another group has that number now.
+    // No value if the file cannot be read, or if the group is from before the last boot, or if
+    // another group has that number now.
     [[nodiscard]] static std::optional<ProcessGroup> load(const std::filesystem::path& file);
     void save(const std::filesystem::path& file) const; // failure is ignored
 

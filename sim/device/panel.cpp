@@ -173,6 +173,11 @@ void Panel::losePower()
         if (lamps_[i])
             switchLamp(i, false);
     std::erase_if(pressed_, [this](const Control* button) { return !isSwitch(*button); });
+}
+
+void Panel::forgetReports()
+{
+    const std::lock_guard lock(mutex_);
     words_.emplace(layout_, names_);
 }
 

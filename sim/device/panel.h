@@ -82,9 +82,11 @@ public:
     void losePower();
 
     // What a report means: "Hook Switch on". Only what changed since the last report of the same
-    // kind and id that was passed, or since power was lost; empty if nothing did. Input reports as
+    // kind and id that was passed, or since forgetReports(); empty if nothing did. Input reports as
     // on the wire, others with the id first.
     [[nodiscard]] std::vector<std::string> meaning(report::ReportKind kind, const Bytes& report);
+    // After losePower(), when all reports from before it have been passed to meaning().
+    void forgetReports();
 
 private:
     // The caller holds the lock.

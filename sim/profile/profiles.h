@@ -41,7 +41,8 @@ struct ProfileOptions {
 // any file that report::readDescriptors() reads. Only the file that is meant is read. A profile
 // gives one device. In other files, descriptors of several interfaces of one device become one
 // device: those of usbhid-dump with the same bus and device, and those of a recording with the same
-// ids and physical path but for the interface. Blocks while files are read. Throws ProfileError.
+// ids and the same physical path except for the interface. Blocks while files are read. Throws
+// ProfileError.
 [[nodiscard]] std::vector<Profile> loadProfiles(
     const std::string& nameOrFile, const ProfileOptions& options = {});
 

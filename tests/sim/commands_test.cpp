@@ -141,6 +141,7 @@ TEST_F(Commands, TellAFaultWithTheNumberZeroFromOneThatIsOff)
              {"fault none off", "2 fault none takes no number", ""},
              {"fault none", "0", "--   fault open off\n"},
              {"fault open off", "0", ""},
+             {"fault write 0", "2 fault write takes a number from 1, or off", ""},
              {"fault flood off", "2 fault flood takes a number of reports from 1 to 65536", ""},
          }) {
         EXPECT_EQ(give(command), answer) << command;

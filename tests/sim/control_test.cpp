@@ -231,10 +231,12 @@ TEST_F(Control, ATranscriptThatNobodyReadsStopsNeitherCommandsNorSignals)
     EXPECT_EQ(exitStatus(), 0);
 
     for (const int signal : {SIGTERM, SIGINT}) {
-        start("kelprobe-sim run -- sleep 60");
+        start("kelprobe-sim run -- sh -c 'sleep 1; "
+              "kelprobectl lamp ring on --for 60'");
         ControlClient client(socket());
         for (int i = 0; i < 5000; ++i)
             ASSERT_EQ(client.answer("raw 030000"), "{\"status\":0}\n");
+        ASSERT_EQ(client.answer("expect ring on --within 20s"), "{\"status\":0}\n");
         kill(pid_, signal);
         EXPECT_TRUE(endsUnread()) << signal;
         EXPECT_EQ(exitStatus(), 128 + signal);

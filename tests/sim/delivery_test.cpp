@@ -181,9 +181,10 @@ TEST_F(Delivery, LeavesNothingOfPlugCyclesUnderTraffic)
         libusb_free_device_list(list, 1);
     }
     // Files that the last cycle before had left were still being closed.
-    EXPECT_TRUE(eventually(
-        [&] { return std::ranges::equal(resources(), before, std::ranges::less_equal()); }))
-        << testing::PrintToString(before) << ", then " << testing::PrintToString(resources());
+    EXPECT_TRUE(eventually([&] {
+        return std::ranges::equal(resources(), before, std::ranges::less_equal());
+    })) << testing::PrintToString(before)
+        << ", then " << testing::PrintToString(resources());
     claim();
 }
 

@@ -202,7 +202,7 @@ TEST_F(KelprobeSim, ReportsThatItsOutputCannotBeWritten)
     EXPECT_EQ(run("bash -o pipefail -c 'kelprobe-sim run -- sim-client open | true'"), 0);
 }
 
-// Of bash, which knows only kelprobe-sim and not the program.
+// Bash, which has started kelprobe-sim, does not know of the program that this runs.
 TEST_F(KelprobeSim, AnInteractiveProgramCanBeStoppedAndContinued)
 {
     int terminal = -1;

@@ -72,8 +72,8 @@ protected:
         fflush(input_);
     }
 
-    // Gives lines of blanks until the program does not read for half a second. Returns the number
-    // of bytes; it gives at most a megabyte.
+    // Writes blank lines until the program has read nothing for half a second, at most a megabyte.
+    // Returns the number of bytes.
     size_t fillInput()
     {
         constexpr size_t kMost = 1'000'000;
