@@ -118,7 +118,7 @@ TEST_F(Meeting, PrintsEverythingInItsOrder)
     EXPECT_EQ(rest(*process),
         ONHOOK "output  03 00 00\noutput  03 01 00\n" LOG
                "In Meeting and Reject a New Meeting from UI\n" ONHOOK "close\n");
-    EXPECT_EQ(process->end(), 0);
+    EXPECT_EQ(process->end(), 0) << test::content(errorFile());
     EXPECT_EQ(test::content(errorFile()), "");
     EXPECT_TRUE(usb.driverBound());
 }
@@ -136,7 +136,7 @@ TEST_F(Meeting, AnswersFromTheDevice)
             "output  03 01 00", (LOG "Accept Meeting from device")}));
     closeInput();
     EXPECT_EQ(rest(*process), ONHOOK "close\n");
-    EXPECT_EQ(process->end(), 0);
+    EXPECT_EQ(process->end(), 0) << test::content(errorFile());
 }
 
 TEST_F(Meeting, TakesItsCommandsFromAnyInput)
@@ -181,7 +181,7 @@ TEST_F(Meeting, LeavesTheDeviceOnHookHoweverItEnds)
         EXPECT_NE(lines(*process, 5).find("03 01 00"), std::string::npos);
         process->kill(signal);
         EXPECT_EQ(rest(*process), ONHOOK "close\n");
-        EXPECT_EQ(process->end(), 0);
+        EXPECT_EQ(process->end(), 0) << test::content(errorFile());
         EXPECT_TRUE(usb.driverBound());
     }
     auto process = start();
@@ -280,7 +280,7 @@ TEST_F(Meeting, WritesJsonAndARecording)
         EXPECT_TRUE(object["time"].isInt64());
     process->kill(SIGTERM);
     (void)process->rest();
-    EXPECT_EQ(process->end(), 0);
+    EXPECT_EQ(process->end(), 0) << test::content(errorFile());
 
     const auto result = report::readRecordingFile(recording);
     ASSERT_TRUE(std::holds_alternative<report::Recording>(result));

@@ -39,23 +39,25 @@ std::unique_ptr<HidController> EventTap::makeController()
 
 IKXHost* EventTap::createHost(IKXHostCallback* callback)
 {
-    current->controller_ = callback;
+    current->controller_ = static_cast<HidController*>(callback);
     current->host_ = current->functions_.create(current);
     return current->host_;
 }
 
+// Not by virtual calls: when Controller has been destroyed and HidController not yet, which ends
+// the reader thread, the object changes its class.
 void EventTap::OnCommand(KXCommand command, void* reserved)
 {
     using Kind = Entry::Kind;
     journal_.add({.kind = command == KXCommand::Accept ? Kind::kAccept : Kind::kReject});
-    controller_->OnCommand(command, reserved);
+    controller_->HidController::OnCommand(command, reserved);
 }
 
 void EventTap::OnState(KXState state, const uint8_t* value)
 {
     using Kind = Entry::Kind;
     journal_.add({.kind = *value ? Kind::kMute : Kind::kUnmute}); // the only state that it sends
-    controller_->OnState(state, value);
+    controller_->HidController::OnState(state, value);
 }
 
 } // namespace ctl

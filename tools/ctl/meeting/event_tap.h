@@ -41,8 +41,8 @@ private:
 
     Journal& journal_;
     const HostFunctions functions_;
-    IKXHostCallback* controller_ = nullptr; // set before there is a host
-    IKXHost* host_ = nullptr;               // the controller owns it
+    HidController* controller_ = nullptr; // set before there is a host
+    IKXHost* host_ = nullptr;             // the controller owns it
 };
 
 } // namespace ctl
