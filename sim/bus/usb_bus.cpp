@@ -154,10 +154,13 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     usbfs->showDrivers(sysfs);
     writeNames(sysfs, info);
     makeNode(place.node, *usbfs);
+    if (umockdev_in_mock_environment()) // umockdev sends the event, and ends the process if it
+                                        // cannot
+        waitForListeners(root_);
     if (!umockdev_testbed_add_from_string(
             testbed_, sysfsRecord(place, address, info).c_str(), nullptr))
         throw std::runtime_error("cannot add " + place.sysfsPath + " to the testbed");
-    if (!umockdev_in_mock_environment()) // otherwise umockdev has sent it
+    if (!umockdev_in_mock_environment())
         broadcast(root_, {"add", place.sysfsPath, place.node});
     return place;
 }

@@ -1,6 +1,7 @@
 #include "sim/control/bench_processes.h"
 
 #include "sim/bus/file_descriptor.h"
+#include "sim/control/process_stat.h"
 
 #include <poll.h>
 #include <sys/syscall.h>
@@ -10,8 +11,6 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,8 +27,7 @@ constexpr milliseconds kKillLimit{2000}; // only a process that the kernel holds
 
 bool isStartedWith(const fs::path& process, const std::string& variable)
 {
-    std::ifstream file(process / "environ", std::ios::binary);
-    const std::string environment{std::istreambuf_iterator<char>(file), {}};
+    const std::string environment = contentOf(process / "environ");
     return ('\0' + environment).find('\0' + variable + '\0') != std::string::npos;
 }
 

@@ -1,17 +1,23 @@
 #include "sim/control/process_stat.h"
 
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
 namespace sim {
 
+std::string contentOf(const std::string& path)
+{
+    const std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf(); // an iterator would throw if the process ends now
+    return content.str();
+}
+
 std::optional<ProcessStat> statOf(pid_t pid)
 {
     constexpr int kBeforeStart = 15; // fields from the session to the start
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::string text = contentOf("/proc/" + std::to_string(pid) + "/stat");
     text.erase(0, text.rfind(')') + 1); // the name may contain anything
     std::istringstream fields(text);
     std::string skipped;

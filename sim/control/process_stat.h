@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace sim {
 
@@ -18,5 +19,8 @@ struct ProcessStat {
 
 // No value if there is no such process.
 [[nodiscard]] std::optional<ProcessStat> statOf(pid_t pid);
+
+// The content of a file; what could be read of it if the process ends meanwhile. Does not throw.
+[[nodiscard]] std::string contentOf(const std::string& path);
 
 } // namespace sim
