@@ -6,6 +6,32 @@
 
 namespace report {
 
+const char* itemName(ReportKind kind)
+{
+    switch (kind) {
+    case ReportKind::kInput:
+        return "Input";
+    case ReportKind::kOutput:
+        return "Output";
+    case ReportKind::kFeature:
+        break;
+    }
+    return "Feature";
+}
+
+const char* kindName(ReportKind kind)
+{
+    switch (kind) {
+    case ReportKind::kInput:
+        return "input";
+    case ReportKind::kOutput:
+        return "output";
+    case ReportKind::kFeature:
+        break;
+    }
+    return "feature";
+}
+
 Usage Field::usageAt(uint64_t index) const
 {
     if (usages.empty() || (!isVariable() && index >= usageCount()))

@@ -13,6 +13,12 @@
 
 namespace report {
 
+// Usage pages, as the HID Usage Tables number them.
+inline constexpr uint16_t kLedPage = 0x08;
+inline constexpr uint16_t kButtonPage = 0x09;
+inline constexpr uint16_t kTelephonyPage = 0x0b;
+inline constexpr uint16_t kConsumerPage = 0x0c;
+
 struct Usage {
     uint16_t page = 0;
     uint16_t id = 0;
@@ -42,6 +48,12 @@ struct Collection {
 };
 
 enum class ReportKind : uint8_t { kInput, kOutput, kFeature };
+
+// The main item that adds such fields: "Input", "Output" or "Feature".
+[[nodiscard]] const char* itemName(ReportKind kind);
+
+// In running text: "input", "output" or "feature".
+[[nodiscard]] const char* kindName(ReportKind kind);
 
 // What one Input, Output or Feature item adds to a report: `count` values of `size` bits.
 struct Field {

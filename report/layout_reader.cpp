@@ -4,23 +4,6 @@
 #include <utility>
 
 namespace report {
-namespace {
-
-const char* nameOf(ReportKind kind)
-{
-    switch (kind) {
-    case ReportKind::kInput:
-        return "Input";
-    case ReportKind::kOutput:
-        return "Output";
-    case ReportKind::kFeature:
-        break;
-    }
-    return "Feature";
-}
-
-} // namespace
-
 LayoutReader::LayoutReader()
 {
     constexpr size_t usualFields = 32; // of a device
@@ -214,7 +197,7 @@ LayoutReader::Report& LayoutReader::reportOf(Layout::ReportKey key)
 void LayoutReader::addFieldProblems(const Field& field)
 {
     const auto problem = [&](const char* what) {
-        addProblem(field.offset, std::string(nameOf(field.kind)) + what);
+        addProblem(field.offset, std::string(itemName(field.kind)) + what);
     };
     if (open_.empty())
         problem(" outside of all collections");
@@ -236,7 +219,7 @@ void LayoutReader::addMissingReportIds()
     const auto found = std::ranges::find(layout_.fields, 0, &Field::reportId);
     if (layout_.usesReportIds && found != layout_.fields.end())
         addProblem(found->offset,
-            std::string(nameOf(found->kind)) + " without a Report ID; others have one");
+            std::string(itemName(found->kind)) + " without a Report ID; others have one");
 }
 
 void LayoutReader::addProblem(const Item& item, std::string text)

@@ -178,19 +178,6 @@ private:
     std::vector<Word> words_;
 };
 
-std::string nameOf(ReportKind kind)
-{
-    switch (kind) {
-    case ReportKind::kInput:
-        return "input";
-    case ReportKind::kOutput:
-        return "output";
-    case ReportKind::kFeature:
-        break;
-    }
-    return "feature";
-}
-
 std::string bytes(size_t count)
 {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
@@ -228,7 +215,7 @@ std::vector<Word> ReportWords::describe(const ReportView& report)
 std::vector<std::string> ReportWords::faultsOf(const DecodedReport& report) const
 {
     if (!report.known) {
-        const std::string kind = nameOf(report.key.kind);
+        const std::string kind = kindName(report.key.kind);
         return {layout_.usesReportIds
                 ? "unknown " + kind + " report " + std::to_string(report.key.id)
                 : "unknown " + kind + " report"};

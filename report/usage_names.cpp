@@ -13,8 +13,6 @@ namespace {
 constexpr std::streamoff kMaxFileSize = std::streamoff{16} * 1024 * 1024;
 constexpr size_t kFirstRead = size_t{32} * 1024; // the pages and what is after them
 constexpr size_t kMaxNameSize = 255;             // longer ones are ignored
-constexpr uint16_t kButtonPage = 0x09;
-constexpr uint16_t kTelephonyPage = 0x0b;
 constexpr uint16_t kPhoneKey0 = 0xb0; // to 9, see HID Usage Tables, Telephony Device page
 constexpr uint16_t kPhoneKey9 = 0xb9;
 constexpr std::string_view kPagePrefix = "HUT ";

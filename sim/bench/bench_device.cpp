@@ -14,7 +14,6 @@ using Kind = BenchEvent::Kind;
 
 constexpr const char* kFloodCause = "flood";
 constexpr const char* kRawCause = "raw";
-constexpr const char* kRecordedCause = "recorded";
 
 Kind kindOf(DeviceEvent::Kind kind)
 {

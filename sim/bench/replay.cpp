@@ -21,8 +21,6 @@ report::ReportKind kindOf(Direction direction)
     }
 }
 
-constexpr const char* kRecordedCause = "recorded"; // of BenchDevice::sendRecorded()
-
 bool isFromProgram(BenchEvent::Kind kind)
 {
     return kind == BenchEvent::Kind::kOutput || kind == BenchEvent::Kind::kFeature
@@ -79,7 +77,7 @@ void Replay::onEvent(const BenchEvent& event)
     }
     if (options_.check && isFromProgram(event.kind))
         receive(event);
-    if (event.kind == BenchEvent::Kind::kInput && event.cause == kRecordedCause)
+    if (event.kind == BenchEvent::Kind::kInput && event.cause == BenchDevice::kRecordedCause)
         noteArrival(event);
 }
 

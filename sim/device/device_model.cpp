@@ -16,7 +16,6 @@ using Setup = DeviceModel::SetupPacket;
 
 enum Request : uint8_t { kGetDescriptor = 6, kSetReport = 9, kSetIdle = 10 };
 enum RequestType : uint8_t { kFromDevice = 0x80, kFromInterface = 0x81, kClassToInterface = 0x21 };
-enum DescriptorType : uint8_t { kDevice = 1, kConfiguration = 2, kString = 3, kHid = 0x21 };
 constexpr uint8_t kOutputReport = 2;
 constexpr uint8_t kFeatureReport = 3;
 

@@ -9,11 +9,11 @@ namespace sim {
 namespace {
 
 using report::Field;
+using report::kButtonPage;
+using report::kConsumerPage;
+using report::kLedPage;
+using report::kTelephonyPage;
 using report::Usage;
-
-constexpr uint16_t kTelephonyPage = 0x0b;
-constexpr uint16_t kConsumerPage = 0x0c;
-constexpr uint16_t kButtonPage = 0x09;
 
 struct Name {
     Usage usage;

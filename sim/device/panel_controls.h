@@ -8,9 +8,8 @@
 
 namespace sim {
 
-constexpr uint16_t kLedPage = 0x08;
-constexpr report::Usage kHookUsage{0x0b, 0x20};
-constexpr report::Usage kOffHookLedUsage{kLedPage, 0x17};
+constexpr report::Usage kHookUsage{report::kTelephonyPage, 0x20};
+constexpr report::Usage kOffHookLedUsage{report::kLedPage, 0x17};
 
 struct Control {
     std::string name;  // differs from those of the others that were found with it

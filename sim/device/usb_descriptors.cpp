@@ -5,15 +5,6 @@
 namespace sim {
 namespace {
 
-enum DescriptorType : uint8_t {
-    kDevice = 1,
-    kConfiguration,
-    kString,
-    kInterface,
-    kEndpoint,
-    kHid = 0x21
-};
-
 constexpr uint8_t kInterruptTransfer = 3;
 
 const std::u16string* stringAt(const UsbDeviceInfo& info, uint8_t index)

@@ -7,13 +7,11 @@
 namespace sim {
 namespace {
 
-constexpr uint16_t kTelephonyPage = 0x0b;
-
 bool hasTelephony(const InterfaceInfo& interface)
 {
     const auto isTelephony = [](const report::Collection& collection) {
         return collection.parent == report::Collection::kNone
-            && collection.usage.page == kTelephonyPage;
+            && collection.usage.page == report::kTelephonyPage;
     };
     return interface.isHid()
         && std::ranges::any_of(

@@ -31,7 +31,7 @@ Seeds seedsOf(char** directories, char** end)
     return seeds;
 }
 
-void write(const std::filesystem::path& directory, const Seeds& seeds)
+void writeSeeds(const std::filesystem::path& directory, const Seeds& seeds)
 {
     std::filesystem::create_directories(directory);
     for (const auto& [name, bytes] : seeds) {
@@ -60,7 +60,7 @@ int main(int argc, char** argv)
     const bool writes = argc > 2 && std::string(argv[1]) == "--write";
     const Seeds seeds = seedsOf(argv + (writes ? 3 : 1), argv + argc);
     if (writes) {
-        write(argv[2], seeds);
+        writeSeeds(argv[2], seeds);
     } else {
         for (const auto& [name, seed] : seeds)
             replay(seed);

@@ -5,7 +5,7 @@
 
 namespace {
 
-const report::UsageNames& names()
+const report::UsageNames& fewNames()
 {
     static const auto names = report::UsageNames::parse("HUT 08  LEDs\n\t017  Off-Hook\n"
                                                         "HUT 0b  Telephony\n\t020  Hook Switch\n");
@@ -16,7 +16,7 @@ std::string annotated(const std::string& descriptor)
 {
     const std::vector<uint8_t> bytes = test::bytesFromHex(descriptor);
     std::string lines;
-    for (const report::AnnotatedItem& item : report::annotate(bytes, names()))
+    for (const report::AnnotatedItem& item : report::annotate(bytes, fewNames()))
         lines += std::string(item.depth, '>') + item.text + "; ";
     return lines;
 }

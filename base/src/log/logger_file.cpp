@@ -21,7 +21,7 @@ namespace rkb {
 namespace {
 
 // The source file and lines that assert lines name. They are fixed texts.
-constexpr const char* source_file = "../src/log";
+constexpr const char* log_source_file = "../src/log";
 constexpr int size_line = 150;
 constexpr int index_line = 151;
 
@@ -96,14 +96,14 @@ uint32_t logger_file_base_t::configure(uint32_t max_size, uint32_t max_index)
             << max_size << ", m_max_size = " << m_max_size << ", max_idx = " << max_index
             << ", m_max_idx = " << m_max_index << ", this = " << this << "\n");
     if (!in_range(max_size, min_log_size, max_log_size)) {
-        RKB_LOG_ASSERT_TAIL(source_file, size_line, ", this = " << this << "\n",
+        RKB_LOG_ASSERT_TAIL(log_source_file, size_line, ", this = " << this << "\n",
             "logger_file_base_t::configure size out of limitation"
                 << ", max_size = " << max_size << ", MIN_LOG_SIZE = " << min_log_size
                 << ", MAX_LOG_SIZE = " << max_log_size);
         return log_bad_value;
     }
     if (!in_range(max_index, min_log_index, max_log_index)) {
-        RKB_LOG_ASSERT_TAIL(source_file, index_line, ", this = " << this << "\n",
+        RKB_LOG_ASSERT_TAIL(log_source_file, index_line, ", this = " << this << "\n",
             "logger_file_base_t::configure index out of limitation"
                 << ", max_idx = " << max_index << ", MIN_LOG_IDX = " << min_log_index
                 << ", MAX_LOG_IDX = " << max_log_index);

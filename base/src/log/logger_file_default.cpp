@@ -16,7 +16,7 @@ namespace {
 // process exits. The mutex guards creating and destroying the sink. It is locked after the
 // control's, as attach() does.
 constinit std::atomic<logger_file*> the_sink{nullptr};
-thread_mutex_recursive& the_mutex()
+thread_mutex_recursive& the_sink_mutex()
 {
     static never_destroyed_t<thread_mutex_recursive> it;
     return it.value;
@@ -34,7 +34,7 @@ std::unique_lock<thread_mutex_recursive> lock_tables(log_control_t* control)
 constinit const log_default_sink_t log_default_sink{
     []() -> log_it* { return default_file_sink(); },
     []() -> log_it* { return existing_default_file_sink(); },
-    the_mutex,
+    the_sink_mutex,
 };
 
 logger_file* default_file_sink()
@@ -53,7 +53,7 @@ logger_file* create_default_file_sink(const char* directory, const char* base_na
     logger_file* sink = existing_default_file_sink();
     if (sink)
         return sink;
-    const std::lock_guard lock(the_mutex());
+    const std::lock_guard lock(the_sink_mutex());
     sink = the_sink.load(std::memory_order_relaxed);
     if (sink)
         return sink;
@@ -77,7 +77,7 @@ void destroy_default_file_sink()
 {
     log_control_t* const control = log_control_t::instance();
     const auto tables = lock_tables(control);
-    const std::lock_guard lock(the_mutex());
+    const std::lock_guard lock(the_sink_mutex());
     const std::unique_ptr<logger_file> sink(the_sink.exchange(nullptr, std::memory_order_acq_rel));
     if (sink && control)
         control->detach(sink.get());

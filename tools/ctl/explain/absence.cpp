@@ -219,7 +219,8 @@ void AbsenceFinder::addUsageReason(const Place& place, Reasons& reasons) const
 void AbsenceFinder::addCountReason(const Place& place, Reasons& reasons) const
 {
     const report::Field& field = place.field;
-    const std::string item = std::string(kindName(field.kind)) + " at " + offsetText(field.offset);
+    const std::string item
+        = std::string(report::itemName(field.kind)) + " at " + offsetText(field.offset);
     const StackField* const seen = findField(field);
     if (!seen && reasons.empty()) {
         assert(longItem_); // nothing else moves a field to another collection

@@ -7,8 +7,8 @@
 
 namespace ctl {
 
-inline constexpr uint16_t kTelephonyPage = 0x0B;
-inline constexpr uint16_t kLedPage = 0x08;
+using report::kLedPage;
+using report::kTelephonyPage;
 inline constexpr uint16_t kHeadset = 0x05; // on the Telephony page
 
 enum class ControlId : uint8_t {

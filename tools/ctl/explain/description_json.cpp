@@ -106,12 +106,11 @@ Json::Value fieldJson(const report::Field& field, const report::UsageNames& name
 
 Json::Value reportsJson(const Description& description)
 {
-    constexpr const char* kinds[] = {"input", "output", "feature"};
     const report::Layout& layout = description.layout;
     Json::Value list(Json::arrayValue);
     for (const auto& [key, fields] : layout.reportFields) {
         Json::Value json;
-        json["kind"] = kinds[static_cast<size_t>(key.kind)];
+        json["kind"] = report::kindName(key.kind);
         json["id"] = layout.usesReportIds ? Json::Value(unsignedNumber(key.id)) : Json::Value();
         json["bytes"] = unsignedNumber(layout.wireSize(key).value_or(0));
         Json::Value& fieldList = json["fields"] = Json::Value(Json::arrayValue);

@@ -25,12 +25,6 @@ void heading(const std::string& text)
     out.line(out.styled(Style::kStrong, text));
 }
 
-std::string padded(std::string text, size_t width)
-{
-    text.resize(std::max(text.size() + 1, width), ' ');
-    return text;
-}
-
 // Breaks the text between words. The first line begins with `first`, the others with as many
 // blanks.
 void printWrapped(const std::string& first, const std::string& text)

@@ -2,6 +2,7 @@
 
 #include "tools/text/printable.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -14,28 +15,21 @@ std::string offsetText(size_t offset)
     return text.data();
 }
 
-const char* kindName(report::ReportKind kind)
-{
-    switch (kind) {
-    case report::ReportKind::kInput:
-        return "Input";
-    case report::ReportKind::kOutput:
-        return "Output";
-    case report::ReportKind::kFeature:
-        break;
-    }
-    return "Feature";
-}
-
 std::string reportName(report::Layout::ReportKey key)
 {
-    const std::string name = std::string(kindName(key.kind)) + " report";
+    const std::string name = std::string(report::itemName(key.kind)) + " report";
     return key.id == 0 ? "the " + name : name + ' ' + std::to_string(key.id);
 }
 
 std::string counted(uint64_t number, const std::string& noun)
 {
     return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
+std::string padded(std::string text, size_t width)
+{
+    text.resize(std::max(text.size() + 1, width), ' ');
+    return text;
 }
 
 std::string listed(const std::vector<std::string>& words)

@@ -8,14 +8,14 @@ namespace ctl {
 // "0x002a"
 [[nodiscard]] std::string offsetText(size_t offset);
 
-// "Input", "Output", "Feature"
-[[nodiscard]] const char* kindName(report::ReportKind kind);
-
 // "Input report 3"; "the Input report" without an id
 [[nodiscard]] std::string reportName(report::Layout::ReportKey key);
 
 // "1 byte", "3 bytes"
 [[nodiscard]] std::string counted(uint64_t number, const std::string& noun);
+
+// With blanks up to `width`, and at least one.
+[[nodiscard]] std::string padded(std::string text, size_t width);
 
 // "a", "a and b", "a, b and c"
 [[nodiscard]] std::string listed(const std::vector<std::string>& words);

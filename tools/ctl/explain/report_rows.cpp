@@ -12,21 +12,15 @@ using report::UsageRange;
 
 constexpr size_t kBitsWidth = 12;
 constexpr size_t kSizeWidth = 14;
-constexpr size_t kNameWidth = 32;
+constexpr size_t kUsagesWidth = 32;
 constexpr size_t kMaxPath = 4;   // collections
 constexpr size_t kMaxRanges = 3; // of an array
 
 // Values of a field that are next to each other.
-struct Run {
+struct Values {
     uint64_t first = 0;
     uint64_t count = 0;
 };
-
-std::string padded(std::string text, size_t width)
-{
-    text.resize(std::max(text.size() + 1, width), ' ');
-    return text;
-}
 
 std::string rangeText(const UsageRange& range, const report::UsageNames& names)
 {
@@ -57,29 +51,30 @@ std::string pathText(
     return at == report::Collection::kNone ? text : "... > " + text;
 }
 
-std::string rowOf(const Field& field, Run run, const std::string& what, const std::string& path)
+std::string rowOf(
+    const Field& field, Values values, const std::string& what, const std::string& path)
 {
-    const uint64_t first = field.bitOffset + run.first * field.size;
-    const uint64_t bits = run.count * field.size;
+    const uint64_t first = field.bitOffset + values.first * field.size;
+    const uint64_t bits = values.count * field.size;
     const std::string where
         = std::to_string(first) + (bits > 1 ? ".." + std::to_string(first + bits - 1) : "");
-    const std::string size
-        = (run.count == 1 ? "" : std::to_string(run.count) + " x ") + counted(field.size, "bit");
+    const std::string size = (values.count == 1 ? "" : std::to_string(values.count) + " x ")
+        + counted(field.size, "bit");
     std::string flags;
     if (field.isConstant() && !field.isPadding())
         flags += ", constant";
     if (field.flags & Field::kRelative && !field.isPadding())
         flags += ", relative";
     const std::string row = padded(where, kBitsWidth) + padded(size, kSizeWidth);
-    return path.empty() ? row + what + flags : row + padded(what + flags, kNameWidth) + path;
+    return path.empty() ? row + what + flags : row + padded(what + flags, kUsagesWidth) + path;
 }
 
 } // namespace
 
 std::string reportTitle(const report::Layout& layout, report::Layout::ReportKey report)
 {
-    const std::string name
-        = report.id == 0 ? kindName(report.kind) + std::string(" report") : reportName(report);
+    const std::string name = report.id == 0 ? report::itemName(report.kind) + std::string(" report")
+                                            : reportName(report);
     return name + ": " + counted(layout.wireSize(report).value_or(0), "byte")
         + (layout.usesReportIds ? " with the id" : "");
 }
@@ -88,7 +83,7 @@ std::vector<std::string> fieldRows(
     const report::Layout& layout, const Field& field, const report::UsageNames& names)
 {
     const std::string path = pathText(layout, field, names);
-    const Run all{0, field.count};
+    const Values all{0, field.count};
     if (field.count == 0)
         return {};
     if (field.isPadding())
@@ -103,8 +98,8 @@ std::vector<std::string> fieldRows(
         const bool isLast = i + 1 == field.usages.size();
         const uint64_t end = isLast ? field.count : field.usages[i + 1].index;
         const uint64_t first = field.usages[i].index;
-        const Run run{first, std::min<uint64_t>(end, field.count) - first};
-        rows.push_back(rowOf(field, run, rangeText(field.usages[i], names), path));
+        const Values values{first, std::min<uint64_t>(end, field.count) - first};
+        rows.push_back(rowOf(field, values, rangeText(field.usages[i], names), path));
     }
     return rows;
 }

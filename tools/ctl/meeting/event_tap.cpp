@@ -6,7 +6,7 @@
 namespace ctl {
 namespace {
 
-EventTap* current = nullptr; // for the function that makes a host: it has no argument for a tap
+EventTap* currentTap = nullptr; // for the function that makes a host: it has no argument for a tap
 
 } // namespace
 
@@ -15,7 +15,7 @@ public:
     Controller()
     {
         m_createHost = EventTap::createHost;
-        m_destroyHost = current->functions_.destroy;
+        m_destroyHost = currentTap->functions_.destroy;
     }
 };
 
@@ -23,13 +23,13 @@ EventTap::EventTap(Journal& journal, HostFunctions functions)
     : journal_(journal)
     , functions_(std::move(functions))
 {
-    assert(!current);
-    current = this;
+    assert(!currentTap);
+    currentTap = this;
 }
 
 EventTap::~EventTap()
 {
-    current = nullptr;
+    currentTap = nullptr;
 }
 
 std::unique_ptr<HidController> EventTap::makeController()
@@ -39,9 +39,9 @@ std::unique_ptr<HidController> EventTap::makeController()
 
 IKXHost* EventTap::createHost(IKXHostCallback* callback)
 {
-    current->controller_ = static_cast<HidController*>(callback);
-    current->host_ = current->functions_.create(current);
-    return current->host_;
+    currentTap->controller_ = static_cast<HidController*>(callback);
+    currentTap->host_ = currentTap->functions_.create(currentTap);
+    return currentTap->host_;
 }
 
 // Not by virtual calls: when Controller has been destroyed and HidController not yet, which ends

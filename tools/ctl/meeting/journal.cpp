@@ -14,7 +14,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-std::atomic<Journal*> current = nullptr;
+std::atomic<Journal*> currentJournal = nullptr;
 
 microseconds now()
 {
@@ -50,7 +50,7 @@ void observe(const hid_call* call)
         .duration = microseconds(call->duration)};
     if (call->data)
         entry.report.assign(call->data, call->data + call->size);
-    current.load()->add(std::move(entry));
+    currentJournal.load()->add(std::move(entry));
 }
 
 } // namespace
@@ -66,7 +66,7 @@ Journal::Journal(Listener listener)
     , listener_(std::move(listener))
 {
     assert(dispatcher_);
-    [[maybe_unused]] const Journal* const other = current.exchange(this);
+    [[maybe_unused]] const Journal* const other = currentJournal.exchange(this);
     assert(!other);
     hid_calls_observe(observe);
 }
@@ -75,7 +75,7 @@ Journal::~Journal()
 {
     assert(!isOpen());
     hid_calls_observe(nullptr);
-    current = nullptr;
+    currentJournal = nullptr;
 }
 
 void Journal::add(Entry entry)

@@ -43,7 +43,7 @@ bool isSameFile(const std::string& one, const std::string& other)
     return !isSpecial && target == fs::weakly_canonical(fs::absolute(other));
 }
 
-int run(const Options& options)
+int traceProgram(const Options& options)
 {
     if (isSameFile(options.trace.output, options.trace.record))
         throw Failure(kWrongUse, "--output and --record need different files");
@@ -72,7 +72,7 @@ int run(const Options& options)
 
 } // namespace
 
-void addTraceCommand(CLI::App& app, Run& run_)
+void addTraceCommand(CLI::App& app, Run& run)
 {
     CLI::App& command = *app.add_subcommand(
         "trace", "Run a program and print what it and its devices send to each other");
@@ -95,7 +95,7 @@ void addTraceCommand(CLI::App& app, Run& run_)
         "Exit status: the program's own, or 128 + the signal that ended it; 127 if it is not\n"
         "found, 126 if it cannot be run.\n"
         "Example: kelprobectl trace -- kelprobe");
-    command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
+    command.callback([options, &run] { run = [options] { return traceProgram(*options); }; });
 }
 
 } // namespace ctl

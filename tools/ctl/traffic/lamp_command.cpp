@@ -21,9 +21,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::array<std::string_view, 3> kActions{"on", "off", "blink"};
 constexpr std::chrono::milliseconds kBlinkTime{500};
-constexpr int kWaitMs = 50; // until a signal is noticed
+constexpr int kSignalWaitMs = 50; // until a signal is noticed
 
-struct Options {
+struct LampOptions {
     std::string name;
     std::string action;
     std::optional<std::string> device;
@@ -106,7 +106,7 @@ public:
     void waitUntil(Clock::time_point end, const StopSignals& stop)
     {
         while (!stop.stopped() && Clock::now() < end)
-            (void)connection_.read(kWaitMs);
+            (void)connection_.read(kSignalWaitMs);
     }
 
 private:
@@ -124,7 +124,7 @@ Clock::time_point endAfter(double seconds)
                        : Clock::time_point::max();
 }
 
-void light(LampSwitch& lamp, const Options& options, const StopSignals& stop)
+void light(LampSwitch& lamp, const LampOptions& options, const StopSignals& stop)
 {
     const Clock::time_point end = endAfter(options.seconds);
     const bool blinks = options.action == "blink";
@@ -159,7 +159,7 @@ std::string limitOf(const std::string& text)
     return '"' + text::printable(text) + "\" is not a number of seconds above 0, at most 86400";
 }
 
-int run(const Options& options)
+int switchLamp(const LampOptions& options)
 {
     checkAction(options.action);
     const StopSignals stop;
@@ -174,10 +174,10 @@ int run(const Options& options)
 
 } // namespace
 
-void addLampCommand(CLI::App& app, Run& run_)
+void addLampCommand(CLI::App& app, Run& run)
 {
     CLI::App& command = *app.add_subcommand("lamp", "Switch a lamp of a device on, off or blink");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<LampOptions>();
     command.add_option("NAME", options->name, "off-hook, mute, ring, hold or another LED by name")
         ->required();
     command.add_option("ACTION", options->action, "on, off or blink")->required();
@@ -192,10 +192,10 @@ void addLampCommand(CLI::App& app, Run& run_)
         "Exit status: 0 fine, 1 the device has no such lamp or does not take the report, 2 wrong\n"
         "use, 3 no device, or it cannot be opened or has gone.\n"
         "Example: kelprobectl lamp ring blink --for 5");
-    command.callback([options, &run_] {
+    command.callback([options, &run] {
         options->name = text::lowerCase(options->name);
         options->action = text::lowerCase(options->action);
-        run_ = [options] { return run(*options); };
+        run = [options] { return switchLamp(*options); };
     });
 }
 

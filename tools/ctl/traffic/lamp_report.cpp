@@ -8,7 +8,6 @@
 namespace ctl {
 namespace {
 
-constexpr uint16_t kLedPage = 0x08;
 constexpr uint16_t kLastLed = 0xff; // the usage tables end well before
 constexpr size_t kIdBits = 8;
 
@@ -106,7 +105,7 @@ void addLamps(std::vector<Lamp>& lamps, const report::Layout& layout, const repo
         const report::Usage usage = field.usageAt(i);
         const bool known = std::any_of(
             lamps.begin(), lamps.end(), [&](const Lamp& lamp) { return lamp.usage == usage; });
-        if (usage.page == kLedPage && !known)
+        if (usage.page == report::kLedPage && !known)
             lamps.push_back({lampName(usage, names), usage, litReport(layout, field, i),
                 emptyReport(layout, field)});
     }
@@ -117,7 +116,7 @@ void addLamps(std::vector<Lamp>& lamps, const report::Layout& layout, const repo
 std::string lampName(report::Usage usage, const report::UsageNames& names)
 {
     for (const auto& [id, name] : kCallLamps)
-        if (usage.page == kLedPage && usage.id == id)
+        if (usage.page == report::kLedPage && usage.id == id)
             return name;
     std::string name;
     for (const char c : names.usage(usage)) {
@@ -145,7 +144,7 @@ std::vector<Lamp> lampsOf(const report::Layout& layout, const report::UsageNames
 bool isLampName(std::string_view name, const report::UsageNames& names)
 {
     for (uint16_t id = 1; id <= kLastLed; ++id)
-        if (lampName({kLedPage, id}, names) == name)
+        if (lampName({report::kLedPage, id}, names) == name)
             return true;
     return false;
 }

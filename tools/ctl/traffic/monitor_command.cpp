@@ -9,7 +9,7 @@
 namespace ctl {
 namespace {
 
-struct Options {
+struct MonitorOptions {
     std::optional<std::string> device;
     bool wait = false;
     Monitor::Options monitor;
@@ -21,7 +21,7 @@ std::string choiceOf(const std::optional<std::string>& choice, const DeviceEntry
     return choice == entry.path ? entry.path : idsText(entry);
 }
 
-int watchOnce(const Options& options, const StopSignals& stop)
+int watchOnce(const MonitorOptions& options, const StopSignals& stop)
 {
     const DeviceEntry entry = chooseDevice(options.device);
     Monitor monitor(options.monitor);
@@ -43,7 +43,7 @@ void showOnce(Monitor& monitor, const DeviceEntry& entry, const StopSignals& sto
     Output::err().line(idsText(entry) + " has gone.");
 }
 
-int watchAgain(const Options& options, const StopSignals& stop)
+int watchAgain(const MonitorOptions& options, const StopSignals& stop)
 {
     Monitor monitor(options.monitor);
     std::optional<std::string> choice = options.device;
@@ -55,7 +55,7 @@ int watchAgain(const Options& options, const StopSignals& stop)
     return kFine;
 }
 
-int run(const Options& options)
+int monitor(const MonitorOptions& options)
 {
     const StopSignals stop;
     return options.wait ? watchAgain(options, stop) : watchOnce(options, stop);
@@ -63,11 +63,11 @@ int run(const Options& options)
 
 } // namespace
 
-void addMonitorCommand(CLI::App& app, Run& run_)
+void addMonitorCommand(CLI::App& app, Run& run)
 {
     CLI::App& command
         = *app.add_subcommand("monitor", "Print the input reports of a device as they arrive");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<MonitorOptions>();
     command.add_option("DEVICE", options->device, "The device: vvvv:pppp, path or number");
     command.add_flag(
         "--wait", options->wait, "Wait for the device, also when it is unplugged, until Ctrl-C");
@@ -82,7 +82,7 @@ void addMonitorCommand(CLI::App& app, Run& run_)
         "Exit status: 0 ended by Ctrl-C, 2 wrong use, 3 no device, or it cannot be opened or was\n"
         "unplugged (without --wait).\n"
         "Example: kelprobectl monitor --record hook.txt");
-    command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
+    command.callback([options, &run] { run = [options] { return monitor(*options); }; });
 }
 
 } // namespace ctl

@@ -12,7 +12,7 @@ namespace {
 
 using report::ReportKind;
 
-struct Options {
+struct SendOptions {
     std::vector<std::string> hex;
     bool feature = false;
     bool json = false;
@@ -41,11 +41,6 @@ report::Bytes parseHex(const std::vector<std::string>& words)
     return *bytes;
 }
 
-const char* nameOf(ReportKind kind)
-{
-    return kind == ReportKind::kFeature ? "feature" : "output";
-}
-
 std::string idsOf(const report::Layout& layout, ReportKind kind)
 {
     std::string text;
@@ -62,10 +57,10 @@ std::string whyNoReport(const SendTarget& target, ReportKind kind, uint8_t id)
     const ReportKind other
         = kind == ReportKind::kFeature ? ReportKind::kOutput : ReportKind::kFeature;
     if (target.layout.reportBits.contains({other, id}))
-        return std::string("has it as ") + nameOf(other) + " report; "
+        return std::string("has it as ") + report::kindName(other) + " report; "
             + (kind == ReportKind::kFeature ? "leave out --feature" : "add --feature");
     if (ids.empty())
-        return std::string("has no ") + nameOf(kind) + " reports";
+        return std::string("has no ") + report::kindName(kind) + " reports";
     return target.layout.usesReportIds ? "has " + ids : "uses no ids; begin with 00";
 }
 
@@ -73,7 +68,8 @@ std::string whyNoReport(const SendTarget& target, ReportKind kind, uint8_t id)
 void check(const SendTarget& target, ReportKind kind, const report::Bytes& report)
 {
     const uint8_t id = report.front();
-    const std::string name = std::string(nameOf(kind)) + " report " + report::toHex({&id, 1});
+    const std::string name
+        = std::string(report::kindName(kind)) + " report " + report::toHex({&id, 1});
     const auto known = target.layout.reportBits.find({kind, id});
     if (known == target.layout.reportBits.end())
         throw Failure(kWrongUse,
@@ -86,7 +82,7 @@ void check(const SendTarget& target, ReportKind kind, const report::Bytes& repor
                 + std::to_string(report.size() - 1));
 }
 
-int run(const Options& options)
+int send(const SendOptions& options)
 {
     const report::Bytes report = parseHex(options.hex);
     const ReportKind kind = options.feature ? ReportKind::kFeature : ReportKind::kOutput;
@@ -106,10 +102,10 @@ int run(const Options& options)
 
 } // namespace
 
-void addSendCommand(CLI::App& app, Run& run_)
+void addSendCommand(CLI::App& app, Run& run)
 {
     CLI::App& command = *app.add_subcommand("send", "Send one report to a device");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SendOptions>();
     command.add_option("HEX", options->hex, "The report, its id first (00 if there are no ids)")
         ->required();
     command.add_flag("--feature", options->feature, "A feature report instead of an output report");
@@ -120,7 +116,7 @@ void addSendCommand(CLI::App& app, Run& run_)
                    "Exit status: 0 fine, 1 the device does not take the report or a signal came\n"
                    "first, 2 wrong use, 3 no device, or it cannot be opened or has gone.\n"
                    "Example: kelprobectl send 03 08 00");
-    command.callback([options, &run_] { run_ = [options] { return run(*options); }; });
+    command.callback([options, &run] { run = [options] { return send(*options); }; });
 }
 
 } // namespace ctl

@@ -22,7 +22,7 @@ void SendTarget::print(report::ReportKind kind, std::span<const uint8_t> report,
     Words words = report::ReportWords(layout, names).describe(report::sentReport(kind, report));
     for (auto& word : words)
         word.changed = false; // there is no report before it
-    const std::string name = kind == report::ReportKind::kFeature ? "feature" : "output";
+    const std::string name = report::kindName(kind);
     if (!json) {
         Output::out().line(name + "  " + reportText(report, words, nullptr));
         return;

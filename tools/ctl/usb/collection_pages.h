@@ -7,8 +7,6 @@
 
 namespace ctl {
 
-constexpr uint16_t kTelephonyPage = 0x0b;
-
 // The usage pages of the top-level collections, each once, in their order. Takes any bytes.
 [[nodiscard]] std::vector<uint16_t> collectionPages(std::span<const uint8_t> descriptor);
 

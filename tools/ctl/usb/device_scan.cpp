@@ -1,5 +1,6 @@
 #include "tools/ctl/usb/device_scan.h"
 
+#include "report/layout.h"
 #include "tools/ctl/cli/failure.h"
 #include "tools/ctl/usb/collection_pages.h"
 #include "tools/ctl/usb/interface_check.h"
@@ -21,8 +22,8 @@ void setDescriptor(DeviceEntry& entry, report::Bytes descriptor)
 {
     entry.descriptor = std::move(descriptor);
     entry.pages = collectionPages(entry.descriptor);
-    entry.telephony
-        = std::find(entry.pages.begin(), entry.pages.end(), kTelephonyPage) != entry.pages.end();
+    entry.telephony = std::find(entry.pages.begin(), entry.pages.end(), report::kTelephonyPage)
+        != entry.pages.end();
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = Entry::Kind;
 
-std::vector<std::string> inWords(const DeviceFacts& device, const Reports& reports)
+std::vector<std::string> outputsInWords(const DeviceFacts& device, const Reports& reports)
 {
     std::vector<std::string> words;
     for (const auto& report : reports)
@@ -75,7 +75,7 @@ Outcome expectSent(
     if (got == wanted)
         return {};
     return failed("The output reports are not those that the state of the meeting needs.",
-        {{"expected", inWords(device, wanted)}, {"got", inWords(device, got)}});
+        {{"expected", outputsInWords(device, wanted)}, {"got", outputsInWords(device, got)}});
 }
 
 Outcome expectLeds(const DeviceFacts& device, const Entries& entries, const Reports& expected)
@@ -89,7 +89,7 @@ Outcome expectLeds(const DeviceFacts& device, const Entries& entries, const Repo
         return {};
     return failed("After the press the output reports are not those that the state of the meeting "
                   "needs.",
-        {{"expected", inWords(device, wanted)}, {"got", inWords(device, got)}});
+        {{"expected", outputsInWords(device, wanted)}, {"got", outputsInWords(device, got)}});
 }
 
 Outcome expectNoEvent(

@@ -10,7 +10,7 @@ std::string controlText(PressCase press)
     return std::string(nameOf(press.press).control);
 }
 
-std::vector<std::string> inWords(const DeviceFacts& device, const Reports& reports)
+std::vector<std::string> inputsInWords(const DeviceFacts& device, const Reports& reports)
 {
     std::vector<std::string> words;
     for (const auto& report : reports)
@@ -157,7 +157,7 @@ Outcome explainPress(const DeviceFacts& device, PressCase press, const Reports& 
 {
     return failed(reasonOf(device, press, received),
         {{"expected", {device.input(neededReport(device, press))}},
-            {"got", inWords(device, received)}});
+            {"got", inputsInWords(device, received)}});
 }
 
 bool isRepeated(const DeviceFacts& device, ControlId control, const Reports& received)

@@ -10,7 +10,7 @@ namespace {
 constexpr std::chrono::milliseconds kSlow{1000};
 constexpr const char* kNoReports = "The device sent no input report.";
 
-std::string milliseconds(std::chrono::milliseconds time)
+std::string inMilliseconds(std::chrono::milliseconds time)
 {
     return std::to_string(time.count()) + " ms";
 }
@@ -18,8 +18,8 @@ std::string milliseconds(std::chrono::milliseconds time)
 std::string timesOf(const Press& press)
 {
     return std::string(nameOf(press.action).word) + ": report to event "
-        + milliseconds(press.latency->sinceReport) + ", command to event "
-        + milliseconds(press.latency->sinceCommand);
+        + inMilliseconds(press.latency->sinceReport) + ", command to event "
+        + inMilliseconds(press.latency->sinceCommand);
 }
 
 // In a recording also those that belong to no press, and those that no test used.
@@ -91,7 +91,7 @@ Outcome pressToEventTime(Tester& tester)
         const auto latency = std::max(press.latency->sinceReport, press.latency->sinceCommandEnd);
         if (latency > kSlow)
             slow += (slow.empty() ? "It took the " : ", the ")
-                + std::string(nameOf(press.action).control) + ' ' + milliseconds(latency);
+                + std::string(nameOf(press.action).control) + ' ' + inMilliseconds(latency);
     }
     if (times.empty())
         return skipped("No press became an event.");
