@@ -3,7 +3,12 @@
 
 #include "sim/console/run.h"
 
+#include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace sim {
 

@@ -65,7 +65,7 @@ int parseAndRun(Words words)
     app.formatter(std::make_shared<HelpFormat>());
     app.footer(kFooter);
     Run run;
-    addDeviceCommands(app, words.program, run);
+    addDeviceCommands(command_line::Command(app), words.program, run);
     const std::string device = takeDeviceNumber(words.own);
     addBenchCommands(app, device, run);
     std::ranges::reverse(words.own); // as CLI11 takes them

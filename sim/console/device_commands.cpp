@@ -9,8 +9,6 @@
 #include "sim/profile/utf16.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
-
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -41,13 +39,7 @@ The first difference is printed and ends PROGRAM; the exit status is 1 then.
 
 Example: kelprobe-sim replay meeting.hid --check -- kelprobe)";
 
-// The help has no separate text for it.
-CLI::Validator range(int least, int most)
-{
-    return CLI::Range(least, most).description("");
-}
-
-// Empty if there is none.
+// What is wrong with it.
 std::string speedMistake(const std::string& text)
 {
     double speed = 0;
@@ -64,15 +56,15 @@ struct DeviceOptions {
     std::string name;
     int interface = -1;
 
-    void add(CLI::App& command)
+    void add(command_line::Command& command)
     {
-        command.add_option("--ids", ids, "Vendor and product id of the device")
-            ->type_name("VVVV:PPPP");
-        command.add_option("--name", name, "Product name of the device");
-        command.add_option("--interface", interface, "Number of the interface with the controls")
-            ->check(range(0, 31))
-            ->type_name("N");
-        command.add_flag("--no-out-endpoint", profile.noOutEndpoint,
+        command.addOption("--ids", ids, "Vendor and product id of the device")
+            .placeholder("VVVV:PPPP");
+        command.addOption("--name", name, "Product name of the device");
+        command.addOption("--interface", interface, "Number of the interface with the controls")
+            .range(0, 31)
+            .placeholder("N");
+        command.addFlag("--no-out-endpoint", profile.noOutEndpoint,
             "The host sends output reports by control transfers");
     }
 
@@ -128,24 +120,22 @@ int runProgram(const RunOptions& options, const Program& program)
     return runSession(session);
 }
 
-void addInputOption(CLI::App& command, bool& programTakesInput)
+void addInputOption(command_line::Command& command, bool& programTakesInput)
 {
-    command.add_flag("-i,--interactive", programTakesInput,
+    command.addFlag("-i,--interactive", programTakesInput,
         "PROGRAM has standard input, and the terminal,\ninstead of commands");
 }
 
-void addRunCommand(CLI::App& app, const Program& program, Run& run)
+void addRunCommand(command_line::Command app, const Program& program, Run& run)
 {
     const auto options = std::make_shared<RunOptions>();
-    CLI::App* const command = app.add_subcommand("run", "Run a program with simulated devices");
-    command->add_option("FILE", options->files, "Files and profiles, one or more devices each")
-        ->type_name("");
-    options->device.add(*command);
-    addInputOption(*command, options->programTakesInput);
-    command->footer(kRunFooter);
-    command->callback([options, &program, &run] {
-        run = [options, &program] { return runProgram(*options, program); };
-    });
+    command_line::Command command = app.addCommand("run", "Run a program with simulated devices");
+    command.addOption("FILE", options->files, "Files and profiles, one or more devices each")
+        .placeholder("");
+    options->device.add(command);
+    addInputOption(command, options->programTakesInput);
+    command.footer(kRunFooter);
+    command.action(run, [options, &program] { return runProgram(*options, program); });
 }
 
 struct ReplayCommandOptions {
@@ -201,32 +191,30 @@ int replay(const ReplayCommandOptions& options, const Program& program)
     return runSession(session);
 }
 
-void addReplayCommand(CLI::App& app, const Program& program, Run& run)
+void addReplayCommand(command_line::Command app, const Program& program, Run& run)
 {
     const auto options = std::make_shared<ReplayCommandOptions>();
-    CLI::App* const command
-        = app.add_subcommand("replay", "Run a program with a device that was recorded");
-    command->add_option("RECORDING", options->file, "As kelprobectl monitor --record writes it")
-        ->required()
-        ->type_name("");
-    command->add_option("--device", options->device, "Of several in the recording; default 1")
-        ->check(range(1, 65535))
-        ->type_name("N");
-    command->add_option("--speed", options->replay.speed, "2 is twice as fast; default 1")
-        ->check(CLI::Validator(speedMistake, ""))
-        ->type_name("N");
-    command->add_flag(
+    command_line::Command command
+        = app.addCommand("replay", "Run a program with a device that was recorded");
+    command.addOption("RECORDING", options->file, "As kelprobectl monitor --record writes it")
+        .required()
+        .placeholder("");
+    command.addOption("--device", options->device, "Of several in the recording; default 1")
+        .range(1, 65535)
+        .placeholder("N");
+    command.addOption("--speed", options->replay.speed, "2 is twice as fast; default 1")
+        .check(speedMistake)
+        .placeholder("N");
+    command.addFlag(
         "--check", options->replay.check, "Compare what PROGRAM sends with the recording");
     command
-        ->add_option("--within", options->within,
+        .addOption("--within", options->within,
             "With --check: how much later than recorded\n"
             "a report of PROGRAM may be; default 5s")
-        ->type_name("T");
-    addInputOption(*command, options->programTakesInput);
-    command->footer(kReplayFooter);
-    command->callback([options, &program, &run] {
-        run = [options, &program] { return replay(*options, program); };
-    });
+        .placeholder("T");
+    addInputOption(command, options->programTakesInput);
+    command.footer(kReplayFooter);
+    command.action(run, [options, &program] { return replay(*options, program); });
 }
 
 int printProfiles()
@@ -248,7 +236,7 @@ int printProfile(const std::string& file, size_t number, const ProfileOptions& o
     return EXIT_SUCCESS;
 }
 
-void addProfileCommand(CLI::App& app, Run& run)
+void addProfileCommand(command_line::Command app, Run& run)
 {
     struct Options {
         std::string file;
@@ -256,32 +244,27 @@ void addProfileCommand(CLI::App& app, Run& run)
         DeviceOptions device;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* const command
-        = app.add_subcommand("profile", "Print the device of a file as a device profile");
-    command->add_option("FILE", options->file, "A descriptor file, a recording or a profile")
-        ->required()
-        ->type_name("");
-    command->add_option("--device", options->number, "Of several in the file; default 1")
-        ->check(range(1, 65535))
-        ->type_name("N");
-    options->device.add(*command);
-    command->footer("Example: kelprobe-sim profile bug-report.hid >bug-report.json");
-    command->callback([options, &run] {
-        run = [options] {
-            return printProfile(options->file, options->number, options->device.get());
-        };
-    });
+    command_line::Command command
+        = app.addCommand("profile", "Print the device of a file as a device profile");
+    command.addOption("FILE", options->file, "A descriptor file, a recording or a profile")
+        .required()
+        .placeholder("");
+    command.addOption("--device", options->number, "Of several in the file; default 1")
+        .range(1, 65535)
+        .placeholder("N");
+    options->device.add(command);
+    command.footer("Example: kelprobe-sim profile bug-report.hid >bug-report.json");
+    command.action(run,
+        [options] { return printProfile(options->file, options->number, options->device.get()); });
 }
 
 } // namespace
 
-void addDeviceCommands(CLI::App& app, const Program& program, Run& run)
+void addDeviceCommands(command_line::Command app, const Program& program, Run& run)
 {
     addRunCommand(app, program, run);
     addReplayCommand(app, program, run);
-    app.add_subcommand("list", "List the built-in profiles")->footer("")->callback([&run] {
-        run = [] { return printProfiles(); };
-    });
+    app.addCommand("list", "List the built-in profiles").footer("").action(run, printProfiles);
     addProfileCommand(app, run);
 }
 

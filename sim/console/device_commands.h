@@ -12,6 +12,6 @@ namespace sim {
 // Adds run, replay, list and profile. `program` is what came after "--" on the command line. All
 // outlive the commands.
 void addDeviceCommands(
-    CLI::App& app, const std::optional<std::vector<std::string>>& program, Run& run);
+    command_line::Command app, const std::optional<std::vector<std::string>>& program, Run& run);
 
 } // namespace sim

@@ -1,17 +1,13 @@
 // What the commands of kelprobe-sim have in common.
 #pragma once
 
-#include <functional>
-#include <stdexcept>
+#include "tools/command_line/command.h"
 
-namespace CLI {
-class App;
-}
+#include <stdexcept>
 
 namespace sim {
 
-// The command that was chosen, with its options. Returns the exit status. May throw.
-using Run = std::function<int()>;
+using command_line::Run; // may throw
 
 // A mistake in the command line. what() is one line.
 class WrongUse : public std::runtime_error {

@@ -3,6 +3,8 @@
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <sstream>
 

@@ -1,9 +1,12 @@
 // What CLI::App::parse() threw, as text for the user. Pure.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
+
+namespace CLI {
+class App;
+class ParseError;
+} // namespace CLI
 
 namespace command_line {
 

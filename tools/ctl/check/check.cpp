@@ -2,8 +2,6 @@
 
 #include "tools/ctl/check/check_run.h"
 
-#include <CLI/CLI.hpp>
-
 namespace ctl {
 namespace {
 
@@ -27,74 +25,71 @@ Examples:
   kelprobectl check --press-command ./finger.sh
   kelprobectl check --recording meeting.hid)";
 
-// CLI11's error text for a shell command; empty if there is nothing wrong.
+// What is wrong with a shell command.
 std::string blankError(const std::string& command)
 {
     return command.find_first_not_of(" \t\n") == std::string::npos ? "the command is empty" : "";
 }
 
-void addOptions(CLI::App& command, CheckOptions& options)
+void addOptions(Command& command, CheckOptions& options)
 {
-    const auto* const device = command.add_option("DEVICE", options.device,
+    const Option device = command.addOption("DEVICE", options.device,
         "The device: vvvv:pppp, path or number; default: the only telephony device");
-    auto* const press
-        = command.add_option("--press-command", options.pressCommand, "Run this to press a button")
-              ->type_name("CMD")
-              ->check(blankError);
-    auto* const replug = command.add_flag(
+    const Option press
+        = command.addOption("--press-command", options.pressCommand, "Run this to press a button")
+              .placeholder("CMD")
+              .check(blankError);
+    const Option replug = command.addFlag(
         "--replug", options.replug, "Also have the person unplug the device and plug it in again");
-    auto* const replugCommand
-        = command.add_option("--replug-command", options.replugCommand, "The same by this command")
-              ->type_name("CMD")
-              ->check(blankError)
-              ->excludes(replug);
-    command.add_option("--recording", options.recording, "Take the presses from this recording")
-        ->type_name("FILE")
-        ->excludes(press)
-        ->excludes(replug)
-        ->excludes(replugCommand)
-        ->excludes(const_cast<CLI::Option*>(device));
-    command.add_option("--junit", options.junit, "Also write the results as JUnit XML")
-        ->type_name("FILE");
+    const Option replugCommand
+        = command.addOption("--replug-command", options.replugCommand, "The same by this command")
+              .placeholder("CMD")
+              .check(blankError)
+              .excludes(replug);
+    command.addOption("--recording", options.recording, "Take the presses from this recording")
+        .placeholder("FILE")
+        .excludes(press)
+        .excludes(replug)
+        .excludes(replugCommand)
+        .excludes(device);
+    command.addOption("--junit", options.junit, "Also write the results as JUnit XML")
+        .placeholder("FILE");
 }
 
 // In the units of the command line.
 struct Times {
-    unsigned press = 20;     // s
-    unsigned silence = 1000; // ms
+    size_t press = 20;     // s
+    size_t silence = 1000; // ms
 };
 
-void addTimes(CLI::App& command, Times& times)
+void addTimes(Command& command, Times& times)
 {
-    constexpr unsigned maxSeconds = 3600;
-    constexpr unsigned minMilliseconds = 20;
-    constexpr unsigned maxMilliseconds = 60'000;
-    command.add_option("--time-limit", times.press, "Time for a press, in seconds")
-        ->type_name("S")
-        ->check(CLI::Range(1U, maxSeconds))
-        ->capture_default_str();
     command
-        .add_option("--silence", times.silence,
-            "Time in which the device must send nothing by itself, in milliseconds")
-        ->type_name("MS")
-        ->check(CLI::Range(minMilliseconds, maxMilliseconds))
-        ->capture_default_str();
+        .addOption(
+            "--time-limit", times.press, "Time for a press, in seconds: 1 to 3600; default 20")
+        .placeholder("S")
+        .range(1, 3600);
+    command
+        .addOption("--silence", times.silence,
+            "Time in which the device must be silent, in ms: 20 to 60000; default 1000")
+        .placeholder("MS")
+        .range(20, 60'000);
 }
 
 } // namespace
 
-void addCheckCommand(CLI::App& app, Run& run)
+void addCheckCommand(Command program, Run& run)
 {
     const auto options = std::make_shared<CheckOptions>();
     const auto times = std::make_shared<Times>();
-    CLI::App* const command = app.add_subcommand("check", kDescription);
-    addOptions(*command, *options);
-    addTimes(*command, *times);
-    command->footer(kFooter);
-    command->callback([&run, options, times] {
+    Command command = program.addCommand("check", kDescription);
+    addOptions(command, *options);
+    addTimes(command, *times);
+    command.footer(kFooter);
+    command.action(run, [options, times] {
         options->times.press = std::chrono::seconds(times->press);
         options->times.silence = std::chrono::milliseconds(times->silence);
-        run = [options] { return CheckRun(*options).run(); };
+        return CheckRun(*options).run();
     });
 }
 

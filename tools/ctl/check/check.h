@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addCheckCommand(CLI::App& app, Run& run);
+void addCheckCommand(Command program, Run& run);
 
 } // namespace ctl

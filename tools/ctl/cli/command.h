@@ -1,23 +1,20 @@
 // How the commands of kelprobectl are declared.
 #pragma once
 
+#include "tools/command_line/command.h"
 #include "tools/ctl/cli/failure.h"
 
-#include <functional>
 #include <span>
-
-namespace CLI {
-class App;
-}
 
 namespace ctl {
 
-// The command that was chosen, with its options. Returns the exit status. May throw Failure.
-using Run = std::function<int()>;
+using command_line::Command;
+using command_line::Option;
+using command_line::Run; // of a command; may throw Failure
 
-// Declares a command: adds a subcommand with its options to `app`, whose callback sets `run`. Each
-// command has such a function. `run` and `app` outlive the command.
-using AddCommand = void (*)(CLI::App& app, Run& run);
+// Adds a command with its options to the program. When it is chosen, `run` becomes what it does.
+// Each command has such a function. `run` outlives the command.
+using AddCommand = void (*)(Command program, Run& run);
 
 // Runs kelprobectl with these commands and returns its exit status. Prints errors.
 [[nodiscard]] int runCommandLine(int argc, char** argv, std::span<const AddCommand> commands);

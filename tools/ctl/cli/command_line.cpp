@@ -90,7 +90,7 @@ int parseAndRun(int argc, char** argv, std::span<const AddCommand> commands)
                "Example: kelprobectl describe 1209:0001");
     Run run;
     for (const AddCommand add : commands)
-        add(app, run);
+        add(Command(app), run);
     if (commands.size() > 1) { // kelprobectl with one command is never asked for these
         addHelpCommand(app);
         addGenerateCommand(app, run);

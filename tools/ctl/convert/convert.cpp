@@ -5,7 +5,6 @@
 #include "tools/ctl/convert/capture_file.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace ctl {
@@ -109,21 +108,21 @@ int convert(const Options& options)
 
 } // namespace
 
-void addConvertCommand(CLI::App& app, Run& run)
+void addConvertCommand(Command program, Run& run)
 {
-    CLI::App* const command = app.add_subcommand("convert", "Convert a recording to a USB capture");
+    Command command = program.addCommand("convert", "Convert a recording to a USB capture");
     const auto options = std::make_shared<Options>();
-    command->add_option("FILE", options->recording, "Recording of monitor, trace or hid-recorder")
-        ->required();
+    command.addOption("FILE", options->recording, "Recording of monitor, trace or hid-recorder")
+        .required();
     command
-        ->add_option(
+        .addOption(
             "--pcap", options->capture, "Write a capture that Wireshark and tshark decode as HID")
-        ->required()
-        ->type_name("OUT");
-    command->footer("Example:\n"
-                    "  kelprobectl convert headset.hid --pcap headset.pcap\n"
-                    "  tshark -r headset.pcap -V");
-    command->callback([options, &run] { run = [options] { return convert(*options); }; });
+        .required()
+        .placeholder("OUT");
+    command.footer("Example:\n"
+                   "  kelprobectl convert headset.hid --pcap headset.pcap\n"
+                   "  tshark -r headset.pcap -V");
+    command.action(run, [options] { return convert(*options); });
 }
 
 } // namespace ctl

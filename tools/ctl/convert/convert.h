@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addConvertCommand(CLI::App& app, Run& run);
+void addConvertCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -6,7 +6,6 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <memory>
@@ -140,23 +139,22 @@ int doctor(const Options& options)
 
 } // namespace
 
-void addDoctorCommand(CLI::App& app, Run& run)
+void addDoctorCommand(Command program, Run& run)
 {
-    CLI::App& command
-        = *app.add_subcommand("doctor", "Find what stands between you and the devices");
+    Command command = program.addCommand("doctor", "Find what stands between you and the devices");
     const auto options = std::make_shared<Options>();
-    CLI::Option* const device = command.add_option("DEVICE", options->device,
+    const Option device = command.addOption("DEVICE", options->device,
         "Ids (vvvv:pppp), path or number of list; default: all telephony devices");
-    CLI::Option* const json = command.add_flag("--json", options->json, "Print JSON");
-    command.add_flag("--udev-rule", options->udevRule, "Only print Kelprobe's udev rule")
-        ->excludes(device)
-        ->excludes(json);
+    const Option json = command.addFlag("--json", options->json, "Print JSON");
+    command.addFlag("--udev-rule", options->udevRule, "Only print Kelprobe's udev rule")
+        .excludes(device)
+        .excludes(json);
     command.footer(
         "Opens each telephony device and gives it back, which interrupts its volume keys\n"
         "for a moment.\n"
         "Exit status: 0 Kelprobe can use a telephony device, or DEVICE; 3 it cannot.\n"
         "Example: kelprobectl doctor 1209:0001");
-    command.callback([options, &run] { run = [options] { return doctor(*options); }; });
+    command.action(run, [options] { return doctor(*options); });
 }
 
 } // namespace ctl

@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addDoctorCommand(CLI::App& app, Run& run);
+void addDoctorCommand(Command program, Run& run);
 
 } // namespace ctl

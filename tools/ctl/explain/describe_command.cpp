@@ -7,7 +7,6 @@
 #include "tools/ctl/explain/description_text.h"
 #include "tools/ctl/explain/phrases.h"
 
-#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <cstdio>
@@ -94,30 +93,30 @@ int describe(const Options& options)
 
 } // namespace
 
-void addDescribeCommand(CLI::App& app, Run& run)
+void addDescribeCommand(Command program, Run& run)
 {
-    CLI::App& command = *app.add_subcommand(
+    Command command = program.addCommand(
         "describe", "Explain a report descriptor and the controls that Kelprobe finds in it");
     const auto options = std::make_shared<Options>();
-    command.add_option("DEVICE|FILE", options->choice,
+    command.addOption("DEVICE|FILE", options->choice,
         "A device as vvvv:pppp, path or number of the list, or a file; without it the only "
         "telephony device");
     command
-        .add_option(
+        .addOption(
             "--descriptor", options->descriptor, "Which descriptor of a file with several, from 1")
-        ->check(findNegative);
-    command.add_flag("--items", options->items, "Print the items only");
-    command.add_flag("--layout", options->layout, "Print the layout of the reports only");
-    command.add_flag("--controls", options->controls, "Print the controls only");
-    command.add_flag("--tree", options->tree, "Print the tree of Kelprobe's stack instead");
-    command.add_flag("--json", options->json, "Print JSON instead");
+        .check(findNegative);
+    command.addFlag("--items", options->items, "Print the items only");
+    command.addFlag("--layout", options->layout, "Print the layout of the reports only");
+    command.addFlag("--controls", options->controls, "Print the controls only");
+    command.addFlag("--tree", options->tree, "Print the tree of Kelprobe's stack instead");
+    command.addFlag("--json", options->json, "Print JSON instead");
     command.footer("A file is binary as /sys/bus/hid/devices/*/report_descriptor, hexadecimal\n"
                    "text, a C array, output of usbhid-dump, or a recording. Write ./NAME for a\n"
                    "file whose name looks like a device.\n"
                    "Exit status: 0 also if controls are missing, 2 the file is no descriptor,\n"
                    "3 the device or file cannot be read.\n"
                    "Example: kelprobectl describe 046d:0944");
-    command.callback([options, &run] { run = [options] { return describe(*options); }; });
+    command.action(run, [options] { return describe(*options); });
 }
 
 } // namespace ctl

@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addDescribeCommand(CLI::App& app, Run& run);
+void addDescribeCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -2,7 +2,6 @@
 
 #include "tools/ctl/meeting/meeting_console.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace ctl {
@@ -33,19 +32,19 @@ int runMeeting(const MeetingOptions& options)
 
 } // namespace
 
-void addMeetingCommand(CLI::App& app, Run& run)
+void addMeetingCommand(Command program, Run& run)
 {
     const auto options = std::make_shared<MeetingOptions>();
-    CLI::App* const command = app.add_subcommand("meeting", kDescription);
-    command->add_option("DEVICE", options->device,
+    Command command = program.addCommand("meeting", kDescription);
+    command.addOption("DEVICE", options->device,
         "The device: vvvv:pppp, path or number; default: the only telephony device");
-    command->add_flag("--json", options->json, "Print one line of JSON for each entry");
+    command.addFlag("--json", options->json, "Print one line of JSON for each entry");
     command
-        ->add_option(
+        .addOption(
             "--record", options->recording, "Also write the reports to this file as a recording")
-        ->type_name("FILE");
-    command->footer(kFooter);
-    command->callback([&run, options] { run = [options] { return runMeeting(*options); }; });
+        .placeholder("FILE");
+    command.footer(kFooter);
+    command.action(run, [options] { return runMeeting(*options); });
 }
 
 } // namespace ctl

@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addMeetingCommand(CLI::App& app, Run& run);
+void addMeetingCommand(Command program, Run& run);
 
 } // namespace ctl

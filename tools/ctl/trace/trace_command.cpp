@@ -7,7 +7,6 @@
 #include "tools/preload/preload_library.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace fs = std::filesystem;
@@ -72,22 +71,22 @@ int traceProgram(const Options& options)
 
 } // namespace
 
-void addTraceCommand(CLI::App& app, Run& run)
+void addTraceCommand(Command program, Run& run)
 {
-    CLI::App& command = *app.add_subcommand(
+    Command command = program.addCommand(
         "trace", "Run a program and print what it and its devices send to each other");
     const auto options = std::make_shared<Options>();
     command
-        .add_option("--output", options->trace.output,
+        .addOption("--output", options->trace.output,
             "Write the trace to this file instead of standard error")
-        ->type_name("FILE");
+        .placeholder("FILE");
     command
-        .add_option(
+        .addOption(
             "--record", options->trace.record, "Also write the reports to this file as a recording")
-        ->type_name("FILE");
-    command.add_flag("--json", options->trace.json, "Print one line of JSON for each call");
-    command.add_option("PROGRAM", options->command, "The program and its arguments, after --")
-        ->required();
+        .placeholder("FILE");
+    command.addFlag("--json", options->trace.json, "Print one line of JSON for each call");
+    command.addOption("PROGRAM", options->command, "The program and its arguments, after --")
+        .required();
     command.footer(
         "The program is not changed and keeps its standard streams. Only programs that use the\n"
         "shared library of hidapi can be traced, not those that contain hidapi.\n"
@@ -95,7 +94,7 @@ void addTraceCommand(CLI::App& app, Run& run)
         "Exit status: the program's own, or 128 + the signal that ended it; 127 if it is not\n"
         "found, 126 if it cannot be run.\n"
         "Example: kelprobectl trace -- kelprobe");
-    command.callback([options, &run] { run = [options] { return traceProgram(*options); }; });
+    command.action(run, [options] { return traceProgram(*options); });
 }
 
 } // namespace ctl

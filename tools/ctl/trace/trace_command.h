@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addTraceCommand(CLI::App& app, Run& run);
+void addTraceCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -8,9 +8,9 @@
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <utility>
 
@@ -154,7 +154,9 @@ std::string limitOf(const std::string& text)
 {
     constexpr double kDay = 86400;
     double seconds = 0;
-    if (CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kDay)
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, seconds);
+    if (error == std::errc() && rest == end && seconds > 0 && seconds <= kDay)
         return {};
     return '"' + text::printable(text) + "\" is not a number of seconds above 0, at most 86400";
 }
@@ -174,17 +176,18 @@ int switchLamp(const LampOptions& options)
 
 } // namespace
 
-void addLampCommand(CLI::App& app, Run& run)
+void addLampCommand(Command program, Run& run)
 {
-    CLI::App& command = *app.add_subcommand("lamp", "Switch a lamp of a device on, off or blink");
+    Command command = program.addCommand("lamp", "Switch a lamp of a device on, off or blink");
     const auto options = std::make_shared<LampOptions>();
-    command.add_option("NAME", options->name, "off-hook, mute, ring, hold or another LED by name")
-        ->required();
-    command.add_option("ACTION", options->action, "on, off or blink")->required();
-    command.add_option("--for", options->seconds, "Switch it off after this many seconds")
-        ->check(CLI::Validator(limitOf, "SECONDS"));
-    command.add_flag("--json", options->json, "Print one line of JSON for each report");
-    command.add_option("--device", options->device, "The device: vvvv:pppp, path or number");
+    command.addOption("NAME", options->name, "off-hook, mute, ring, hold or another LED by name")
+        .required();
+    command.addOption("ACTION", options->action, "on, off or blink").required();
+    command.addOption("--for", options->seconds, "Switch it off after this many seconds")
+        .placeholder("SECONDS")
+        .check(limitOf);
+    command.addFlag("--json", options->json, "Print one line of JSON for each report");
+    command.addOption("--device", options->device, "The device: vvvv:pppp, path or number");
     command.footer(
         "Prints each report before it is sent. The other lamps of the report are switched off.\n"
         "With on and blink the device stays open until Ctrl-C or the end of the time; then the\n"
@@ -192,10 +195,10 @@ void addLampCommand(CLI::App& app, Run& run)
         "Exit status: 0 fine, 1 the device has no such lamp or does not take the report, 2 wrong\n"
         "use, 3 no device, or it cannot be opened or has gone.\n"
         "Example: kelprobectl lamp ring blink --for 5");
-    command.callback([options, &run] {
+    command.action(run, [options] {
         options->name = text::lowerCase(options->name);
         options->action = text::lowerCase(options->action);
-        run = [options] { return switchLamp(*options); };
+        return switchLamp(*options);
     });
 }
 

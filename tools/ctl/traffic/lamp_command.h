@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addLampCommand(CLI::App& app, Run& run);
+void addLampCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -4,8 +4,6 @@
 #include "tools/ctl/traffic/monitor.h"
 #include "tools/ctl/usb/device_words.h"
 
-#include <CLI/CLI.hpp>
-
 namespace ctl {
 namespace {
 
@@ -63,26 +61,26 @@ int monitor(const MonitorOptions& options)
 
 } // namespace
 
-void addMonitorCommand(CLI::App& app, Run& run)
+void addMonitorCommand(Command program, Run& run)
 {
-    CLI::App& command
-        = *app.add_subcommand("monitor", "Print the input reports of a device as they arrive");
+    Command command
+        = program.addCommand("monitor", "Print the input reports of a device as they arrive");
     const auto options = std::make_shared<MonitorOptions>();
-    command.add_option("DEVICE", options->device, "The device: vvvv:pppp, path or number");
-    command.add_flag(
+    command.addOption("DEVICE", options->device, "The device: vvvv:pppp, path or number");
+    command.addFlag(
         "--wait", options->wait, "Wait for the device, also when it is unplugged, until Ctrl-C");
     command
-        .add_option("--record", options->monitor.record,
+        .addOption("--record", options->monitor.record,
             "Also write the reports to this file as a recording")
-        ->type_name("FILE");
-    command.add_flag("--json", options->monitor.json, "Print one line of JSON for each report");
+        .placeholder("FILE");
+    command.addFlag("--json", options->monitor.json, "Print one line of JSON for each report");
     command.footer(
         "Prints the time in seconds, the bytes and their meaning. A * (or bold text) marks what\n"
         "changed since the report before. No other program has the device meanwhile.\n"
         "Exit status: 0 ended by Ctrl-C, 2 wrong use, 3 no device, or it cannot be opened or was\n"
         "unplugged (without --wait).\n"
         "Example: kelprobectl monitor --record hook.txt");
-    command.callback([options, &run] { run = [options] { return monitor(*options); }; });
+    command.action(run, [options] { return monitor(*options); });
 }
 
 } // namespace ctl

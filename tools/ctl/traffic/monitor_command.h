@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addMonitorCommand(CLI::App& app, Run& run);
+void addMonitorCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -5,8 +5,6 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
-
 namespace ctl {
 namespace {
 
@@ -102,21 +100,21 @@ int send(const SendOptions& options)
 
 } // namespace
 
-void addSendCommand(CLI::App& app, Run& run)
+void addSendCommand(Command program, Run& run)
 {
-    CLI::App& command = *app.add_subcommand("send", "Send one report to a device");
+    Command command = program.addCommand("send", "Send one report to a device");
     const auto options = std::make_shared<SendOptions>();
-    command.add_option("HEX", options->hex, "The report, its id first (00 if there are no ids)")
-        ->required();
-    command.add_flag("--feature", options->feature, "A feature report instead of an output report");
-    command.add_flag("--json", options->json, "Print a line of JSON");
-    command.add_option("--device", options->device, "The device: vvvv:pppp, path or number");
+    command.addOption("HEX", options->hex, "The report, its id first (00 if there are no ids)")
+        .required();
+    command.addFlag("--feature", options->feature, "A feature report instead of an output report");
+    command.addFlag("--json", options->json, "Print a line of JSON");
+    command.addOption("--device", options->device, "The device: vvvv:pppp, path or number");
     command.footer("Prints what the report means before it is sent. A report that the device's\n"
                    "descriptor does not have, or that is too long, is not sent.\n"
                    "Exit status: 0 fine, 1 the device does not take the report or a signal came\n"
                    "first, 2 wrong use, 3 no device, or it cannot be opened or has gone.\n"
                    "Example: kelprobectl send 03 08 00");
-    command.callback([options, &run] { run = [options] { return send(*options); }; });
+    command.action(run, [options] { return send(*options); });
 }
 
 } // namespace ctl

@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addSendCommand(CLI::App& app, Run& run);
+void addSendCommand(Command program, Run& run);
 
 } // namespace ctl

@@ -7,7 +7,6 @@
 #include "tools/ctl/usb/device_words.h"
 #include "tools/text/printable.h"
 
-#include <CLI/CLI.hpp>
 #include <json/json.h>
 
 #include <algorithm>
@@ -138,19 +137,18 @@ int watch(const Options& options)
 
 } // namespace
 
-void addListCommand(CLI::App& app, Run& run)
+void addListCommand(Command program, Run& run)
 {
-    CLI::App& command = *app.add_subcommand("list", "List the HID devices and who can open them");
+    Command command = program.addCommand("list", "List the HID devices and who can open them");
     const auto options = std::make_shared<Options>();
-    command.add_flag("--watch", options->watch, "Follow plug and unplug until Ctrl-C");
-    command.add_flag("--telephony", options->telephony, "Leave out devices without telephony");
-    command.add_flag("--json", options->json, "Print JSON; with --watch one line for each event");
+    command.addFlag("--watch", options->watch, "Follow plug and unplug until Ctrl-C");
+    command.addFlag("--telephony", options->telephony, "Leave out devices without telephony");
+    command.addFlag("--json", options->json, "Print JSON; with --watch one line for each event");
     command.footer("The devices are not disturbed; kelprobectl doctor really tries to use them.\n"
                    "Exit status: 0 there are devices, 3 there are none or USB cannot be used.\n"
                    "Example: kelprobectl list --telephony");
-    command.callback([options, &run] {
-        run = [options] { return options->watch ? watch(*options) : listOnce(*options); };
-    });
+    command.action(
+        run, [options] { return options->watch ? watch(*options) : listOnce(*options); });
 }
 
 } // namespace ctl

@@ -5,6 +5,6 @@
 
 namespace ctl {
 
-void addListCommand(CLI::App& app, Run& run);
+void addListCommand(Command program, Run& run);
 
 } // namespace ctl

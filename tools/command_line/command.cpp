@@ -1,0 +1,80 @@
+#include "tools/command_line/command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <vector>
+
+namespace command_line {
+
+Option& Option::required()
+{
+    option_->required();
+    return *this;
+}
+
+Option& Option::placeholder(const std::string& name)
+{
+    option_->type_name(name);
+    return *this;
+}
+
+// Validators without a description, which the help would show after the placeholder.
+
+Option& Option::check(const Check& check)
+{
+    option_->check(CLI::Validator([check](const std::string& value) { return check(value); }, ""));
+    return *this;
+}
+
+Option& Option::range(int least, int most)
+{
+    option_->check(CLI::Range(least, most).description(""));
+    return *this;
+}
+
+Option& Option::excludes(Option other)
+{
+    option_->excludes(other.option_);
+    return *this;
+}
+
+Command Command::addCommand(const std::string& name, const std::string& description)
+{
+    return Command(*app_->add_subcommand(name, description));
+}
+
+template <typename Value>
+Option Command::addOption(const std::string& names, Value& value, const std::string& description)
+{
+    return Option(*app_->add_option(names, value, description));
+}
+
+template Option Command::addOption(const std::string&, std::string&, const std::string&);
+template Option Command::addOption(
+    const std::string&, std::optional<std::string>&, const std::string&);
+template Option Command::addOption(
+    const std::string&, std::vector<std::string>&, const std::string&);
+template Option Command::addOption(const std::string&, int&, const std::string&);
+template Option Command::addOption(const std::string&, size_t&, const std::string&);
+template Option Command::addOption(const std::string&, std::optional<size_t>&, const std::string&);
+template Option Command::addOption(const std::string&, double&, const std::string&);
+
+Option Command::addFlag(const std::string& names, bool& value, const std::string& description)
+{
+    return Option(*app_->add_flag(names, value, description));
+}
+
+Command& Command::footer(const std::string& text)
+{
+    app_->footer(text);
+    return *this;
+}
+
+Command& Command::action(Run& chosen, const Run& run)
+{
+    app_->callback([&chosen, run] { chosen = run; });
+    return *this;
+}
+
+} // namespace command_line
