@@ -18,6 +18,10 @@ kelprobectl meeting "$@" <"$directory/person" &
 program=$!
 exec 3>"$directory/person"
 trap 'kill "$program" 2>/dev/null || true; rm -rf "$directory"' EXIT
+# dash ends without that trap if a signal ends it.
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
 # pause: what a person would take. A press right after a report could come before the program knows
 # what its own report means.
