@@ -32,10 +32,19 @@ Kind kindOf(DeviceEvent::Kind kind)
         return Kind::kClosed;
     case DeviceEvent::Kind::kClaimRefused:
         return Kind::kClaimRefused;
+    case DeviceEvent::Kind::kRequestFailed:
+        return Kind::kFault;
     case DeviceEvent::Kind::kDetachRefused:
         break;
     }
     return Kind::kDetachRefused;
+}
+
+// Whether an event of the queue stands for what may have changed, for which others follow.
+bool asksForChanges(const BenchEvent& event)
+{
+    return event.kind == Kind::kLamp || event.kind == Kind::kHook
+        || (event.kind == Kind::kFault && event.name.empty());
 }
 
 } // namespace
@@ -51,13 +60,6 @@ BenchDevice::BenchDevice(UsbBus& bus, const Profile& profile, size_t number, Eve
 {
     device_.setEventCallback([this](const DeviceEvent& event) { addDeviceEvent(event); });
     device_.plug();
-}
-
-// The callback uses fields that are destroyed before the device.
-BenchDevice::~BenchDevice()
-{
-    device_.unplug();
-    device_.setEventCallback({});
 }
 
 void BenchDevice::add(Kind kind, std::string name, std::string state)
@@ -113,17 +115,28 @@ CommandResult BenchDevice::checkButton(std::string_view name)
 CommandResult BenchDevice::press(std::string_view button, Press press)
 {
     CommandResult possible = checkButton(button);
-    if (possible.status == kDone)
+    if (possible.status == kDone) {
         (void)(press == Press::kHold ? device_.press(button) : device_.push(button));
+        announceHook();
+    }
     return possible;
 }
 
 CommandResult BenchDevice::release(std::string_view button)
 {
     CommandResult possible = checkButton(button);
-    if (possible.status == kDone)
+    if (possible.status == kDone) {
         (void)device_.release(button);
+        announceHook();
+    }
     return possible;
+}
+
+// The hook switch moves at once; its report may come later.
+void BenchDevice::announceHook()
+{
+    if (device_.hasDelayedReports())
+        queue_.add({.device = number_, .kind = Kind::kHook, .hook = device_.panel().hook()});
 }
 
 CommandResult BenchDevice::sendRaw(const Bytes& report)
@@ -264,7 +277,7 @@ std::vector<BenchEvent> BenchDevice::complete(BenchEvent event)
     const auto changes = plugged_ ? lamps_.apply(event.changes, event.time) : lamps_.switchAllOff();
     lampsUpdated_ = event.time;
     std::vector<BenchEvent> events;
-    if (event.kind != Kind::kLamp) // which only asks for what has changed by the time
+    if (!asksForChanges(event))
         events.push_back(event);
     for (const DeviceLamps::Change& change : changes)
         events.push_back(following(Kind::kLamp, change.lamp, nameOf(change.state)));

@@ -19,7 +19,6 @@ public:
 
     // Plugs in. `number` counts from 1. `queue` must outlive the object. Throws std::runtime_error.
     BenchDevice(UsbBus& bus, const Profile& profile, size_t number, EventQueue& queue);
-    ~BenchDevice();
     BenchDevice(const BenchDevice&) = delete;
     BenchDevice& operator=(const BenchDevice&) = delete;
 
@@ -39,9 +38,9 @@ public:
     [[nodiscard]] bool hasNode(std::string_view path) const { return device_.node() == path; }
     void reportRefusedOpen() { add(BenchEvent::Kind::kOpenRefused); }
 
-    // What an event of this device comes to: the event with its meaning, and those that follow from
-    // it, of a lamp for example. To be called with each event of the queue, in order; the state
-    // below is the one after that event.
+    // Returns the event with its meaning, followed by the events that it causes, of lamps for
+    // example. To be called with each event of the queue, in order; the state below is the one
+    // after that event.
     [[nodiscard]] std::vector<BenchEvent> complete(BenchEvent event);
 
     [[nodiscard]] size_t number() const { return number_; }
@@ -63,6 +62,7 @@ public:
 private:
     [[nodiscard]] std::string hookText() const; // "on", "off"; empty without a hook switch
     void add(BenchEvent::Kind kind, std::string name = {}, std::string state = {});
+    void announceHook();
     void addDeviceEvent(const DeviceEvent& event);
     void explain(BenchEvent& event);
     CommandResult flood(int reports);
@@ -73,7 +73,7 @@ private:
     const Profile profile_;
     const size_t number_;
     EventQueue& queue_;
-    UsbDevice device_;
+    UsbDevice device_; // its callback uses this and the fields above only
     DeviceLamps lamps_;
     FaultSwitches faults_;
     bool open_ = false; // this and the next two: as the latest event has it

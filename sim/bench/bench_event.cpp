@@ -113,8 +113,9 @@ Json::Value toJson(const BenchEvent& event)
     json["event"] = nameOf(event.kind);
     if (event.interface)
         json["interface"] = *event.interface;
-    if (carriesReport(event.kind)) {
+    if (carriesReport(event.kind))
         json["report"] = toHex(event.report, "");
+    if (carriesReport(event.kind) && event.kind != Kind::kWriteRefused) {
         json["meaning"] = Json::arrayValue;
         for (const std::string& word : event.meaning)
             json["meaning"].append(word);

@@ -69,7 +69,7 @@ void Replay::findNext(size_t& index, bool input) const
 
 void Replay::onEvent(const BenchEvent& event)
 {
-    if (event.device != device_.number() || differs_)
+    if (event.device != device_.number() || event.interface || differs_)
         return;
     if (event.kind == BenchEvent::Kind::kOpened && !opened_) {
         opened_ = event.time;

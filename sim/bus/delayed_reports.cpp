@@ -27,10 +27,14 @@ bool DelayedReports::add(Panel::InputReport report, std::chrono::milliseconds de
     return true;
 }
 
-void DelayedReports::clear()
+std::vector<Panel::InputReport> DelayedReports::takeAll()
 {
     const std::lock_guard lock(mutex_);
+    std::vector<Panel::InputReport> reports;
+    for (Entry& entry : entries_)
+        reports.push_back(std::move(entry.report));
     entries_.clear();
+    return reports;
 }
 
 bool DelayedReports::isEmpty()

@@ -8,6 +8,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace sim {
 
@@ -32,8 +33,9 @@ public:
     // False if too many are waiting.
     [[nodiscard]] bool add(Panel::InputReport report, std::chrono::milliseconds delay);
 
-    // Drops the reports that wait. One that is being sent is not stopped.
-    void clear();
+    // Removes the reports that wait, and returns them in order. One that is being sent is not
+    // stopped.
+    std::vector<Panel::InputReport> takeAll();
 
     // Whether no report waits and none is being sent.
     [[nodiscard]] bool isEmpty();

@@ -187,6 +187,8 @@ int UsbBus::takeAddress()
         if (!isUsed(lastAddress_))
             return lastAddress_;
     }
+    if (removeOldSocket())
+        return takeAddress();
     throw std::runtime_error("the USB bus has no room for another device");
 }
 
@@ -194,10 +196,18 @@ int UsbBus::takeAddress()
 void UsbBus::removeOldSockets()
 {
     constexpr size_t kKept = 4;
-    while (removedNodes_.size() > kKept) {
-        umockdev_testbed_detach_ioctl(testbed_, removedNodes_.front().c_str(), nullptr);
-        removedNodes_.pop_front();
-    }
+    while (removedNodes_.size() > kKept)
+        (void)removeOldSocket();
+}
+
+// The oldest. False if there is none.
+bool UsbBus::removeOldSocket()
+{
+    if (removedNodes_.empty())
+        return false;
+    umockdev_testbed_detach_ioctl(testbed_, removedNodes_.front().c_str(), nullptr);
+    removedNodes_.pop_front();
+    return true;
 }
 
 // Removes the node first, so that it cannot be opened any more. The sysfs directory is removed by

@@ -43,6 +43,7 @@ public:
 private:
     void makeNode(const std::string& node, const Usbfs& usbfs) const;
     void removeOldSockets();
+    bool removeOldSocket();
     int takeAddress();
 
     UMockdevTestbed* testbed_;

@@ -49,10 +49,11 @@ void UsbDevice::unplug()
         usbfs.swap(usbfs_);
         place = place_;
     }
-    delayed_.clear();
     if (!usbfs)
         return;
     bus_.unplug(place, *usbfs);
+    for (Panel::InputReport& input : delayed_.takeAll())
+        addInputEvent(controlsNumber(), std::move(input), Delivery::kNoListener);
     panel().losePower();
 }
 

@@ -77,6 +77,9 @@ int parseAndRun(Words words)
         printf("%s\n", command_line::requestedText(app, error).c_str());
         return EXIT_SUCCESS;
     }
+    const bool takesProgram = app.got_subcommand("run") || app.got_subcommand("replay");
+    if (words.program && !takesProgram)
+        throw WrongUse("only run and replay take a program after --");
     return run();
 }
 

@@ -1,14 +1,16 @@
 #include "sim/console/device_commands.h"
 
+#include "report/format/file_content.h"
 #include "report/format/recording.h"
 #include "sim/bench/command_words.h"
 #include "sim/bench/device_json.h"
 #include "sim/console/session.h"
 #include "sim/profile/profile_text.h"
 #include "sim/profile/profiles.h"
-#include "sim/profile/utf16.h"
+#include "sim/profile/recorded_devices.h"
 #include "tools/text/printable.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -52,15 +54,14 @@ std::string speedMistake(const std::string& text)
 
 struct DeviceOptions {
     ProfileOptions profile;
-    std::string ids;
-    std::string name;
+    std::optional<std::string> ids;
     int interface = -1;
 
     void add(command_line::Command& command)
     {
         command.addOption("--ids", ids, "Vendor and product id of the device")
             .placeholder("VVVV:PPPP");
-        command.addOption("--name", name, "Product name of the device");
+        command.addOption("--name", profile.product, "Product name of the device");
         command.addOption("--interface", interface, "Number of the interface with the controls")
             .range(0, 31)
             .placeholder("N");
@@ -71,17 +72,15 @@ struct DeviceOptions {
     [[nodiscard]] ProfileOptions get() const
     {
         ProfileOptions options = profile;
-        if (!ids.empty())
-            options.ids = parseIds();
-        if (!name.empty())
-            options.product = name;
+        if (ids)
+            options.ids = parseIds(*ids);
         if (interface >= 0)
             options.interfaceNumber = static_cast<uint8_t>(interface);
         return options;
     }
 
 private:
-    [[nodiscard]] report::DeviceIds parseIds() const
+    [[nodiscard]] static report::DeviceIds parseIds(const std::string& ids)
     {
         const bool hasColon = ids.size() == 9 && ids[4] == ':';
         const auto bytes
@@ -146,24 +145,37 @@ struct ReplayCommandOptions {
     bool programTakesInput = false;
 };
 
-Profile profileOf(const report::RecordedDevice& device, const std::string& file)
+std::string readText(const std::string& file)
 {
-    if (device.descriptor.empty())
-        throw WrongUse(file + ": the recording has no report descriptor (R: line) of the device");
-    Profile profile{.name = file, .description = "", .info = {}};
-    profile.info.vendorId = device.vendorId;
-    profile.info.productId = device.productId;
-    profile.info.product = utf16(text::printable(device.name)).value_or(u"");
-    profile.info.controls().reportDescriptor = device.descriptor;
-    return profile;
+    try {
+        return report::readFile(file, report::kMaxRecordingSize);
+    } catch (const report::DescriptorError& error) {
+        throw WrongUse(error.text);
+    }
 }
 
-report::Recording readRecording(const std::string& file)
+report::Recording parseRecording(const std::string& text, const std::string& file)
 {
-    auto result = report::readRecordingFile(file);
+    auto result = report::parseRecording(text, file);
     if (const auto* const error = std::get_if<report::DescriptorError>(&result))
         throw WrongUse(error->text);
     return std::get<report::Recording>(std::move(result));
+}
+
+// The device with this number, from 1, as `run` makes it.
+Profile recordedDevice(const report::Recording& recording, size_t number, const std::string& text,
+    const std::string& file)
+{
+    const auto& devices = recording.devices;
+    if (number > devices.size())
+        throw WrongUse(file + ": the recording has no device " + std::to_string(number)
+            + "; it has " + std::to_string(devices.size()));
+    const auto device = devices.begin() + static_cast<std::ptrdiff_t>(number) - 1;
+    if (device->descriptor.empty())
+        throw WrongUse(file + ": the recording has no report descriptor (R: line) of the device");
+    const auto index = std::count_if(devices.begin(), device,
+        [](const report::RecordedDevice& other) { return !other.descriptor.empty(); });
+    return deviceOfDescriptor(text, file, static_cast<size_t>(index));
 }
 
 int replay(const ReplayCommandOptions& options, const Program& program)
@@ -171,12 +183,9 @@ int replay(const ReplayCommandOptions& options, const Program& program)
     SessionOptions session;
     session.program = requireProgram(program);
     session.programTakesInput = options.programTakesInput;
-    const report::Recording recording = readRecording(options.file);
-    if (options.device > recording.devices.size())
-        throw WrongUse(options.file + ": the recording has no device "
-            + std::to_string(options.device) + "; it has "
-            + std::to_string(recording.devices.size()));
-    session.profiles = {profileOf(recording.devices[options.device - 1], options.file)};
+    const std::string text = readText(options.file);
+    const report::Recording recording = parseRecording(text, options.file);
+    session.profiles = {recordedDevice(recording, options.device, text, options.file)};
     session.replay.emplace();
     session.replay->options = options.replay;
     for (const report::RecordedReport& report : recording.reports)

@@ -44,8 +44,8 @@ void ButtonReport::switchOn(const Control& button)
     assert(field.reportId == id_ && field.kind == report::ReportKind::kInput);
     if (field.isVariable())
         write(field, button.index, 1);
-    else if (uint64_t& pressed = pressed_[&field]; pressed < field.count)
-        write(field, pressed++, arrayValue(field, button.index));
+    else // in a full array it replaces the button that was pressed first
+        write(field, pressed_[&field]++ % field.count, arrayValue(field, button.index));
 }
 
 Bytes ButtonReport::bytes() const

@@ -11,7 +11,7 @@ public:
     // Every button is off. `layout` must outlive the object.
     ButtonReport(const report::Layout& layout, uint8_t id);
 
-    // The button is one of this report. In an array that is full it is left out.
+    // The button is one of this report. In a full array it replaces the one that came first.
     void switchOn(const Control& button);
 
     [[nodiscard]] Bytes bytes() const; // as on the wire

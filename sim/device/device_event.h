@@ -36,6 +36,7 @@ struct DeviceEvent {
         kClaimRefused,  // claiming the interface gave EBUSY
         kDetachRefused, // detaching the kernel driver gave EBUSY
         kFeature,       // a feature report was received
+        kRequestFailed, // reading a descriptor failed, because a fault says so
     };
 
     Kind kind = Kind::kOutput;

@@ -14,8 +14,14 @@ namespace {
 using Reply = DeviceModel::ControlReply;
 using Setup = DeviceModel::SetupPacket;
 
-enum Request : uint8_t { kGetDescriptor = 6, kSetReport = 9, kSetIdle = 10 };
-enum RequestType : uint8_t { kFromDevice = 0x80, kFromInterface = 0x81, kClassToInterface = 0x21 };
+enum Request : uint8_t { kGetReport = 1, kGetDescriptor = 6, kSetReport = 9, kSetIdle = 10 };
+enum RequestType : uint8_t {
+    kFromDevice = 0x80,
+    kFromInterface = 0x81,
+    kClassFromInterface = 0xa1,
+    kClassToInterface = 0x21
+};
+constexpr uint8_t kInputReport = 1;
 constexpr uint8_t kOutputReport = 2;
 constexpr uint8_t kFeatureReport = 3;
 
@@ -70,12 +76,22 @@ Reply DeviceModel::control(const Setup& setup, std::span<const uint8_t> out)
         return setReport(setup, out);
     if (setup.requestType == kClassToInterface && setup.request == kSetIdle)
         return {};
+    if (setup.requestType == kClassFromInterface && setup.request == kGetReport)
+        return getReport(setup);
     const bool get = setup.request == kGetDescriptor;
     if (get && setup.requestType == kFromDevice)
         return getDescriptor(setup);
     if (get && setup.requestType == kFromInterface)
         return getReportDescriptor(setup);
     return stall();
+}
+
+bool DeviceModel::fails(Fault& fault)
+{
+    const bool failed = fault.consume();
+    if (failed)
+        addEvent({.kind = DeviceEvent::Kind::kRequestFailed});
+    return failed;
 }
 
 Reply DeviceModel::getDescriptor(const Setup& setup)
@@ -86,7 +102,7 @@ Reply DeviceModel::getDescriptor(const Setup& setup)
     case kConfiguration:
         return send(configurationDescriptor(info), setup.length);
     case kString:
-        if (faults.stallStrings.consume())
+        if (fails(faults.stallStrings))
             return stall();
         if (auto text = stringDescriptor(info, lowByte(setup.value)))
             return send(std::move(*text), setup.length);
@@ -106,9 +122,9 @@ Reply DeviceModel::getReportDescriptor(const Setup& setup)
     if (setup.value != ClassDescriptor::kReport << 8)
         return stall();
     ++counters.reportDescriptorReads;
-    if (faults.stallReportDescriptor.consume())
+    if (fails(faults.stallReportDescriptor))
         return stall();
-    const bool cut = faults.shortenReportDescriptor.consume();
+    const bool cut = fails(faults.shortenReportDescriptor);
     return send(interface->reportDescriptor,
         cut ? std::min<size_t>(setup.length, faults.shortLength) : setup.length);
 }
@@ -123,6 +139,31 @@ Reply DeviceModel::setReport(const Setup& setup, std::span<const uint8_t> out)
         : kind == kFeatureReport ? receiveFeature(*interface, lowByte(setup.value), out)
                                  : false;
     return received ? Reply{.transferred = out.size()} : stall();
+}
+
+// Output reports cannot be read, as with most devices.
+Reply DeviceModel::getReport(const Setup& setup)
+{
+    using report::ReportKind;
+    const InterfaceInfo* const interface = findInterface(lowByte(setup.index));
+    const int type = setup.value >> 8;
+    if (!interface || !interface->isHid() || (type != kInputReport && type != kFeatureReport))
+        return stall();
+    const uint8_t id = lowByte(setup.value);
+    const ReportKind kind = type == kInputReport ? ReportKind::kInput : ReportKind::kFeature;
+    const report::Layout layout = report::readLayout(interface->reportDescriptor);
+    const auto size = layout.wireSize({kind, id});
+    if (!size)
+        return stall();
+    if (kind == ReportKind::kInput && interface == &controls_)
+        return send(panel.inputReport(id), setup.length);
+    Bytes report(*size);
+    if (layout.usesReportIds)
+        report.front() = id;
+    const std::lock_guard lock(featuresMutex_);
+    const auto set = features_.find({interface->number, id});
+    return send(kind == ReportKind::kFeature && set != features_.end() ? set->second : report,
+        setup.length);
 }
 
 Bytes DeviceModel::withId(const InterfaceInfo& interface, std::span<const uint8_t> wire) const
@@ -140,6 +181,10 @@ bool DeviceModel::receiveFeature(
     const report::Layout layout = report::readLayout(interface.reportDescriptor);
     if (!layout.reportBits.contains({report::ReportKind::kFeature, id}))
         return false;
+    {
+        const std::lock_guard lock(featuresMutex_);
+        features_[{interface.number, id}] = Bytes(wire.begin(), wire.end());
+    }
     addEvent({.kind = DeviceEvent::Kind::kFeature,
         .interface = interface.number,
         .report = withId(interface, wire)});
@@ -228,14 +273,20 @@ void DeviceModel::callForEvents()
 
 void DeviceModel::setReaction(EventCallback reaction)
 {
-    const std::lock_guard lock(callbackMutex_);
-    reaction_ = std::move(reaction);
+    {
+        const std::lock_guard lock(callbackMutex_);
+        reaction_ = std::move(reaction);
+    }
+    deliverEvents(); // those of a thread that could not lock
 }
 
 void DeviceModel::setEventCallback(EventCallback callback)
 {
-    const std::lock_guard lock(callbackMutex_);
-    callback_ = std::move(callback);
+    {
+        const std::lock_guard lock(callbackMutex_);
+        callback_ = std::move(callback);
+    }
+    deliverEvents(); // those of a thread that could not lock
 }
 
 } // namespace sim

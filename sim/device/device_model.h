@@ -8,6 +8,7 @@
 #include "sim/device/usb_device_info.h"
 
 #include <functional>
+#include <map>
 #include <mutex>
 #include <span>
 
@@ -46,7 +47,9 @@ public:
 
     explicit DeviceModel(UsbDeviceInfo info); // asserts that interface numbers differ
 
-    // Handles requests to the device and to an interface, which the caller has checked to exist.
+    // Handles requests to the device and to an interface. Those for the report descriptor and for
+    // reports stall if the interface does not exist or is not of class HID. A feature report that
+    // was not set has only zeros.
     // `out` is the data stage of a host-to-device transfer.
     ControlReply control(const SetupPacket& setup, std::span<const uint8_t> out);
 
@@ -83,8 +86,10 @@ public:
     OutputLog outputs;
 
 private:
+    [[nodiscard]] bool fails(Fault& fault); // whether a request fails; adds an event if so
     ControlReply getDescriptor(const SetupPacket& setup);
     ControlReply getReportDescriptor(const SetupPacket& setup);
+    ControlReply getReport(const SetupPacket& setup);
     ControlReply setReport(const SetupPacket& setup, std::span<const uint8_t> out);
     [[nodiscard]] bool receiveFeature(
         const InterfaceInfo& interface, uint8_t id, std::span<const uint8_t> wire);
@@ -95,6 +100,10 @@ private:
 
     const InterfaceInfo& controls_;        // of info
     const std::vector<bool> hasReportIds_; // of each interface: every report starts with its id
+
+    std::mutex featuresMutex_;
+    // The feature reports that were set, as on the wire, by interface number and report id.
+    std::map<std::pair<uint8_t, uint8_t>, Bytes> features_;
 
     std::mutex eventsMutex_;
     std::vector<DeviceEvent> events_;    // not yet handed to the callback

@@ -3,7 +3,7 @@
 #include "sim/device/button_report.h"
 
 #include <algorithm>
-#include <cassert>
+#include <set>
 
 namespace sim {
 namespace {
@@ -119,18 +119,24 @@ std::optional<Bytes> Panel::reportOf(std::string_view button) const
 {
     const std::lock_guard lock(mutex_);
     const Control* const control = find(button);
-    return control ? std::optional(inputReport(control->field->reportId)) : std::nullopt;
+    return control ? std::optional(reportWithId(control->field->reportId)) : std::nullopt;
+}
+
+Bytes Panel::inputReport(uint8_t id) const
+{
+    const std::lock_guard lock(mutex_);
+    return reportWithId(id);
 }
 
 Bytes Panel::stateReport() const
 {
     const std::lock_guard lock(mutex_);
     if (const Control* const hook = find("hook"))
-        return inputReport(hook->field->reportId);
+        return reportWithId(hook->field->reportId);
     const auto first = layout_.reportBits.lower_bound({ReportKind::kInput, 0});
     const bool hasInput
         = first != layout_.reportBits.end() && first->first.kind == ReportKind::kInput;
-    return hasInput ? inputReport(first->first.id) : Bytes{0};
+    return hasInput ? reportWithId(first->first.id) : Bytes{0};
 }
 
 std::vector<LampChange> Panel::applyOutput(const Bytes& report)
@@ -208,21 +214,21 @@ bool Panel::isSwitch(const Control& button) const
 
 bool Panel::isPressed(const Control& button) const
 {
-    return pressed_.contains(&button);
+    return std::ranges::find(pressed_, &button) != pressed_.end();
 }
 
 Panel::InputReport Panel::set(const Control& button, bool pressed)
 {
-    if (pressed)
-        pressed_.insert(&button);
-    else
-        pressed_.erase(&button);
+    if (!pressed)
+        std::erase(pressed_, &button);
+    else if (!isPressed(button))
+        pressed_.push_back(&button);
     const char* const on = isSwitch(button) ? " off" : " pressed"; // a hook switch is off-hook
     const char* const off = isSwitch(button) ? " on" : " released";
-    return {button.name + (pressed ? on : off), inputReport(button.field->reportId)};
+    return {button.name + (pressed ? on : off), reportWithId(button.field->reportId)};
 }
 
-Bytes Panel::inputReport(uint8_t reportId) const
+Bytes Panel::reportWithId(uint8_t reportId) const
 {
     ButtonReport report(layout_, reportId);
     for (const Control* const button : pressed_) {

@@ -8,7 +8,7 @@
 
 #include <mutex>
 #include <optional>
-#include <set>
+#include <vector>
 
 namespace sim {
 
@@ -70,6 +70,8 @@ public:
     // The input report that has the button, with the present state of all buttons. No value if
     // there is no such button.
     [[nodiscard]] std::optional<Bytes> reportOf(std::string_view button) const;
+    // An input report of the descriptor, with the present state of all buttons.
+    [[nodiscard]] Bytes inputReport(uint8_t id) const;
     // The input report with the hook switch, else the one with the lowest id.
     [[nodiscard]] Bytes stateReport() const;
 
@@ -95,7 +97,7 @@ private:
     [[nodiscard]] bool isPressed(const Control& button) const;
     InputReport set(const Control& button, bool pressed);
     void switchLamp(size_t index, bool on);
-    [[nodiscard]] Bytes inputReport(uint8_t reportId) const;
+    [[nodiscard]] Bytes reportWithId(uint8_t reportId) const;
 
     const report::Layout layout_;
     const HookSwitch hookSwitch_;
@@ -104,7 +106,7 @@ private:
     const std::vector<Control> lampControls_;
     mutable std::mutex mutex_;                 // guards the fields below
     std::optional<report::ReportWords> words_; // never empty
-    std::set<const Control*> pressed_;         // of buttons_
+    std::vector<const Control*> pressed_;      // of buttons_, the latest last
     std::vector<bool> lamps_;                  // of lampControls_: whether it is on
 };
 

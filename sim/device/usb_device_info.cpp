@@ -22,6 +22,8 @@ bool hasTelephony(const InterfaceInfo& interface)
 
 size_t UsbDeviceInfo::controlsIndex() const
 {
+    if (chosenControls)
+        return *chosenControls;
     auto found = std::ranges::find_if(interfaces, hasTelephony);
     if (found == interfaces.end())
         found = std::ranges::find_if(interfaces, &InterfaceInfo::isHid);

@@ -67,9 +67,12 @@ struct UsbDeviceInfo {
     std::vector<InterfaceInfo> interfaces = {InterfaceInfo{}}; // at least one
     DeviceBehaviour behaviour = {};
 
-    // The interface whose controls the device's panel has: the first one whose report descriptor
-    // has a telephony collection, else the first of class HID, else the first. Reads the
-    // descriptors each time.
+    // Index of the interface whose controls the device's panel has. Without a value it is the first
+    // one whose report descriptor has a telephony collection, else the first of class HID, else the
+    // first.
+    std::optional<size_t> chosenControls = {};
+
+    // That interface. Reads the descriptors each time.
     [[nodiscard]] InterfaceInfo& controls() { return interfaces[controlsIndex()]; }
     [[nodiscard]] const InterfaceInfo& controls() const { return interfaces[controlsIndex()]; }
 

@@ -1,6 +1,7 @@
 #include "sim/profile/recorded_devices.h"
 
 #include "sim/profile/utf16.h"
+#include "tools/text/printable.h"
 
 #include <algorithm>
 #include <charconv>
@@ -50,7 +51,7 @@ std::string stemOf(const std::string& file)
 // As much of a text as a string descriptor holds.
 std::u16string deviceString(const std::string& text)
 {
-    std::u16string units = utf16(text).value_or(u"");
+    std::u16string units = utf16(text::printable(text)).value_or(u"");
     if (units.size() > UsbDeviceInfo::kMaxStringUnits)
         units.resize(UsbDeviceInfo::kMaxStringUnits);
     return units;
@@ -84,14 +85,19 @@ void addInterface(UsbDeviceInfo& info, report::DescriptorBytes descriptor, uint8
         .outEndpoint = endpoint});
 }
 
-} // namespace
+struct Devices {
+    std::vector<Profile> profiles;
+    std::vector<size_t> profileOf;   // of each descriptor: index in `profiles`
+    std::vector<size_t> interfaceOf; // index in the interfaces of that device
+};
 
-std::vector<Profile> devicesIn(std::string_view content, const std::string& file)
+Devices readDevices(std::string_view content, const std::string& file)
 {
     auto result = report::parseDescriptors(content, file);
     if (const auto* const error = std::get_if<report::DescriptorError>(&result))
         throw ProfileError({error->text});
-    std::vector<Profile> devices;
+    Devices read;
+    std::vector<Profile>& devices = read.profiles;
     std::map<std::tuple<std::string, uint16_t, uint16_t>, size_t> known; // index in devices
     for (auto& found : std::get<std::vector<report::FoundDescriptor>>(result)) {
         const Origin origin = originOf(found);
@@ -105,9 +111,26 @@ std::vector<Profile> devicesIn(std::string_view content, const std::string& file
             at->second = devices.size();
             devices.push_back(deviceFor(found, file));
         }
+        read.profileOf.push_back(at->second);
+        read.interfaceOf.push_back(devices[at->second].info.interfaces.size());
         addInterface(devices[at->second].info, std::move(found.bytes), number);
     }
-    return devices;
+    return read;
+}
+
+} // namespace
+
+std::vector<Profile> devicesIn(std::string_view content, const std::string& file)
+{
+    return readDevices(content, file).profiles;
+}
+
+Profile deviceOfDescriptor(std::string_view content, const std::string& file, size_t index)
+{
+    Devices read = readDevices(content, file);
+    Profile profile = std::move(read.profiles.at(read.profileOf.at(index)));
+    profile.info.chosenControls = read.interfaceOf.at(index);
+    return profile;
 }
 
 void applyOptions(UsbDeviceInfo& info, const ProfileOptions& options)
@@ -119,13 +142,14 @@ void applyOptions(UsbDeviceInfo& info, const ProfileOptions& options)
     if (options.product) {
         const auto units = utf16(*options.product);
         if (!units || units->size() > UsbDeviceInfo::kMaxStringUnits)
-            throw ProfileError({"name: expected at most 126 characters of valid UTF-8"});
+            throw ProfileError({"--name: expected valid UTF-8 of at most "
+                + std::to_string(UsbDeviceInfo::kMaxStringUnits) + " UTF-16 units"});
         info.product = *units;
     }
     InterfaceInfo& controls = info.controls();
     if (const auto number = options.interfaceNumber) {
         if (*number >= InterfaceInfo::kNumbers)
-            throw ProfileError({"interface number: expected 0 to 31"});
+            throw ProfileError({"--interface: expected 0 to 31"});
         const auto other = std::ranges::find(info.interfaces, *number, &InterfaceInfo::number);
         if (other != info.interfaces.end())
             other->number = controls.number;

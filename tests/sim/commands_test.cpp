@@ -224,6 +224,26 @@ TEST_F(Commands, ALampThatBlinksIsExpectedToUntilItStops)
     EXPECT_EQ(lampEvents_.back(), "ring " + state);
 }
 
+TEST_F(Commands, TheHookSwitchMovesAtOnceAndADelayedReportIsLostAtAnUnplug)
+{
+    startText(R"({"vendorId": "1209", "productId": "0001",
+                  "behaviour": {"delayMs": 60000, "hookSwitch": "stays"},
+                  "interfaces": [{"reportDescriptor": {"file": "speakerphone.hex"}}]})");
+    EXPECT_EQ(give("hook off"), "0");
+    EXPECT_EQ(lines(), "--   hook off\n");
+    EXPECT_EQ(give("unplug"), "0");
+    EXPECT_EQ(lines(), "in   03 01 00     hook off  (no program listens)\n--   unplugged\n");
+}
+
+TEST_F(Commands, AFaultThatEndsByItselfIsAnEventAtOnce)
+{
+    startBuiltIn("speakerphone");
+    EXPECT_EQ(give("fault strings 1"), "0");
+    EXPECT_EQ(lines(), "--   fault strings on\n");
+    hid_free_enumeration(hid_enumerate(0, 0)); // reads them
+    EXPECT_EQ(lines(), "--   fault strings off\n");
+}
+
 TEST_F(Commands, ADeviceWithReportsToSendIsNotIdle)
 {
     startText(R"({"vendorId": "1209", "productId": "0001", "behaviour": {"delayMs": 400},

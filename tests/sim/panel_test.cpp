@@ -158,6 +158,14 @@ TEST(Panel, KeepsButtonsDownUntilTheyAreReleased)
     EXPECT_EQ(panel.hook(), sim::HookPosition::kOffHook);
 }
 
+TEST(Panel, InAFullArrayTheLatestButtonReplacesTheFirst)
+{
+    // Hook Switch, Flash and Feature, of which one value fits.
+    sim::Panel panel(*sim::fromHex("050b0905a1017508950115012503192029228100c0"));
+    EXPECT_EQ(perform(panel, "+flash +hook -hook -flash"),
+        "flash pressed 02; hook off 01; hook on 02; flash released 00; ");
+}
+
 TEST(Panel, WithoutPowerItIsDarkAndOnlyACradleKeepsItsPosition)
 {
     const Bytes descriptor = sim::findProfile("speakerphone")->info.controls().reportDescriptor;

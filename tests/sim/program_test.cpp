@@ -27,6 +27,10 @@ TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
             {"run webcm -- p", "kelprobe-sim: unknown profile webcm; did you mean webcam?", 2},
             {"run --hlep -- p", "kelprobe-sim: unknown option --hlep; did you mean --help?", 2},
             {"run --ids 12090001 -- p", "kelprobe-sim: --ids takes two numbers", 2},
+            {"run --ids '' -- p", "kelprobe-sim: --ids takes two numbers", 2},
+            {"run --name $(printf '\xff') -- p", "kelprobe-sim: --name: expected valid UTF-8 of",
+                2},
+            {"list -- p", "kelprobe-sim: only run and replay take a program after --", 2},
             {"run --interface 32 -- p", "kelprobe-sim: --interface: Value 32 not in range", 2},
             {"replay -- p", "kelprobe-sim: RECORDING is required", 2},
             {"replay no-file -- p", "kelprobe-sim: no-file: No such file or directory", 2},
@@ -253,6 +257,14 @@ TEST_F(KelprobeSim, AnInteractiveProgramCanBeStoppedAndContinued)
 TEST_F(KelprobeSim, TheExampleOfAMeetingPasses)
 {
     EXPECT_EQ(run("kelprobe-sim run speakerphone -- sh " KELPROBE_EXAMPLES "/meeting.sh"), 0);
+}
+
+TEST_F(KelprobeSim, TheExampleOfAMeetingLeavesNothingWhenItIsStopped)
+{
+    start("kelprobe-sim run speakerphone -- sh " KELPROBE_EXAMPLES "/meeting.sh");
+    EXPECT_NE(lineWith("ring on"), "end");
+    kill(pid_, SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
 }
 
 TEST_F(KelprobeSim, TheBenchPassesTheConformanceRun)

@@ -44,6 +44,20 @@ TEST_F(Replay, AProgramThatBehavesAsRecordedPasses)
     EXPECT_EQ(outputOf("cat " + again + reports), outputOf("cat " + recording + reports));
 }
 
+TEST_F(Replay, HasTheInterfaceAndTheNameThatRunGivesTheFile)
+{
+    const test::TempDirectory directory;
+    const std::string file = directory.path() + "conference.hid";
+    EXPECT_EQ(outputOf("sed '/^N:/d; s/^P: .*/P: 1-1:1.3/' " KELPROBE_MEETING " >" + file), "");
+    for (const char* const command : {"run", "replay"}) {
+        start(std::string("kelprobe-sim 2>&1 ") + command + ' ' + file + " -- kelprobectl list");
+        const std::string device = lineWith("1209:0001");
+        EXPECT_NE(device.find("1-1:1.3"), device.npos) << device;
+        EXPECT_NE(device.find("conference"), device.npos) << device;
+        EXPECT_EQ(exitStatus(), 0);
+    }
+}
+
 TEST_F(Replay, PrintsTheFirstDifferenceInContext)
 {
     const std::string muteOn = "# output \\1 3 03 05 00 -> 3";

@@ -8,8 +8,6 @@
 namespace ctl {
 namespace {
 
-constexpr report::Usage kHeadsetUsage{kTelephonyPage, kHeadset};
-
 std::optional<size_t> findLongItem(std::span<const uint8_t> descriptor)
 {
     const auto items = report::splitItems(descriptor);

@@ -10,6 +10,7 @@ namespace ctl {
 using report::kLedPage;
 using report::kTelephonyPage;
 inline constexpr uint16_t kHeadset = 0x05; // on the Telephony page
+inline constexpr report::Usage kHeadsetUsage{kTelephonyPage, kHeadset};
 
 enum class ControlId : uint8_t {
     kHookSwitch,

@@ -49,7 +49,7 @@ Remark longReport(size_t size)
 
 bool isHeadset(const report::Collection* collection)
 {
-    return collection->usage == report::Usage{kTelephonyPage, kHeadset};
+    return collection->usage == kHeadsetUsage;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The LEDs follow the meeting.
 #include "tools/ctl/check/tests/conformance_tests.h"
 #include "tools/ctl/check/tests/expectations.h"
+#include "tools/ctl/explain/phrases.h"
 
 #include <algorithm>
 
@@ -58,6 +59,16 @@ Outcome expectAfter(Tester& tester, CallState before, Operation operation, const
     return expectReports(tester.device(), tester.since(moment), expected, control);
 }
 
+std::string whereToPutControls(const report::Layout& layout)
+{
+    const auto headset = std::ranges::find_if(layout.collections, [](const auto& collection) {
+        return collection.parent == report::Collection::kNone && collection.usage == kHeadsetUsage;
+    });
+    return headset == layout.collections.end()
+        ? "Add a Headset collection of the Telephony page."
+        : "Put them into its Headset collection at " + offsetText(headset->offset) + '.';
+}
+
 } // namespace
 
 Outcome openingTaken(Tester& tester)
@@ -87,8 +98,8 @@ Outcome controlsAreUsable(Tester& tester)
     const bool hasAny = std::any_of(kControls.begin(), kControls.end(),
         [&](const Control& control) { return map[control.id].report.has_value(); });
     return hasAny ? Outcome{}
-                  : failed("The descriptor has none of the controls that Kelprobe uses. Add a "
-                           "Headset collection of the Telephony page.");
+                  : failed("The descriptor has none of the controls that Kelprobe uses. "
+                      + whereToPutControls(tester.device().layout()));
 }
 
 Outcome ringTaken(Tester& tester)

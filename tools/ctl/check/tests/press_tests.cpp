@@ -153,7 +153,7 @@ Outcome buttonRejects(Tester& tester)
     const auto button
         = available(tester.device(), std::array{Action::kBusy, Action::kFlash, Action::kMute});
     if (!button)
-        return skipped("The device has no button other than the hook switch.");
+        return skipped("Kelprobe finds no Line Busy Tone, Flash or Phone Mute in the descriptor.");
     const auto& leds = tester.device().leds();
     Outcome outcome = runIf(tester, std::array{ControlId::kRing},
         {*button, CallState::kRinging, Kind::kReject,
