@@ -8,6 +8,7 @@
 // Each write makes the device send a report. Exit status: 0 if hidapi's results were right.
 #include <array>
 #include <csignal>
+#include <cstdint>
 #include <dlfcn.h>
 #include <hidapi/hidapi.h>
 #include <string_view>
