@@ -46,10 +46,7 @@ ControlConnection::ControlConnection(
 
 ControlConnection::~ControlConnection()
 {
-    if (source_) {
-        g_source_destroy(source_);
-        g_source_unref(source_);
-    }
+    source_.reset();
     g_io_stream_close(G_IO_STREAM(connection_), nullptr, nullptr);
     g_object_unref(connection_);
 }
@@ -99,8 +96,7 @@ bool ControlConnection::handle(GIOCondition condition)
     }
     if (ended_ && !conversation_.waits() && output_.empty())
         close();
-    if (!closed_)
-        watch();
+    watch();
     return G_SOURCE_CONTINUE;
 }
 
@@ -140,6 +136,8 @@ void ControlConnection::write()
 // Waits for what can be handled now. Without a condition, GLib still reports the end.
 void ControlConnection::watch()
 {
+    if (closed_)
+        return;
     auto wanted = GIOCondition{};
     if (!ended_ && !conversation_.waits() && output_.size() < kEnoughWaiting)
         wanted = G_IO_IN;
@@ -147,27 +145,21 @@ void ControlConnection::watch()
         wanted = combined(wanted, G_IO_OUT); // at the end, to close
     if (source_ && wanted == watched_)
         return;
-    if (source_) {
-        g_source_destroy(source_);
-        g_source_unref(source_);
-    }
     watched_ = wanted;
-    source_ = g_socket_create_source(socket_, wanted, nullptr);
+    GSource* const source = g_socket_create_source(socket_, wanted, nullptr);
     const GSocketSourceFunc callback = [](GSocket*, GIOCondition condition, gpointer self) {
         return static_cast<gboolean>(static_cast<ControlConnection*>(self)->handle(condition));
     };
-    g_source_set_callback(source_, G_SOURCE_FUNC(callback), this, nullptr);
-    g_source_attach(source_, nullptr);
+    g_source_set_callback(source, G_SOURCE_FUNC(callback), this, nullptr);
+    g_source_attach(source, nullptr);
+    source_.emplace(source);
 }
 
 void ControlConnection::close()
 {
     if (std::exchange(closed_, true))
         return;
-    if (source_) {
-        g_source_destroy(source_);
-        g_source_unref(std::exchange(source_, nullptr));
-    }
+    source_.reset();
     output_.clear();
     onClose_();
 }

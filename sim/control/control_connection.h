@@ -2,9 +2,12 @@
 #pragma once
 
 #include "sim/bench/conversation.h"
+#include "sim/control/event_source.h"
 #include "sim/control/line_reader.h"
 
 #include <gio/gio.h>
+
+#include <optional>
 
 namespace sim {
 
@@ -41,7 +44,7 @@ private:
     Conversation conversation_;
     LineReader lines_;
     std::string output_; // not yet written
-    GSource* source_ = nullptr;
+    std::optional<EventSource> source_;
     GIOCondition watched_{};
     bool ended_ = false; // the client sends no more
     bool closed_ = false;

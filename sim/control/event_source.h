@@ -13,6 +13,11 @@ public:
         : source_(g_source_ref(g_main_context_find_source_by_id(nullptr, id)))
     {
     }
+    // Takes over a reference to the source.
+    explicit EventSource(GSource* source)
+        : source_(source)
+    {
+    }
     EventSource(const EventSource&) = delete;
     EventSource& operator=(const EventSource&) = delete;
     ~EventSource()

@@ -216,6 +216,34 @@ TEST_F(Control, AClientThatDoesNotReadIsDropped)
     exitStatus();
 }
 
+TEST_F(Control, AClientThatClosesBeforeAnEventIsSentToItIsRemoved)
+{
+    start("kelprobe-sim run -- sleep 60");
+    const auto openFiles = [this] {
+        const std::filesystem::directory_iterator files("/proc/" + std::to_string(pid_) + "/fd");
+        return std::distance(begin(files), end(files));
+    };
+    const std::string path = socket();
+    ControlClient other(path);
+    EXPECT_EQ(other.answer("expect ring off"), "{\"status\":0}\n");
+    std::ptrdiff_t before = 0;
+    {
+        ControlClient events(path);
+        events.send("events\n");
+        EXPECT_NE(events.line().find("start"), std::string::npos);
+        kill(pid_, SIGSTOP); // it finds the command and the end of the events at the same time
+        before = openFiles();
+        other.send("raw 030000\n");
+    }
+    kill(pid_, SIGCONT);
+    EXPECT_EQ(other.line(), "{\"status\":0}");
+    for (int i = 0; i < 1000 && openFiles() == before; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_LT(openFiles(), before);
+    EXPECT_EQ(other.answer("quit"), "{\"status\":0}\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
 TEST_F(Control, ATranscriptThatNobodyReadsStopsNeitherCommandsNorSignals)
 {
     start("kelprobe-sim run -- sim-client open flood 3000");
