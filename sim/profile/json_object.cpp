@@ -2,6 +2,7 @@
 
 #include "tools/text/printable.h"
 #include "tools/text/suggestion.h"
+#include "tools/text/utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,6 +11,8 @@ namespace sim {
 namespace {
 
 const Json::Value kNoObject(Json::objectValue);
+
+constexpr size_t kShown = 40; // columns of a text of the file
 
 std::string described(const Json::Value& value)
 {
@@ -21,10 +24,9 @@ std::string described(const Json::Value& value)
     case Json::objectValue:
         return "an object";
     case Json::stringValue: {
-        constexpr size_t kShown = 40; // bytes
         const std::string text = value.asString();
-        const std::string shown = text::printable(text.substr(0, kShown));
-        return '"' + shown + (text.size() > kShown ? "...\"" : "\"");
+        const std::string_view shown = text::firstColumns(text, kShown);
+        return '"' + text::printable(shown) + (shown.size() < text.size() ? "...\"" : "\"");
     }
     default:
         return value.asString();
@@ -121,7 +123,7 @@ uint16_t JsonObject::takeHexNumber(const char* key, std::optional<uint16_t> fall
     if (text.size() == 4 && result.ec == std::errc() && result.ptr == text.data() + text.size())
         return number;
     mistakes_.add(pathOf(key), kExpected, *value);
-    return 0;
+    return fallback.value_or(0);
 }
 
 size_t JsonObject::wordIn(const char* key, const Json::Value& value, const std::string_view* begin,
@@ -161,7 +163,7 @@ void JsonObject::finish() const
         if (std::ranges::find(known_, key) != known_.end())
             continue;
         const std::string_view nearest = text::nearest(key, known);
-        const std::string shown = text::printable(key.substr(0, 40));
+        const std::string shown = text::printable(text::firstColumns(key, kShown));
         std::string expected;
         for (const std::string_view name : known)
             expected += (expected.empty() ? "" : ", ") + std::string(name);

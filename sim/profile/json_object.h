@@ -55,7 +55,7 @@ public:
     bool takeBoolean(const char* key);
     // One line: printable, of at most so many characters.
     std::string takeLine(const char* key, size_t maxCharacters);
-    // Four hexadecimal digits. Without a fallback the key is required.
+    // Four hexadecimal digits. Without a fallback the key is required, and a mistake gives 0.
     uint16_t takeHexNumber(const char* key, std::optional<uint16_t> fallback = {});
 
     // One of the words, as its index.

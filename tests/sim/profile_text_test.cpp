@@ -119,6 +119,12 @@ p.json: productId: expected four hexadecimal digits in quotation marks, found "1
             "description: expected one line of at most 1000 characters, found"},
         {kHead + kInterfaces + R"(, "description": "a\nb\u001b[31m"})",
             "description: expected one line of at most 1000 characters, found"},
+        {kHead + kInterfaces + R"(, "description": ")" + std::string(39, 'x')
+                + repeated("\u00e9", 1000) + "\"}",
+            "description: expected one line of at most 1000 characters, found "
+            "\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\u00e9...\""},
+        {kHead + kInterfaces + ", \"" + std::string(39, 'x') + "\u00e9\u00e9\": 1}",
+            "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\u00e9: unknown key"},
         {kHead + R"("interfaces": []})",
             "interfaces: expected an array of 1 to 32, found an array of 0"},
         {kHead + R"("interfaces": [1]})", "interfaces[0]: expected an object, found 1"},
