@@ -236,10 +236,29 @@ TEST_F(PanelBench, KeepsTheLogWhenTheBenchEnds)
     device().setPressed("mute", true); // without effect
 }
 
+TEST_F(PanelBench, AsksForTheDevicesOnceAlthoughAnotherCommandIsRefused)
+{
+    panel::BenchClient client(fake_.socket());
+    int answers = 0;
+    QObject::connect(&client, &panel::BenchClient::started, [&] {
+        fake_.nextError = "no";
+        client.command("mute");
+        client.refresh();
+    });
+    QObject::connect(&client, &panel::BenchClient::refused, &client, &panel::BenchClient::refresh);
+    QObject::connect(&client, &panel::BenchClient::refreshed, [&] {
+        if (++answers == 1)
+            client.command("last");
+    });
+    client.start();
+    EXPECT_TRUE(waitFor([&] { return fake_.commands.contains("last"); }));
+    EXPECT_EQ(fake_.questions(), 1);
+}
+
 TEST_F(PanelBench, EndsTheConnectionIfTheBenchIsNone)
 {
-    for (const QByteArray& line : {QByteArray("hello"), QByteArray("[1]"), QByteArray("{"),
-             QByteArray(Device::staticMetaObject.className()).repeated(400'000)}) {
+    for (const QByteArray& line :
+        {QByteArray("hello"), QByteArray("[1]"), QByteArray("{"), QByteArray(5'000'000, 'x')}) {
         connectPanel();
         fake_.sendLine(line);
         EXPECT_TRUE(waitFor([&] { return !lost_.isEmpty(); })) << line.left(9).toStdString();

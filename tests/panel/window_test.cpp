@@ -115,7 +115,8 @@ protected:
     bool commandsAre(const QStringList& expected)
     {
         const bool same = waitFor([&] { return fake_.commands == expected; });
-        return same || (ADD_FAILURE() << fake_.commands.join(", ").toStdString(), false);
+        EXPECT_TRUE(same) << fake_.commands.join(", ").toStdString();
+        return same;
     }
 
     FakeBench fake_;

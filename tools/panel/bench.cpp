@@ -92,7 +92,10 @@ void Bench::addDevice(const QJsonObject& state)
 
 void Bench::setMessage(const QString& message)
 {
-    messageTime_.start();
+    if (message.isEmpty())
+        messageTime_.stop();
+    else
+        messageTime_.start();
     if (message == message_)
         return;
     message_ = message;

@@ -74,7 +74,6 @@ void BenchClient::takeAnswer(const QJsonObject& object)
         refreshing_ = false;
         Q_EMIT refreshed(object[QLatin1String("devices")].toArray());
     } else if (object[QLatin1String("status")].toInt() != 0) {
-        refreshing_ = false;
         Q_EMIT refused(errorOf(object));
     }
 }
