@@ -97,6 +97,7 @@ RunDirectory::RunDirectory()
         lock_ = openLock(path_, O_CREAT);
         if (lock(lock_))
             break;
+        rmdir(path.c_str()); // fails if another bench has made a lock in it
         if (i + 1 == kTries)
             throw std::runtime_error("cannot lock a file in TMPDIR: " + parent.native());
     }
