@@ -22,11 +22,11 @@ constexpr std::string_view kShort = "short";
 constexpr std::string_view kOpen = "open";
 
 constexpr std::array<FaultSwitches::Switch, 7> kSwitches{{
-    {"open", "opening is not permitted", false, nullptr},
+    {kOpen, "opening is not permitted", false, nullptr},
     {"claim", "claiming the interface is refused", true, &DeviceFaults::refuseClaim},
     {"detach", "detaching the kernel's driver is refused", true, &DeviceFaults::refuseDetach},
     {"stall", "reading the report descriptor fails", true, &DeviceFaults::stallReportDescriptor},
-    {"short", "the report descriptor is cut off", true, &DeviceFaults::shortenReportDescriptor},
+    {kShort, "the report descriptor is cut off", true, &DeviceFaults::shortenReportDescriptor},
     {"strings", "reading names fails", true, &DeviceFaults::stallStrings},
     {"write", "output reports are refused", true, &DeviceFaults::failWrite},
 }};

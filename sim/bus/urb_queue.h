@@ -29,8 +29,8 @@ class UrbQueue {
 public:
     // Of unread input, for each endpoint. The reports that a device sends in eight seconds at the
     // highest rate of USB, 8,000 a second.
-    static constexpr size_t kMaxInput = 65536;            // reports
-    static constexpr size_t kMaxInputBytes = 8 * 1 << 20; // together
+    static constexpr size_t kMaxInput = 65536;                // reports
+    static constexpr size_t kMaxInputBytes = size_t{8} << 20; // bytes of them together
     // Of a client that submits and never reaps.
     static constexpr size_t kMaxUrbs = 4096;
 

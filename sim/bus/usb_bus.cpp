@@ -124,13 +124,11 @@ UMockdevTestbed* makeTestbed()
 UsbBus::UsbBus()
     : testbed_(makeTestbed())
 {
-    char* const root = umockdev_testbed_get_root_dir(testbed_);
+    char* const root = umockdev_testbed_get_root_dir(testbed_.get());
     root_ = root;
     g_free(root);
-    if (root_.size() > kMaxRootLength) {
-        g_object_unref(testbed_);
+    if (root_.size() > kMaxRootLength)
         throw std::runtime_error("the path of TMPDIR is too long for sockets below it: " + root_);
-    }
 }
 
 // umockdev ends the process if its directory is missing, which a program may have removed.
@@ -138,7 +136,6 @@ UsbBus::~UsbBus()
 {
     std::error_code ignored;
     fs::create_directories(root_, ignored);
-    g_object_unref(testbed_);
 }
 
 // The socket is made before the node, and stays for some time when the device is unplugged: if a
@@ -149,7 +146,7 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     removeOldSockets();
     const int address = takeAddress();
     Place place{"/devices/usb1/1-" + std::to_string(port), nodeFor(address)};
-    serveIoctls(testbed_, place.node, usbfs);
+    serveIoctls(testbed_.get(), place.node, usbfs);
     const fs::path sysfs = root_ + "/sys" + place.sysfsPath;
     usbfs->showDrivers(sysfs);
     writeNames(sysfs, info);
@@ -158,7 +155,7 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
                                         // cannot
         waitForListeners(root_);
     if (!umockdev_testbed_add_from_string(
-            testbed_, sysfsRecord(place, address, info).c_str(), nullptr))
+            testbed_.get(), sysfsRecord(place, address, info).c_str(), nullptr))
         throw std::runtime_error("cannot add " + place.sysfsPath + " to the testbed");
     if (!umockdev_in_mock_environment())
         broadcast(root_, {"add", place.sysfsPath, place.node});
@@ -205,7 +202,7 @@ bool UsbBus::removeOldSocket()
 {
     if (removedNodes_.empty())
         return false;
-    umockdev_testbed_detach_ioctl(testbed_, removedNodes_.front().c_str(), nullptr);
+    umockdev_testbed_detach_ioctl(testbed_.get(), removedNodes_.front().c_str(), nullptr);
     removedNodes_.pop_front();
     return true;
 }

@@ -6,6 +6,7 @@
 #include <umockdev.h>
 
 #include <deque>
+#include <memory>
 #include <string>
 
 namespace sim {
@@ -46,7 +47,10 @@ private:
     bool removeOldSocket();
     int takeAddress();
 
-    UMockdevTestbed* testbed_;
+    struct Release {
+        void operator()(UMockdevTestbed* testbed) const { g_object_unref(testbed); }
+    };
+    std::unique_ptr<UMockdevTestbed, Release> testbed_;
     std::string root_;
     int lastPort_ = 0;
     int lastAddress_ = 1;                  // address of the root hub, which is not emulated

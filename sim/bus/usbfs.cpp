@@ -233,15 +233,11 @@ long Usbfs::driverIoctl(UMockdevIoctlData* target)
     case USBDEVFS_CONNECT: {
         const long result = interface->owner.connectDriver();
         if (result > 0)
-            driverChanged(*interface);
+            urbs_.dropInput(inAddress(interface->owner.interface())); // the driver reads it
         return result;
     }
-    case USBDEVFS_DISCONNECT: {
-        const long result = interface->owner.disconnectDriver();
-        if (result == 0)
-            driverChanged(*interface);
-        return result;
-    }
+    case USBDEVFS_DISCONNECT:
+        return interface->owner.disconnectDriver();
     default:
         return -ENOTTY;
     }
@@ -253,12 +249,6 @@ Usbfs::Interface* Usbfs::find(unsigned number)
         return interface.owner.interface().number == number;
     });
     return found == interfaces_.end() ? nullptr : &*found;
-}
-
-void Usbfs::driverChanged(Interface& interface)
-{
-    if (interface.owner.driverBound())
-        urbs_.dropInput(inAddress(interface.owner.interface())); // the driver reads it
 }
 
 long Usbfs::submit(UMockdevIoctlClient* client, UMockdevIoctlData* target)

@@ -60,7 +60,6 @@ private:
         std::optional<HidDirectory> directory = std::nullopt;
     };
     Interface* find(unsigned number); // null if there is none
-    void driverChanged(Interface& interface);
     Delivery queueInput(uint8_t interface, const Bytes& report);
     void stateChanged();
 

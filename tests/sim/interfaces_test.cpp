@@ -180,8 +180,8 @@ TEST_F(BehavingDevice, ReportsItsEventsInTheirOrder)
     info.behaviour.onOpen = {{3, 0, 0}};
     sim::UsbDevice& device = plug(info);
     device.setEventCallback([&](const sim::DeviceEvent& event) {
-        const char* const kinds[]
-            = {"in", "out", "write refused", "opened", "closed", "claim refused", "detach refused"};
+        const char* const kinds[] = {"in", "out", "write refused", "opened", "closed",
+            "claim refused", "detach refused", "feature"};
         std::string text = kinds[size_t(event.kind)];
         if (event.kind == Events::kInput)
             text += event.delivery == sim::Delivery::kQueued ? "" : " lost";
