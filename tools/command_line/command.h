@@ -2,40 +2,19 @@
 // its header takes seconds to compile, so that only the files that parse include it.
 #pragma once
 
+#include "tools/command_line/option.h"
+
 #include <functional>
 #include <string>
 
 namespace CLI {
 class App;
-class Option;
 } // namespace CLI
 
 namespace command_line {
 
 // What was chosen on the command line. Returns the exit status.
 using Run = std::function<int()>;
-
-// What is wrong with a value; empty if nothing is.
-using Check = std::function<std::string(const std::string& value)>;
-
-// An option, flag or argument of a command. A handle, which is valid as long as the CLI::App.
-class Option {
-public:
-    explicit Option(CLI::Option& option)
-        : option_(&option)
-    {
-    }
-
-    // Each returns the object, so that calls can be chained.
-    Option& required();
-    Option& placeholder(const std::string& name); // stands for the value in the help
-    Option& check(const Check& check);
-    Option& range(int least, int most); // of a number
-    Option& excludes(Option other);
-
-private:
-    CLI::Option* option_;
-};
 
 // A command, or the program. A handle, which is valid as long as the CLI::App.
 class Command {
