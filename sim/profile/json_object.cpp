@@ -12,44 +12,12 @@ namespace {
 
 const Json::Value kNoObject(Json::objectValue);
 
-constexpr size_t kShown = 40; // columns of a text of the file
-
-std::string described(const Json::Value& value)
-{
-    switch (value.type()) {
-    case Json::nullValue:
-        return "null";
-    case Json::arrayValue:
-        return "an array of " + std::to_string(value.size());
-    case Json::objectValue:
-        return "an object";
-    case Json::stringValue: {
-        const std::string text = value.asString();
-        const std::string_view shown = text::firstColumns(text, kShown);
-        return '"' + text::printable(shown) + (shown.size() < text.size() ? "...\"" : "\"");
-    }
-    default:
-        return value.asString();
-    }
-}
-
 std::string quoted(std::string_view word)
 {
     return '"' + std::string(word) + '"';
 }
 
 } // namespace
-
-void Mistakes::add(const std::string& path, const std::string& expected, const Json::Value& found)
-{
-    add(path, "expected " + expected + ", found " + described(found));
-}
-
-void Mistakes::add(const std::string& path, const std::string& what)
-{
-    if (list_.size() < kMax)
-        list_.push_back(file_ + ": " + (path.empty() ? "" : path + ": ") + what);
-}
 
 JsonObject::JsonObject(const Json::Value& value, std::string path, Mistakes& mistakes)
     : value_(value.isObject() ? value : kNoObject)
@@ -163,7 +131,7 @@ void JsonObject::finish() const
         if (std::ranges::find(known_, key) != known_.end())
             continue;
         const std::string_view nearest = text::nearest(key, known);
-        const std::string shown = text::printable(text::firstColumns(key, kShown));
+        const std::string shown = text::printable(text::firstColumns(key, Mistakes::kShown));
         std::string expected;
         for (const std::string_view name : known)
             expected += (expected.empty() ? "" : ", ") + std::string(name);

@@ -1,5 +1,7 @@
-// Reading of JSON values with all mistakes.
+// Reads JSON objects and collects mistakes in them.
 #pragma once
+
+#include "sim/profile/mistakes.h"
 
 #include <json/value.h>
 
@@ -11,29 +13,6 @@
 #include <vector>
 
 namespace sim {
-
-// Collects the mistakes in a file.
-class Mistakes {
-public:
-    // `file` must outlive the object.
-    explicit Mistakes(const std::string& file)
-        : file_(file)
-    {
-    }
-
-    // "FILE: PATH: expected EXPECTED, found `found`".
-    void add(const std::string& path, const std::string& expected, const Json::Value& found);
-    // "FILE: PATH: WHAT".
-    void add(const std::string& path, const std::string& what);
-
-    [[nodiscard]] const std::vector<std::string>& list() const { return list_; }
-
-private:
-    static constexpr size_t kMax = 20; // later ones are dropped
-
-    const std::string& file_;
-    std::vector<std::string> list_;
-};
 
 // A JSON object whose keys are taken one by one. A key that is missing gives the fallback, and so
 // does a value that is wrong, which becomes a mistake. Each function states what it takes.
