@@ -1,6 +1,6 @@
 #include "sim/bench/device_json.h"
 
-#include "sim/bench/usage_text.h"
+#include "sim/device/usage_text.h"
 #include "sim/profile/utf16.h"
 #include "tools/text/printable.h"
 

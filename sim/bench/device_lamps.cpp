@@ -1,6 +1,6 @@
 #include "sim/bench/device_lamps.h"
 
-#include "sim/bench/usage_text.h"
+#include "sim/device/usage_text.h"
 
 #include <json/value.h>
 

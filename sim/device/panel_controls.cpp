@@ -1,8 +1,9 @@
 #include "sim/device/panel_controls.h"
 
+#include "sim/device/usage_text.h"
+
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <set>
 
 namespace sim {
@@ -66,13 +67,8 @@ std::string word(std::string_view text)
 // Of a usage without a fixed name.
 std::string nameOf(Usage usage, const report::UsageNames& names)
 {
-    std::string name = isNamed(usage, names) ? word(names.usage(usage)) : "";
-    if (!name.empty())
-        return name;
-    std::array<char, 16> digits{};
-    std::snprintf(
-        digits.data(), digits.size(), "%04x%04x", unsigned{usage.page}, unsigned{usage.id});
-    return digits.data();
+    const std::string name = isNamed(usage, names) ? word(names.usage(usage)) : "";
+    return name.empty() ? usageText(usage) : name;
 }
 
 // A value that is on or off, if its size or its range allows no others.
@@ -113,13 +109,14 @@ private:
     {
         const uint64_t size = range.maximum - range.minimum.id + uint64_t{1};
         for (uint64_t i = 0; i < size && range.index + i < end && hasRoom(); ++i) {
+            ++examined_;
             const Usage usage{range.minimum.page, static_cast<uint16_t>(range.minimum.id + i)};
             if (wanted(field, range, usage))
                 found_.push_back({{}, {}, usage, &field, range.index + i});
         }
     }
 
-    bool hasRoom() { return found_.size() < kMaxControls && examined_++ < kMaxExamined; }
+    bool hasRoom() const { return found_.size() < kMaxControls && examined_ < kMaxExamined; }
 
     // Values without a usage of their own repeat the last one. They are no further controls.
     static uint64_t controlsOf(const Field& field)
@@ -145,8 +142,11 @@ private:
     {
         control.label = std::move(label);
         control.name = name;
-        for (unsigned& number = numbers_[name]; !taken_.insert(control.name).second;)
-            control.name = name + '-' + std::to_string(number = std::max(number + 1, 2U));
+        unsigned& number = numbers_[name];
+        while (!taken_.insert(control.name).second) {
+            number = std::max(number + 1, 2U);
+            control.name = name + '-' + std::to_string(number);
+        }
     }
 
     const report::Layout& layout_;
@@ -162,12 +162,12 @@ private:
 std::vector<Control> findButtons(const report::Layout& layout, const report::UsageNames& names)
 {
     const auto wanted = [&](const Field& field, const report::UsageRange& range, Usage usage) {
-        const bool onButtonPage = usage.page == kTelephonyPage || usage.page == kConsumerPage
+        const bool mayBeButton = usage.page == kTelephonyPage || usage.page == kConsumerPage
             || usage.page == kButtonPage;
         if (field.isVariable())
-            return onButtonPage && isSwitch(field);
+            return mayBeButton && isSwitch(field);
         const bool standsForNone = usage.id == 0;
-        return onButtonPage && !standsForNone && (!range.isRange || isNamed(usage, names));
+        return mayBeButton && !standsForNone && (!range.isRange || isNamed(usage, names));
     };
     return Finder(layout, names).find(report::ReportKind::kInput, wanted);
 }

@@ -1,3 +1,4 @@
+#include "sim/device/usage_text.h"
 #include "sim/profile/profile_keys.h"
 #include "sim/profile/profile_text.h"
 #include "sim/profile/utf16.h"
@@ -6,15 +7,9 @@
 #include <json/writer.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace sim {
 namespace {
-
-std::string hexNumber(uint16_t number)
-{
-    return toHex(Bytes{highByte(number), lowByte(number)}, "");
-}
 
 Json::Value written(const std::u16string& units)
 {
@@ -22,7 +17,7 @@ Json::Value written(const std::u16string& units)
         return *text;
     std::string hex;
     for (const char16_t unit : units)
-        hex += (hex.empty() ? "" : " ") + hexNumber(unit);
+        hex += (hex.empty() ? "" : " ") + hex16(unit);
     Json::Value value;
     value[keys::kUtf16] = hex;
     return value;
@@ -111,9 +106,9 @@ std::string writeProfile(const Profile& profile)
     Json::Value value;
     if (!profile.description.empty())
         value[keys::kDescription] = profile.description;
-    value[keys::kVendorId] = hexNumber(info.vendorId);
-    value[keys::kProductId] = hexNumber(info.productId);
-    value[keys::kRelease] = hexNumber(info.release);
+    value[keys::kVendorId] = hex16(info.vendorId);
+    value[keys::kProductId] = hex16(info.productId);
+    value[keys::kRelease] = hex16(info.release);
     value[keys::kManufacturer] = written(info.manufacturer);
     value[keys::kProduct] = written(info.product);
     value[keys::kSerialNumber] = written(info.serialNumber);

@@ -1,10 +1,9 @@
-// Numbers as they are in the bench's JSON. Pure.
+// Numbers as hexadecimal digits without a prefix. Pure.
 #pragma once
 
 #include "report/layout.h"
+#include "sim/device/wire_bytes.h"
 
-#include <array>
-#include <cstdio>
 #include <string>
 
 namespace sim {
@@ -12,9 +11,7 @@ namespace sim {
 // Four digits, as a vendor id is usually written.
 inline std::string hex16(uint16_t number)
 {
-    std::array<char, 5> text{};
-    snprintf(text.data(), text.size(), "%04x", unsigned{number});
-    return text.data();
+    return toHex(Bytes{highByte(number), lowByte(number)}, "");
 }
 
 // Page and id: "000b0020".
