@@ -1,5 +1,7 @@
 #include "sim/profile/utf16.h"
 
+#include "tools/text/utf8.h"
+
 namespace sim {
 namespace {
 
@@ -7,34 +9,20 @@ constexpr char32_t kFirstSurrogate = 0xd800;
 constexpr char32_t kFirstLowSurrogate = 0xdc00;
 constexpr char32_t kLastSurrogate = 0xdfff;
 constexpr char32_t kFirstSupplementary = 0x10000;
-constexpr char32_t kLast = 0x10ffff;
 
 bool isSurrogate(char32_t code)
 {
     return code >= kFirstSurrogate && code <= kLastSurrogate;
 }
 
-// Takes the bytes of one character from the front of `text`. No value if they are not valid.
+// Takes one character from the front of `text`. No value if its bytes are not valid.
 std::optional<char32_t> takeCharacter(std::string_view& text)
 {
-    const auto first = static_cast<unsigned char>(text.front());
-    const size_t size = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-    constexpr char32_t kFirstOfSize[] = {0, 0, 0x80, 0x800, kFirstSupplementary};
-    constexpr unsigned char kMask[] = {0, 0x7f, 0x1f, 0x0f, 0x07};
-    const bool canBegin = first < 0x80 || (first >= 0xc0 && first < 0xf8);
-    if (!canBegin || text.size() < size)
+    const text::Character character = text::firstCharacter(text);
+    if (character.size == 0)
         return std::nullopt;
-    char32_t code = first & kMask[size];
-    for (const char c : text.substr(1, size - 1)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte & 0xc0) != 0x80)
-            return std::nullopt;
-        code = code << 6 | (byte & 0x3f);
-    }
-    if (code < kFirstOfSize[size] || code > kLast || isSurrogate(code))
-        return std::nullopt;
-    text.remove_prefix(size);
-    return code;
+    text.remove_prefix(character.size);
+    return character.code;
 }
 
 void append(std::string& text, char32_t code)
