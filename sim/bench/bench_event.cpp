@@ -29,9 +29,9 @@ constexpr std::array kKindNames{
     KindName{"closed", "-- ", "closed"},
     KindName{"plugged", "-- ", "plugged in"},
     KindName{"unplugged", "-- ", "unplugged"},
-    KindName{"hook", "-- ", "hook"},
+    KindName{"hook", "-- ", ""},
     KindName{"lamp", "", ""},
-    KindName{"fault", "-- ", "fault"},
+    KindName{"fault", "-- ", ""},
     KindName{"note", "-- ", ""},
 };
 

@@ -6,7 +6,6 @@
 #include <json/value.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <utility>
 
@@ -86,7 +85,7 @@ std::string_view takeDeviceNumber(std::string_view& line)
     return before[0];
 }
 
-CommandOutcome call(
+CommandOutcome execute(
     const Command& command, std::span<const std::string_view> words, CommandCall&& call)
 {
     const std::string mistake = takeOptions(command, words, call);
@@ -99,7 +98,8 @@ CommandOutcome call(
         if (word.find("--") != word.npos || word == "T]")
             continue;
         ++most;
-        least += !word.starts_with('[');
+        if (!word.starts_with('['))
+            ++least;
     }
     if (command.name == "raw") // its bytes may be separated by blanks
         most = call.words.size();
@@ -161,7 +161,7 @@ CommandOutcome runCommand(Bench& bench, Answers& answers, std::string_view line)
     const Command* const command = findCommand(words[0]);
     if (!command)
         return unknownCommand(words[0]);
-    return call(*command, std::span(words).subspan(1), {bench, bench.device(number), answers});
+    return execute(*command, std::span(words).subspan(1), {bench, bench.device(number), answers});
 }
 
 } // namespace sim

@@ -10,9 +10,11 @@ std::vector<std::string_view> splitWords(std::string_view line)
 {
     constexpr std::string_view kBlanks = " \t\r";
     std::vector<std::string_view> words;
-    for (size_t begin = 0; (begin = line.find_first_not_of(kBlanks, begin)) != line.npos;) {
-        words.push_back(line.substr(begin, line.find_first_of(kBlanks, begin) - begin));
-        begin += words.back().size();
+    size_t begin = line.find_first_not_of(kBlanks);
+    while (begin != line.npos) {
+        const size_t end = line.find_first_of(kBlanks, begin);
+        words.push_back(line.substr(begin, end - begin));
+        begin = line.find_first_not_of(kBlanks, end);
     }
     return words;
 }

@@ -15,7 +15,8 @@ namespace sim {
 // A number from 0 to 999999999; no value for any other text.
 [[nodiscard]] std::optional<int> parseNumber(std::string_view text);
 
-// "500ms", "2s", "1.5s"; at most a day. No value for any other text.
+// "500ms", "2s", "1.5s"; at most a day. Parts of a millisecond are dropped. No value for any other
+// text.
 [[nodiscard]] std::optional<std::chrono::milliseconds> parseDuration(std::string_view text);
 
 // "200 ms", "1.5 s".

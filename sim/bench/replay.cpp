@@ -44,9 +44,9 @@ Replay::Replay(Bench& bench, BenchDevice& device, std::vector<report::RecordedRe
     , options_(options)
     , onDifference_(std::move(onDifference))
 {
-    findNext(nextInput_, true);
-    findNext(nextArrival_, true);
-    findNext(nextOutput_, false);
+    findNext(nextInput_, Sender::kDevice);
+    findNext(nextArrival_, Sender::kDevice);
+    findNext(nextOutput_, Sender::kProgram);
     bench_.add(*this);
 }
 
@@ -55,15 +55,19 @@ Replay::~Replay()
     bench_.remove(*this);
 }
 
+Replay::Sender Replay::senderOf(const report::RecordedReport& report)
+{
+    return report.direction == Direction::kInput ? Sender::kDevice : Sender::kProgram;
+}
+
 bool Replay::isPlaying() const
 {
     return nextInput_ < reports_.size() && !differs_;
 }
 
-// Moves `index` to the next report of the device or of the program; it may be there already.
-void Replay::findNext(size_t& index, bool input) const
+void Replay::findNext(size_t& index, Sender sender) const
 {
-    while (index < reports_.size() && (reports_[index].direction == Direction::kInput) != input)
+    while (index < reports_.size() && senderOf(reports_[index]) != sender)
         ++index;
 }
 
@@ -84,7 +88,7 @@ void Replay::onEvent(const BenchEvent& event)
 void Replay::noteArrival(const BenchEvent& event)
 {
     const size_t index = nextArrival_++;
-    findNext(nextArrival_, true);
+    findNext(nextArrival_, Sender::kDevice);
     if (!options_.check || event.delivery == Delivery::kQueued)
         return;
     differ(index,
@@ -104,7 +108,7 @@ void Replay::receive(const BenchEvent& event)
                 + toHex(event.report));
     latest_ = std::max(latest_, event.time);
     ++nextOutput_;
-    findNext(nextOutput_, false);
+    findNext(nextOutput_, Sender::kProgram);
 }
 
 // In the recording, between this report and the one before it.
@@ -151,7 +155,7 @@ void Replay::onTick()
         const report::RecordedReport& input = reports_[nextInput_];
         latest_ = bench_.now();
         ++nextInput_;
-        findNext(nextInput_, true);
+        findNext(nextInput_, Sender::kDevice);
         device_.sendRecorded(input.bytes);
         bench_.dispatch();
     }

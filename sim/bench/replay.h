@@ -25,7 +25,7 @@ public:
     // Called at the first difference, with an explanation of several lines.
     using DifferenceCallback = std::function<void(const std::string& explanation)>;
 
-    // `reports` are those of one device. `device` must outlive the object.
+    // `reports` are those of one device. `bench` and `device` must outlive the object.
     Replay(Bench& bench, BenchDevice& device, std::vector<report::RecordedReport> reports,
         const ReplayOptions& options, DifferenceCallback onDifference);
     ~Replay() override;
@@ -41,6 +41,7 @@ public:
 
 private:
     using Direction = report::RecordedReport::Direction;
+    enum class Sender { kDevice, kProgram };
 
     void onEvent(const BenchEvent& event) override;
     void onTick() override;
@@ -48,7 +49,9 @@ private:
 
     void receive(const BenchEvent& event);
     void noteArrival(const BenchEvent& event);
-    void findNext(size_t& index, bool input) const;
+    // Moves `index` to the next report of the sender; it may be there already.
+    void findNext(size_t& index, Sender sender) const;
+    static Sender senderOf(const report::RecordedReport& report);
     [[nodiscard]] std::optional<Time> inputTime() const;
     [[nodiscard]] std::optional<Time> outputLimit() const;
     [[nodiscard]] Time gapBefore(size_t index) const;

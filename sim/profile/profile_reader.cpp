@@ -295,8 +295,10 @@ bool isProfile(std::string_view text)
     constexpr std::string_view blanks = " \t\r\n";
     text = withoutByteOrderMark(text);
     const size_t begin = text.find_first_not_of(blanks);
-    if (begin == text.npos || text[begin] != '{')
-        return begin != text.npos && text[begin] == '[';
+    if (begin == text.npos || (text[begin] != '{' && text[begin] != '['))
+        return false;
+    if (text[begin] == '[')
+        return true;
     const size_t next = text.find_first_not_of(blanks, begin + 1);
     constexpr std::string_view nextInJson = "\"}{[";
     return next == text.npos || nextInJson.find(text[next]) != nextInJson.npos;

@@ -1,6 +1,5 @@
 #include "tools/panel/event_log.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace panel {
