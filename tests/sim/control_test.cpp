@@ -259,11 +259,14 @@ TEST_F(Control, ATranscriptThatNobodyReadsStopsNeitherCommandsNorSignals)
     EXPECT_EQ(exitStatus(), 0);
 
     for (const int signal : {SIGTERM, SIGINT}) {
-        start("kelprobe-sim run -- sh -c 'sleep 1; "
-              "kelprobectl lamp ring on --for 60'");
+        const test::TempDirectory files;
+        const std::string full = files.path() + "full"; // the output is
+        start("kelprobe-sim run -- sh -c 'until test -e " + full
+            + "; do sleep .01; done; kelprobectl lamp ring on --for 60'");
         ControlClient client(socket());
         for (int i = 0; i < 5000; ++i)
             ASSERT_EQ(client.answer("raw 030000"), "{\"status\":0}\n");
+        std::ofstream(full) << "";
         ASSERT_EQ(client.answer("expect ring on --within 20s"), "{\"status\":0}\n");
         kill(pid_, signal);
         EXPECT_TRUE(endsUnread()) << signal;

@@ -128,6 +128,8 @@ TEST_F(Delivery, OfHotPlugMessagesDoesNotWaitForAProgramThatTakesNone)
     ASSERT_EQ(bind(stopped.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
     for (int i = 0; i < 1000; ++i)
         sim::broadcast(root, {"remove", "/devices/usb1/1-1", "/dev/bus/usb/001/002"});
+    char byte = 0;
+    EXPECT_GT(recv(stopped.get(), &byte, 1, MSG_DONTWAIT), 0) << "it is a listener";
 }
 
 TEST_F(Delivery, ADeviceIsUnpluggedAlsoAfterTheBusLostItsDirectory)

@@ -153,7 +153,7 @@ TEST_F(KelprobeSim, EndsAsTheProgramDoes)
              {"no-such-program", 127},
              {"/", 126},
              // After a killed client, opening does not fail.
-             {"sh -c 'sim-client open kill; sleep .1; sim-client fail'", 1},
+             {"sh -c 'sim-client open kill; kelprobe-sim wait closed; sim-client fail'", 1},
              {R"(sh -c 'test $(grep -cE "^Sig(Blk|Ign):.*0{7}$" /proc/self/status) = 2')", 0},
              {"sh -c 'test $(readlink /proc/self/fd/0) = /dev/null'", 0},
              {"sh -c 'test $(readlink /proc/$$/fd/1) = $(readlink /proc/$$/fd/2)'", 0},

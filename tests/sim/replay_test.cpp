@@ -83,8 +83,7 @@ TEST_F(Replay, PrintsTheFirstDifferenceInContext)
     }
 }
 
-// In the order of the recording, and not before the program reads.
-TEST_F(Replay, SendsTheDevicesReportsAtTheirTimes)
+TEST_F(Replay, SendsTheDevicesReportsInOrderOnceTheProgramReads)
 {
     start("kelprobe-sim replay " + std::string(KELPROBE_MEETING)
         + " --speed 100 -- sh -c 'sleep .05; exec sim-client open r 030900 r 030100 "
