@@ -1,4 +1,4 @@
-// The simulated devices, and what happens to them in its order.
+// The simulated devices and their events.
 #pragma once
 
 #include "sim/bench/bench_device.h"
@@ -16,7 +16,7 @@ public:
     using Time = std::chrono::microseconds; // since the bench started
 
     virtual ~BenchListener() = default;
-    virtual void onEvent(const BenchEvent& event) = 0; // may not execute commands
+    virtual void onEvent(const BenchEvent& event) = 0; // must not execute commands
     // Called at nextTick(), if not before, and after events.
     virtual void onTick() { }
     [[nodiscard]] virtual std::optional<Time> nextTick() const { return std::nullopt; }
@@ -38,7 +38,8 @@ public:
     std::list<BenchDevice>& devices() { return devices_; }
     BenchDevice& device(size_t number); // from 1
 
-    // A listener gets each event that dispatch() takes from then on. Not from onEvent().
+    // A listener gets each event that dispatch() takes from then on. It must be removed before it
+    // is destroyed. These must not be called from onEvent().
     void add(BenchListener& listener) { listeners_.insert(&listener); }
     void remove(BenchListener& listener) { listeners_.erase(&listener); }
 

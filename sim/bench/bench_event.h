@@ -25,7 +25,7 @@ struct BenchEvent {
         kClaimRefused,  // claiming the telephony interface failed
         kDetachRefused, // detaching the kernel's driver from it failed
         kOpened,        // a program reads from the telephony interface
-        kClosed,        // it has released the interface
+        kClosed,        // it has released the interface or ended, or the device was unplugged
         kPlugged,
         kUnplugged,
         kHook,  // the hook switch has another position
@@ -47,8 +47,9 @@ struct BenchEvent {
     Delivery delivery = Delivery::kQueued; // of an input report
     size_t count = 1;                      // it was sent so many times
 
-    std::optional<HookPosition> hook = {}; // if the event was added with it
-    std::string name = {};                 // of the lamp or fault; the text of a note
+    // The position when a device added the event; no value for the bench's own events.
+    std::optional<HookPosition> hook = {};
+    std::string name = {};  // of the lamp or fault; the text of a note
     std::string state = {}; // of the hook or fault: "on", "off"; of a lamp also "blink"
 };
 

@@ -1,4 +1,4 @@
-// The events of the bench in their order.
+// The events of the bench, oldest first.
 #pragma once
 
 #include "sim/bench/bench_event.h"
@@ -10,8 +10,8 @@
 
 namespace sim {
 
-// Events come from the bench's thread, which makes the object, and from umockdev's thread. Only the
-// bench's thread takes them.
+// Events come from the bench's thread, which makes the object, from umockdev's thread, and from the
+// threads of devices with a delay. Only the bench's thread takes them.
 class EventQueue {
 public:
     EventQueue(); // throws std::system_error

@@ -25,8 +25,8 @@ public:
     long connectDriver();
     long disconnectDriver();
 
-    // A client that has claimed the interface reads from it. The first time, the device is opened:
-    // programs also claim an interface for a moment to read its descriptor.
+    // A client that has claimed the interface reads from it. The first call adds the event kOpened;
+    // claim() does not, because programs also claim an interface only to read its descriptor.
     void startReading();
     void stopReading(); // also when the interface is released
 

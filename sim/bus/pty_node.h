@@ -20,6 +20,7 @@ public:
     void setReady(bool ready);
     // Whether this user may open the node; at first, yes. If not, opening fails with EACCES, even
     // for root if the client has our preload library. Clients that have the node open keep it open.
+    // Throws std::system_error.
     void setOpenable(bool openable);
     // The last call: the others must not follow.
     void hangUp();

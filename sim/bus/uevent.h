@@ -15,7 +15,7 @@ struct Uevent {
 // Works with and without umockdev's library preloaded.
 void broadcast(const std::string& root, const Uevent& event);
 
-// Waits until each process that listens has room for a message, at most some seconds.
+// Waits until each process that listens has room for a message, at most five seconds for each.
 void waitForListeners(const std::string& root);
 
 } // namespace sim

@@ -65,7 +65,8 @@ private:
     void deliver(Endpoint& endpoint);
     size_t waitingCount() const;
 
-    std::map<uint8_t, Endpoint> endpoints_; // the lists in them: oldest first, as
+    // In each list the oldest is first.
+    std::map<uint8_t, Endpoint> endpoints_;
     std::list<Urb> finished_;
 };
 

@@ -71,9 +71,10 @@ public:
     // Sets the one callback, for all events of all interfaces or for received output reports only.
     // Events come one at a time, in their order: for an output report before the client's
     // hid_write() returns, while clients wait for their ioctls; for an input report before a
-    // reaction to it. The callback runs on umockdev's thread or one that sends a report. It may do
-    // everything but plug, and may replace itself. When these return, the previous callback is not
-    // running any more, unless they were called from it.
+    // reaction to it. The callback runs on umockdev's thread or one that sends a report. It may
+    // replace itself, but must not plug, destroy the device, or wait with waitUntilRead() or
+    // waitForOutputs(): umockdev's thread serves the clients. When these return, the previous
+    // callback is not running any more, unless they were called from it.
     void setEventCallback(DeviceModel::EventCallback callback);
     void setOutputCallback(std::function<void(const Bytes&)> callback);
 
@@ -82,7 +83,7 @@ public:
     const DeviceCounters& counters() const { return model_->counters; }
 
     // Whether opening the node is permitted; at first, yes. Unplugging does not change this. Also
-    // applies to root if the client has our preload library.
+    // applies to root if the client has our preload library. Throws std::system_error.
     void setOpenable(bool openable);
     // Whether the kernel's driver has the interface; false while unplugged.
     bool driverBound() const { return driverBound(controlsNumber()); }

@@ -16,8 +16,8 @@ namespace sim {
 // there is none. The command may be in the same word, as in "2: press mute".
 [[nodiscard]] std::string takeDeviceNumber(std::vector<std::string>& words);
 
-// Adds each command of the bench, and the option --socket. `device` comes before the command that
-// is sent; app and run outlive it.
+// Adds each command of the bench, and the option --socket. `device`, "2:" or empty, is put before
+// the command that is sent. `app` and `run` must outlive the commands.
 void addBenchCommands(CLI::App& app, const std::string& device, Run& run);
 
 } // namespace sim

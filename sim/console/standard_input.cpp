@@ -74,7 +74,7 @@ void StandardInput::fail(const std::string& error)
 void StandardInput::read()
 {
     if (isTerminalOfOthers()) {
-        constexpr guint kRetryMs = 300; // nothing announces the foreground
+        constexpr guint kRetryMs = 300; // there is no event for a change of the foreground
         const auto onRetry = +[](gpointer self) -> gboolean {
             static_cast<StandardInput*>(self)->retry_.reset();
             return G_SOURCE_REMOVE;

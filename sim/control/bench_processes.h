@@ -24,7 +24,8 @@ struct BenchProcesses {
 
 // Ends each of these processes that is not the calling process or an ancestor of it: with SIGTERM
 // and, if it has not ended after `grace`, with SIGKILL; without grace with SIGKILL at once. Returns
-// when they have ended. Reaps those that are children of the calling process.
+// when they have ended, or two seconds after SIGKILL if one has not. Reaps all children of the
+// calling process that have ended.
 void endProcesses(const BenchProcesses& processes, std::chrono::milliseconds grace);
 
 } // namespace sim

@@ -28,7 +28,7 @@ fs::path temporaryDirectory()
     const fs::path directory = named && *named ? named : "/tmp";
     if (!directory.is_absolute())
         throw std::runtime_error("TMPDIR is not an absolute path: " + directory.native());
-    // Later benches compare the path with what this one has told its program.
+    // Later benches compare the path with that in the environment of processes.
     std::error_code error;
     const fs::path resolved = fs::canonical(directory, error);
     return error ? directory : resolved;

@@ -31,7 +31,8 @@ struct DeviceBehaviour {
     // When its mute LED changes, the device sends a press and a release of its mute button.
     bool togglesMute = false;
     std::vector<Reaction> reactions = {};
-    // Reports, as on the wire, that the device sends when a program has claimed the interface.
+    // Reports, as on the wire, that the device sends when a program begins to read from the
+    // interface.
     std::vector<Bytes> onOpen = {};
     // Bytes by which each input report is too long, or too short if negative. Bytes that are added
     // are zeros. Does not apply to the reports above and those that are injected.

@@ -32,7 +32,7 @@ struct DeviceEvent {
         kOutput,        // an output report was received
         kOutputRefused, // an output report stalled
         kOpened,        // a client reads from the interface
-        kClosed,        // the client released it or ended
+        kClosed,        // the client released it or ended, or the device was unplugged
         kClaimRefused,  // claiming the interface gave EBUSY
         kDetachRefused, // detaching the kernel driver gave EBUSY
         kFeature,       // a feature report was received

@@ -49,8 +49,7 @@ public:
 
     // Handles requests to the device and to an interface. Those for the report descriptor and for
     // reports stall if the interface does not exist or is not of class HID. A feature report that
-    // was not set has only zeros.
-    // `out` is the data stage of a host-to-device transfer.
+    // was not set has only zeros. `out` is the data stage of a host-to-device transfer.
     ControlReply control(const SetupPacket& setup, std::span<const uint8_t> out);
 
     // Takes an output report that came through the OUT endpoint of the interface. False if it

@@ -10,7 +10,7 @@ namespace sim {
 [[nodiscard]] Panel::InputReports reactionsTo(
     const LampChange& change, const DeviceBehaviour& behaviour, Panel& panel);
 
-// When a client has claimed the interface.
+// When a client begins to read from the interface.
 [[nodiscard]] Panel::InputReports startUpReports(const DeviceBehaviour& behaviour);
 
 // Makes the report longer or shorter: see DeviceBehaviour::lengthError.

@@ -41,7 +41,7 @@ struct InterfaceInfo {
     // interfaces. Without an OUT endpoint (0) the host sends output reports by SET_REPORT.
     uint8_t inEndpoint = 1;
     uint8_t outEndpoint = 1;
-    uint16_t maxPacketSize = 64;
+    uint16_t maxPacketSize = 64; // bytes
 
     [[nodiscard]] bool isHid() const { return interfaceClass == kHid; }
 

@@ -25,13 +25,13 @@ std::span<const Profile> profiles();
 // Null if there is no built-in profile of that name. Throws as profiles() does.
 [[nodiscard]] const Profile* findProfile(std::string_view name);
 
-// What to use instead of what a file has. For a descriptor without ids or name, what it lacks. A
-// descriptor file has neither: its ids are 1209:0001, which are for tests, and its name is that of
-// the file.
+// Values that replace those of a file. Without them a descriptor that has no ids gets 1209:0001,
+// which are for tests, and one that has no name gets that of the file.
 struct ProfileOptions {
     std::optional<report::DeviceIds> ids = {};
     std::optional<std::string> product = {}; // UTF-8
-    // Of the interface whose controls count. Another interface with the number gets its old one.
+    // The new number of the interface with the controls. An interface that already has it gets the
+    // old one.
     std::optional<uint8_t> interfaceNumber = {};
     bool noOutEndpoint = false; // that interface has none
 };

@@ -38,7 +38,7 @@ public:
 
     // The whole state, as in the constructor.
     void setState(const QJsonObject& state);
-    // Only what no event reports: which buttons are down and which faults are on.
+    // Which buttons are down, which no event reports, and which faults are on.
     void refresh(const QJsonObject& state);
     // Events of other devices are not passed here.
     void apply(const QJsonObject& event);

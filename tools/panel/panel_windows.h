@@ -4,7 +4,7 @@
 #include "tools/panel/bench.h"
 #include "tools/panel/theme.h"
 
-#include <QQmlApplicationEngine>
+#include <QQmlEngine>
 #include <QQuickWindow>
 
 #include <optional>

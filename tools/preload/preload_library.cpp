@@ -34,7 +34,7 @@ std::string libraryPath(const std::string& name, const fs::path& linkDirectory)
         return library;
     fs::path link = linkDirectory / name;
     if (!fitsLdPreload(link))
-        throw std::runtime_error("LD_PRELOAD cannot hold a path with a blank or a colon: "
+        throw std::runtime_error("LD_PRELOAD cannot hold a path with a blank, a colon or '$': "
             + library.string() + ", " + link.string());
     fs::create_symlink(library, link);
     return link;

@@ -9,8 +9,8 @@
 namespace text {
 namespace {
 
-// C0, DEL and C1 control characters, those that reverse the direction of the text after them, and
-// two that are no characters, which neither XML nor YAML may hold.
+// C0, DEL and C1 control characters, line and paragraph separators, those that change the direction
+// of writing, and two that are no characters, which neither XML nor YAML may hold.
 bool isControl(uint32_t code)
 {
     return code < 0x20 || (code >= 0x7f && code <= 0x9f) || (code >= 0x202a && code <= 0x202e)

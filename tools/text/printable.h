@@ -6,9 +6,10 @@
 
 namespace text {
 
-// `text`, which should be UTF-8, with each control character, each byte that is not valid UTF-8 and
-// U+FFFE and U+FFFF replaced by "\xNN": it cannot move the cursor or begin a new line, and it may
-// stand in XML. Pure.
+// `text`, which should be UTF-8, with each byte of control characters, line and paragraph
+// separators, characters that change the direction of writing, U+FFFE, U+FFFF and invalid UTF-8
+// replaced by "\xNN": it cannot move the cursor, begin a new line or reverse the text after it, and
+// it may stand in XML. Pure.
 [[nodiscard]] std::string printable(std::string_view text);
 
 } // namespace text

@@ -32,16 +32,19 @@ constexpr Range kCombined[] = {
     {0xe0100, 0xe01ef},
 };
 constexpr Range kWide[] = {
-    {0x1100, 0x115f},                                           // Hangul
-    {0x2e80, 0x303e},                                           // CJK radicals, punctuation
-    {0x3041, 0xa4cf},                                           // kana, CJK ideographs, Yi
-    {0xa960, 0xa97f},                                           // Hangul
-    {0xac00, 0xd7a3},                                           // Hangul syllables
-    {0xf900, 0xfaff},                                           // CJK ideographs
-    {0xfe30, 0xfe6f},                                           // CJK forms
-    {0xff00, 0xff60},                                           // full-width forms
-    {0xffe0, 0xffe6}, {0x1f300, 0x1f64f},                       // pictographs
-    {0x1f680, 0x1f6ff}, {0x1f900, 0x1f9ff}, {0x20000, 0x3fffd}, // CJK ideographs
+    {0x1100, 0x115f},   // Hangul
+    {0x2e80, 0x303e},   // CJK radicals, punctuation
+    {0x3041, 0xa4cf},   // kana, CJK ideographs, Yi
+    {0xa960, 0xa97f},   // Hangul
+    {0xac00, 0xd7a3},   // Hangul syllables
+    {0xf900, 0xfaff},   // CJK ideographs
+    {0xfe30, 0xfe6f},   // CJK forms
+    {0xff00, 0xff60},   // full-width forms
+    {0xffe0, 0xffe6},   // full-width forms
+    {0x1f300, 0x1f64f}, // pictographs
+    {0x1f680, 0x1f6ff}, // pictographs
+    {0x1f900, 0x1f9ff}, // pictographs
+    {0x20000, 0x3fffd}, // CJK ideographs
 };
 
 template <size_t size>

@@ -1,4 +1,4 @@
-// A button of the program's, not of the device's. `strong` marks the default one.
+// A button of the program, not of the device. `strong` marks the default one.
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import Kelprobe.Panel 1.0

@@ -82,7 +82,7 @@ ColumnLayout {
             spacing: Theme.gap / 2
 
             Repeater {
-                model: [qsTr("All"), qsTr("In"), qsTr("Out"), qsTr("Other")]
+                model: [qsTr("All"), qsTr("In"), qsTr("Out"), qsTr("Other")] // in the order of LogView::Show
                 delegate: ActionButton {
                     objectName: "show-" + index
                     leftPadding: Theme.gap
