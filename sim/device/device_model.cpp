@@ -97,11 +97,11 @@ bool DeviceModel::fails(Fault& fault)
 Reply DeviceModel::getDescriptor(const Setup& setup)
 {
     switch (setup.value >> 8) {
-    case kDevice:
+    case Descriptor::kDevice:
         return send(deviceDescriptor(info), setup.length);
-    case kConfiguration:
+    case Descriptor::kConfiguration:
         return send(configurationDescriptor(info), setup.length);
-    case kString:
+    case Descriptor::kString:
         if (fails(faults.stallStrings))
             return stall();
         if (auto text = stringDescriptor(info, lowByte(setup.value)))
@@ -117,7 +117,7 @@ Reply DeviceModel::getReportDescriptor(const Setup& setup)
     const InterfaceInfo* const interface = findInterface(lowByte(setup.index));
     if (!interface || !interface->isHid())
         return stall();
-    if (setup.value == kHid << 8)
+    if (setup.value == Descriptor::kHid << 8)
         return send(hidDescriptor(*interface), setup.length);
     if (setup.value != ClassDescriptor::kReport << 8)
         return stall();

@@ -39,15 +39,15 @@ uint8_t interval(const UsbDeviceInfo& info)
 
 Bytes endpointDescriptor(const UsbDeviceInfo& info, const InterfaceInfo& interface, uint8_t address)
 {
-    return {7, kEndpoint, address, kInterruptTransfer, lowByte(interface.maxPacketSize),
+    return {7, Descriptor::kEndpoint, address, kInterruptTransfer, lowByte(interface.maxPacketSize),
         highByte(interface.maxPacketSize), interval(info)};
 }
 
 Bytes interfaceDescriptor(const UsbDeviceInfo& info, const InterfaceInfo& interface)
 {
     const uint8_t endpoints = !interface.isHid() ? 0 : interface.outEndpoint ? 2 : 1;
-    Bytes bytes = {9, kInterface, interface.number, 0, endpoints, interface.interfaceClass,
-        interface.subclass, interface.protocol, 0};
+    Bytes bytes = {9, Descriptor::kInterface, interface.number, 0, endpoints,
+        interface.interfaceClass, interface.subclass, interface.protocol, 0};
     if (endpoints == 0)
         return bytes;
     append(bytes, hidDescriptor(interface));
@@ -61,8 +61,8 @@ Bytes interfaceDescriptor(const UsbDeviceInfo& info, const InterfaceInfo& interf
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info)
 {
-    return {18, kDevice, 0x00, 0x02, 0, 0, 0,
-        maxControlPacket(info),                            // USB 2.00, class by interface
+    return {18, Descriptor::kDevice, 0x00, 0x02, 0, 0, 0,  // USB 2.00, class by interface
+        maxControlPacket(info),                            //
         lowByte(info.vendorId), highByte(info.vendorId),   //
         lowByte(info.productId), highByte(info.productId), //
         lowByte(info.release), highByte(info.release),     //
@@ -74,7 +74,8 @@ Bytes hidDescriptor(const InterfaceInfo& interface)
     const std::vector<ClassDescriptor> list
         = interface.classDescriptors.value_or(std::vector{ClassDescriptor{
             ClassDescriptor::kReport, static_cast<uint16_t>(interface.reportDescriptor.size())}});
-    Bytes bytes = {lowByte(6 + 3 * list.size()), kHid, 0x11, 0x01, 0, lowByte(list.size())};
+    Bytes bytes
+        = {lowByte(6 + 3 * list.size()), Descriptor::kHid, 0x11, 0x01, 0, lowByte(list.size())};
     for (const ClassDescriptor& entry : list)
         append(bytes, {entry.type, lowByte(entry.length), highByte(entry.length)});
     return bytes;
@@ -83,7 +84,8 @@ Bytes hidDescriptor(const InterfaceInfo& interface)
 Bytes configurationDescriptor(const UsbDeviceInfo& info)
 {
     // Value 1, bus powered, 100 mA.
-    Bytes bytes = {9, kConfiguration, 0, 0, lowByte(info.interfaces.size()), 1, 0, 0x80, 50};
+    Bytes bytes
+        = {9, Descriptor::kConfiguration, 0, 0, lowByte(info.interfaces.size()), 1, 0, 0x80, 50};
     for (const InterfaceInfo& interface : info.interfaces)
         append(bytes, interfaceDescriptor(info, interface));
     bytes[2] = lowByte(bytes.size());
@@ -94,12 +96,12 @@ Bytes configurationDescriptor(const UsbDeviceInfo& info)
 std::optional<Bytes> stringDescriptor(const UsbDeviceInfo& info, uint8_t index)
 {
     if (index == 0)
-        return Bytes{4, kString, 0x09, 0x04}; // English
+        return Bytes{4, Descriptor::kString, 0x09, 0x04}; // English
     const std::u16string* text = stringAt(info, index);
     if (!text)
         return std::nullopt;
     const std::u16string sent = text->substr(0, UsbDeviceInfo::kMaxStringUnits);
-    Bytes bytes = {lowByte(2 + 2 * sent.size()), kString};
+    Bytes bytes = {lowByte(2 + 2 * sent.size()), Descriptor::kString};
     for (const char16_t unit : sent)
         append(bytes, {lowByte(unit), highByte(unit)});
     return bytes;

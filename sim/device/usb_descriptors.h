@@ -7,13 +7,15 @@
 
 namespace sim {
 
-enum DescriptorType : uint8_t {
-    kDevice = 1,
-    kConfiguration,
-    kString,
-    kInterface,
-    kEndpoint,
-    kHid = 0x21
+struct Descriptor {
+    enum Type : uint8_t {
+        kDevice = 1,
+        kConfiguration,
+        kString,
+        kInterface,
+        kEndpoint,
+        kHid = 0x21
+    };
 };
 
 Bytes deviceDescriptor(const UsbDeviceInfo& info);
