@@ -13,7 +13,6 @@ namespace {
 using Kind = BenchEvent::Kind;
 
 constexpr const char* kFloodCause = "flood";
-constexpr const char* kRawCause = "raw";
 
 Kind kindOf(DeviceEvent::Kind kind)
 {
@@ -143,14 +142,14 @@ CommandResult BenchDevice::sendRaw(const Bytes& report)
 {
     CommandResult possible = checkCanSend();
     if (possible.status == kDone)
-        device_.inject(report, kRawCause);
+        device_.inject(report, BenchEvent::kRawCause);
     return possible;
 }
 
 void BenchDevice::sendRecorded(const Bytes& report)
 {
     assert(device_.info().controls().isHid());
-    device_.inject(report, kRecordedCause);
+    device_.inject(report, BenchEvent::kRecordedCause);
 }
 
 CommandResult BenchDevice::unplug()

@@ -15,8 +15,6 @@ enum class Press { kPush, kHold };
 // Operates a device and reports what happens to it. Only the bench's thread may use it.
 class BenchDevice {
 public:
-    static constexpr const char* kRecordedCause = "recorded"; // of what sendRecorded() sends
-
     // Plugs in. `number` counts from 1. `queue` must outlive the object. Throws std::runtime_error.
     BenchDevice(UsbBus& bus, const Profile& profile, size_t number, EventQueue& queue);
     BenchDevice(const BenchDevice&) = delete;

@@ -67,7 +67,8 @@ std::string changesOf(const BenchEvent& event)
 std::string causeOf(const BenchEvent& event)
 {
     std::string text = event.cause;
-    if ((text == "raw" || text == "recorded") && !event.meaning.empty())
+    if ((text == BenchEvent::kRawCause || text == BenchEvent::kRecordedCause)
+        && !event.meaning.empty())
         text += ": " + joined(event.meaning);
     if (event.count > 1)
         text += ", " + std::to_string(event.count) + " times";

@@ -34,6 +34,10 @@ struct BenchEvent {
         kNote,  // a line for people
     };
 
+    // Causes of input reports whose meaning is shown.
+    static constexpr const char* kRawCause = "raw";
+    static constexpr const char* kRecordedCause = "recorded";
+
     size_t device = 0; // number, from 1
     Kind kind = Kind::kNote;
     std::chrono::microseconds time{}; // since the bench started

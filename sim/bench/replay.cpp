@@ -81,7 +81,7 @@ void Replay::onEvent(const BenchEvent& event)
     }
     if (options_.check && isFromProgram(event.kind))
         receive(event);
-    if (event.kind == BenchEvent::Kind::kInput && event.cause == BenchDevice::kRecordedCause)
+    if (event.kind == BenchEvent::Kind::kInput && event.cause == BenchEvent::kRecordedCause)
         noteArrival(event);
 }
 
