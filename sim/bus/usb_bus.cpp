@@ -78,7 +78,7 @@ std::string sysfsRecord(const UsbBus::Place& place, int address, const UsbDevice
         + descriptorAttribute(info) + "\n";
 }
 
-// As the kernel does, which has read the names. An invalid one gives an empty attribute.
+// As the kernel shows the names that it has read. An invalid name gives an empty attribute.
 void writeName(const fs::path& attribute, const std::u16string& name)
 {
     if (name.empty())
@@ -151,8 +151,8 @@ UsbBus::Place UsbBus::plug(int port, const UsbDeviceInfo& info, const std::share
     usbfs->showDrivers(sysfs);
     writeNames(sysfs, info);
     makeNode(place.node, *usbfs);
-    if (umockdev_in_mock_environment()) // umockdev sends the event, and ends the process if it
-                                        // cannot
+    // umockdev sends the event, and ends the process if it cannot.
+    if (umockdev_in_mock_environment())
         waitForListeners(root_);
     if (!umockdev_testbed_add_from_string(
             testbed_.get(), sysfsRecord(place, address, info).c_str(), nullptr))
@@ -189,7 +189,8 @@ int UsbBus::takeAddress()
     throw std::runtime_error("the USB bus has no room for another device");
 }
 
-// A client connects to the socket within open(), so a few later nodes are time enough.
+// A client connects to the socket within open(). Sockets of the last few nodes are kept until it
+// has done so.
 void UsbBus::removeOldSockets()
 {
     constexpr size_t kKept = 4;

@@ -34,12 +34,12 @@ standard output cannot be written, 2 not understood, 3 there is no bench.
 
 Example: kelprobe-sim run speakerphone -- sh -c 'kelprobectl list; kelprobe-sim devices')";
 
-// Splits the words: those before "--", and the program with its arguments after it.
 struct Words {
     std::vector<std::string> own;
     std::optional<std::vector<std::string>> program;
 };
 
+// Splits the words: those before "--", and the program with its arguments after it.
 Words splitWords(int argc, char** argv)
 {
     Words words;

@@ -41,7 +41,7 @@ The first difference is printed and ends PROGRAM; the exit status is 1 then.
 
 Example: kelprobe-sim replay meeting.hid --check -- kelprobe)";
 
-// What is wrong with it.
+// What is wrong with the text as a speed; empty if nothing is.
 std::string speedMistake(const std::string& text)
 {
     double speed = 0;

@@ -87,7 +87,7 @@ public:
     // kind and id that was passed, or since forgetReports(); empty if nothing did. Input reports as
     // on the wire, others with the id first.
     [[nodiscard]] std::vector<std::string> meaning(report::ReportKind kind, const Bytes& report);
-    // After losePower(), when all reports from before it have been passed to meaning().
+    // To be called after losePower(), when all earlier reports have been passed to meaning().
     void forgetReports();
 
 private:
