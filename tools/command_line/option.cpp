@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
+
 namespace command_line {
 
 Option& Option::required()
@@ -24,10 +26,18 @@ Option& Option::check(const Check& check)
     return *this;
 }
 
+// Not CLI11's, whose words differ from version to version.
 Option& Option::range(int least, int most)
 {
-    option_->check(CLI::Range(least, most).description(""));
-    return *this;
+    return check([least, most](const std::string& value) {
+        int number = 0;
+        const char* const end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, number);
+        const bool isNumber = error == std::errc() && rest == end;
+        return isNumber && number >= least && number <= most ? std::string()
+                                                             : "expected a number from "
+                + std::to_string(least) + " to " + std::to_string(most) + ", not " + value;
+    });
 }
 
 Option& Option::excludes(Option other)
