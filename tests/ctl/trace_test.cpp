@@ -286,6 +286,7 @@ TEST_F(Trace, RecordsTheReportsOfAllDevices)
     EXPECT_EQ(recording.devices[0].descriptor,
         sim::findProfile("speakerphone")->info.controls().reportDescriptor);
     EXPECT_EQ(recording.devices[0].vendorId, 0x1209);
+    EXPECT_EQ(recording.devices[0].name, "Kelprobe Simulated speakerphone");
     ASSERT_EQ(recording.reports.size(), 3u);
     EXPECT_EQ(recording.reports[0].failure, "the device refused it");
     EXPECT_EQ(recording.reports[1].failure, std::nullopt);

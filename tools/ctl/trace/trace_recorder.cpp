@@ -1,12 +1,32 @@
 #include "tools/ctl/trace/trace_recorder.h"
 
 #include "tools/ctl/traffic/failure_words.h"
+#include "tools/ctl/usb/sysfs.h"
+#include "tools/text/printable.h"
 
 #include <utility>
 
 namespace ctl {
 
 using Direction = report::RecordedReport::Direction;
+
+namespace {
+
+// "Maker Product" as the kernel shows them, or else the ids. libusb's paths, "1-2:1.0", contain the
+// name of the device's directory.
+std::string nameOf(const TrafficDevice& device)
+{
+    const size_t colon = device.path.find(':');
+    std::string name;
+    if (colon != device.path.npos && device.path.find('/') == device.path.npos) {
+        const std::string directory = "/sys/bus/usb/devices/" + device.path.substr(0, colon);
+        for (const char* const attribute : {"manufacturer", "product"})
+            name += (name.empty() ? "" : " ") + sysfsAttribute(directory, attribute);
+    }
+    return name.empty() ? idsText(device.vendorId, device.productId) : text::printable(name);
+}
+
+} // namespace
 
 TraceRecorder::TraceRecorder(const std::filesystem::path& path)
     : file_(path)
@@ -39,7 +59,7 @@ void TraceRecorder::add(const TracedCall& traced)
 void TraceRecorder::addDevice(const TrafficDevice& device)
 {
     report::RecordedDevice recorded;
-    recorded.name = idsText(device.vendorId, device.productId);
+    recorded.name = nameOf(device);
     recorded.physicalPath = device.path;
     recorded.vendorId = device.vendorId;
     recorded.productId = device.productId;
