@@ -1,5 +1,5 @@
-/* Loaded into the client before libumockdev-preload.so.0. Of the paths below /dev, passes only those
- * of the testbed's own nodes on to that library's open(). Without this,
+/* Loaded into the client before libumockdev-preload.so.0. Of the paths below /dev, passes only
+ * those of the testbed's own nodes on to that library's open(). Without this,
  * - failed opens below /dev overflow a table of 50 entries and abort the client;
  * - ioctls on the machine's own nodes (a terminal, a GPU) fail with ENOTTY;
  * - the node, a pseudo terminal, becomes the controlling terminal of a client that leads a session,

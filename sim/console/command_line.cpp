@@ -77,6 +77,8 @@ int parseAndRun(Words words)
         printf("%s\n", command_line::requestedText(app, error).c_str());
         return EXIT_SUCCESS;
     }
+    if (!device.empty() && app.get_subcommands().front()->get_group() != kBenchGroup)
+        throw WrongUse("only commands for a running bench take the number of a device");
     const bool takesProgram = app.got_subcommand("run") || app.got_subcommand("replay");
     if (words.program && !takesProgram)
         throw WrongUse("only run and replay take a program after --");

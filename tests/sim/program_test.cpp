@@ -30,6 +30,7 @@ TEST_F(KelprobeSim, UnderstandsOrExplainsItsCommandLine)
             {"run --ids '' -- p", "kelprobe-sim: --ids takes two numbers", 2},
             {"run --name $(printf '\xff') -- p", "kelprobe-sim: --name: expected valid UTF-8 of",
                 2},
+            {"2: list", "kelprobe-sim: only commands for a running bench take the number of", 2},
             {"list -- p", "kelprobe-sim: only run and replay take a program after --", 2},
             {"run --interface 32 -- p", "kelprobe-sim: --interface: expected a number from 0 to 31",
                 2},

@@ -85,6 +85,7 @@ void TracedProgram::start(
     std::vector<std::string> command, const std::map<std::string, std::string>& environment)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& word : command)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -48,6 +48,7 @@ std::string namesOf(const std::vector<Lamp>& lamps)
     if (isLampName(name, target.names))
         throw Failure(kFellShort, ids + " has no " + name + " lamp; it has " + namesOf(lamps));
     std::vector<std::string_view> names;
+    names.reserve(lamps.size());
     for (const Lamp& lamp : lamps)
         names.push_back(lamp.name);
     const std::string_view nearest = text::nearest(name, names);

@@ -21,6 +21,7 @@ Json::Value deviceEvent(const char* event, const DeviceEntry& entry)
 } // namespace
 
 struct Monitor::Reports {
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject): those are references
     Reports(const DeviceEntry& entry, const report::UsageNames& names)
         : hasDescriptor(!entry.descriptor.empty())
         , layout(report::readLayout(entry.descriptor))

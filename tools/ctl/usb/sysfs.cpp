@@ -53,7 +53,7 @@ std::vector<std::string> hidDirectories(const std::string& interface)
     std::vector<std::string> paths;
     for (const std::string& name : namesIn(interface)) {
         if (name.starts_with(kUsbHidDevice))
-            paths.push_back(interface + '/' + name);
+            paths.emplace_back(interface).append("/").append(name);
     }
     return paths;
 }
