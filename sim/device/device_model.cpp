@@ -141,7 +141,7 @@ Reply DeviceModel::setReport(const Setup& setup, std::span<const uint8_t> out)
     return received ? Reply{.transferred = out.size()} : stall();
 }
 
-// Output reports cannot be read, as with most devices.
+// Of input and feature reports; a request for an output report stalls.
 Reply DeviceModel::getReport(const Setup& setup)
 {
     using report::ReportKind;

@@ -9,7 +9,8 @@ namespace sim {
 [[nodiscard]] std::vector<Profile> devicesIn(std::string_view content, const std::string& file);
 
 // The device that has the descriptor with this index, from 0, in the file, and whose panel has the
-// controls of that descriptor's interface. There must be such a descriptor. Likewise.
+// controls of that descriptor's interface. There must be such a descriptor. Throws ProfileError.
+// Pure.
 [[nodiscard]] Profile deviceOfDescriptor(
     std::string_view content, const std::string& file, size_t index);
 

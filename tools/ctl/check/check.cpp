@@ -25,7 +25,7 @@ Examples:
   kelprobectl check --press-command ./finger.sh
   kelprobectl check --recording meeting.hid)";
 
-// What is wrong with a shell command.
+// What is wrong with a shell command; empty if nothing is.
 std::string blankError(const std::string& command)
 {
     return command.find_first_not_of(" \t\n") == std::string::npos ? "the command is empty" : "";
